@@ -1,0 +1,48 @@
+// Bundles: a folder with an information dictionary, string tables by language, and images.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/image.h"
+#include "platform/value.h"
+
+namespace platform {
+
+/// A bundle: <path>/Info.plist, <path>/<language>.lproj/<table>.strings (property lists) and
+/// <path>/images/<name>.svg (or .png). Read on demand, kept after that.
+class NSBundle {
+ public:
+  /// Languages are language tags in the order the user prefers them ("pt-BR", "ja"); English is
+  /// the last resort. None when the folder is not there.
+  static std::unique_ptr<NSBundle> bundleWithPath(const std::string& path,
+                                                  std::vector<std::string> languages);
+
+  /// The bundle of the running program; null when it has none.
+  static NSBundle* mainBundle();
+
+  const std::string& bundlePath() const { return path_; }
+  const Dictionary& infoDictionary();
+  std::optional<std::string> bundleIdentifier();
+
+  /// The text of a key in a table (none: "Localizable"), the key itself when there is no entry.
+  std::string localizedStringForKey_table(const std::string& key,
+                                          const std::optional<std::string>& table);
+  /// Null when there is no image of that name.
+  std::shared_ptr<NSImage> imageForResource(const std::string& name);
+
+ private:
+  NSBundle(std::string path, std::vector<std::string> languages);
+  const Dictionary& table(const std::string& name);
+
+  std::string path_;
+  std::vector<std::string> languages_;
+  std::optional<Dictionary> info_;
+  std::map<std::string, Dictionary> tables_;
+  std::map<std::string, std::shared_ptr<NSImage>> images_;
+};
+
+}  // namespace platform

@@ -1,0 +1,25 @@
+// Unicode texts: comparison and the display of foreign texts. Texts are UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// True when both texts are equal after full case folding and canonical decomposition
+/// (Unicode, chapter 3.13). Texts that are not UTF-8 are equal only byte for byte.
+bool caseInsensitiveEqual(std::string_view a, std::string_view b);
+
+/// True when the bytes are well-formed UTF-8.
+bool isValidUTF8(std::string_view bytes);
+
+/// The bytes with everything that is not well-formed UTF-8 replaced by U+FFFD.
+std::string repairedUTF8(std::string_view bytes);
+
+/// A text as one label can show it: at most maximumBytes of it, cut at a character, with control
+/// characters other than line feeds turned into blanks.
+std::string displayableText(std::string_view text, std::size_t maximumBytes);
+
+}  // namespace platform
