@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/bundle.h"
+#include "platform/dispatch.h"
 #include "platform/event.h"
 #include "platform/graphics.h"
 #include "platform/http.h"
@@ -21,6 +22,7 @@ struct Platform {
   HTTPTransport* http = nullptr;
   Graphics* graphics = nullptr;
   NSBundle* mainBundle = nullptr;
+  DispatchQueue* globalQueue = nullptr;  ///< for work that would block the main thread
 
   NSApplication application;
   NSNotificationCenter defaultCenter;            ///< between the objects of the widget
