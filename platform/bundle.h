@@ -21,6 +21,8 @@ class NSBundle {
   static std::unique_ptr<NSBundle> bundleWithPath(const std::string& path,
                                                   std::vector<std::string> languages);
 
+  NSBundle(std::string path, std::vector<std::string> languages);
+
   /// The bundle of the running program; null when it has none.
   static NSBundle* mainBundle();
 
@@ -35,7 +37,6 @@ class NSBundle {
   std::shared_ptr<NSImage> imageForResource(const std::string& name);
 
  private:
-  NSBundle(std::string path, std::vector<std::string> languages);
   const Dictionary& table(const std::string& name);
 
   std::string path_;

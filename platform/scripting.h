@@ -48,10 +48,10 @@ struct ScriptingRequest {
     remove,   ///< removes the element at the path
     command   ///< sends an event to the object at the path
   };
-  std::string bundleIdentifier;
+  std::string bundleIdentifier{};
   Kind kind = Kind::get;
-  ScriptingPath path;
-  Value value;
+  ScriptingPath path{};
+  Value value{};
   FourCharCode eventClass{};
   FourCharCode eventIdentifier{};
 };
