@@ -17,18 +17,6 @@ const utf8proc_uint8_t* unicodeBytes(std::string_view text) {
   return reinterpret_cast<const utf8proc_uint8_t*>(text.data());
 }
 
-/// Folded and decomposed; none when the text is not UTF-8. Folding can undo an order that
-/// decomposition made and the other way round, so both run in one pass of the library.
-std::optional<std::string> foldedText(std::string_view text) {
-  utf8proc_uint8_t* mapped = nullptr;
-  const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD);
-  const utf8proc_ssize_t length = utf8proc_map(
-      unicodeBytes(text), static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
-  const std::unique_ptr<utf8proc_uint8_t, FreeMapped> owner(mapped);
-  if (length < 0) return std::nullopt;
-  return std::string(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length));
-}
-
 /// The character at a position and its length in bytes; a length of 0 for malformed bytes.
 std::pair<utf8proc_int32_t, std::size_t> characterAt(std::string_view text, std::size_t position) {
   utf8proc_int32_t character = -1;
@@ -42,6 +30,18 @@ std::pair<utf8proc_int32_t, std::size_t> characterAt(std::string_view text, std:
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
 }  // namespace
+
+std::optional<std::string> foldedText(std::string_view text) {
+  // Folding can undo an order that decomposition made and the other way round, so both run in one
+  // pass of the library.
+  utf8proc_uint8_t* mapped = nullptr;
+  const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD);
+  const utf8proc_ssize_t length = utf8proc_map(
+      unicodeBytes(text), static_cast<utf8proc_ssize_t>(text.size()), &mapped, options);
+  const std::unique_ptr<utf8proc_uint8_t, FreeMapped> owner(mapped);
+  if (length < 0) return std::nullopt;
+  return std::string(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(length));
+}
 
 bool caseInsensitiveEqual(std::string_view a, std::string_view b) {
   if (a == b) return true;

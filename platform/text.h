@@ -8,6 +8,10 @@
 
 namespace platform {
 
+/// The text after full case folding and canonical decomposition (Unicode, chapter 3.13), the same
+/// for all texts that caseInsensitiveEqual takes as equal; none when it is not UTF-8.
+std::optional<std::string> foldedText(std::string_view text);
+
 /// True when both texts are equal after full case folding and canonical decomposition
 /// (Unicode, chapter 3.13). Texts that are not UTF-8 are equal only byte for byte.
 bool caseInsensitiveEqual(std::string_view a, std::string_view b);
