@@ -1,0 +1,81 @@
+// The outside world as tests script it: workspace, network, workers.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "demo/demo_player.h"
+#include "platform/dispatch.h"
+#include "platform/http.h"
+#include "platform/workspace.h"
+
+namespace tests {
+
+/// A workspace in which the demo player runs, and nothing else.
+class ScriptedWorkspace final : public platform::WorkspaceBackend {
+ public:
+  explicit ScriptedWorkspace(const demo::DemoPlayer& player) : player_(player) {}
+
+  platform::ObjectArray runningApplications(const std::string& bundleIdentifier) override;
+  std::optional<std::string> applicationPath(const std::string& bundleIdentifier) override;
+  std::shared_ptr<platform::NSImage> icon(const std::string& path) override;
+  void launchApplication(const std::string& bundleIdentifier) override;
+  void openURL(const platform::URL& url) override;
+
+  std::map<std::string, std::string> installed;                     ///< path by bundle identifier
+  std::map<std::string, std::shared_ptr<platform::NSImage>> icons;  ///< by path
+  std::vector<std::string> asked;  ///< "launch <identifier>" and "open <address>"
+  std::size_t processQueries = 0;
+
+ private:
+  const demo::DemoPlayer& player_;
+};
+
+/// A network whose answers arrive when the test says so, on the test's own thread.
+class ScriptedHTTP final : public platform::HTTPTransport {
+ public:
+  struct Exchange {
+    platform::HTTPRequest request;
+    bool cancelled = false;
+    bool completed = false;
+    Completion completion;
+  };
+
+  std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest request,
+                                                Completion completion) override;
+
+  /// Answers an exchange with a body.
+  void answer(std::size_t index, platform::Data body, int status = 200);
+  void answer(std::size_t index, const std::string& body, int status = 200);
+  /// Ends an exchange with a transport error; a cancelled one ends this way too.
+  void fail(std::size_t index);
+
+  std::size_t count() const { return exchanges_.size(); }
+  const Exchange& at(std::size_t index) const { return *exchanges_.at(index); }
+  const Exchange& last() const { return *exchanges_.back(); }
+  std::size_t lastIndex() const { return exchanges_.size() - 1; }
+  /// How many are neither completed nor cancelled.
+  std::size_t inFlight() const;
+
+ private:
+  void complete(std::size_t index, platform::HTTPResult result);
+  std::deque<std::shared_ptr<Exchange>> exchanges_;
+};
+
+/// A worker queue that works when told.
+class ManualQueue final : public platform::DispatchQueue {
+ public:
+  void async(std::function<void()> task) override { tasks_.push_back(std::move(task)); }
+  std::size_t count() const { return tasks_.size(); }
+  void runAll();
+
+ private:
+  std::deque<std::function<void()>> tasks_;
+};
+
+}  // namespace tests

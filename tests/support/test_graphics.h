@@ -1,0 +1,97 @@
+// Graphics without pixels: a font of fixed advance, images that know their origin, and a canvas
+// that writes down what is drawn.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/graphics.h"
+
+namespace tests {
+
+/// An image that remembers where it came from.
+class TestImage final : public platform::NSImage {
+ public:
+  TestImage(std::string name, platform::NSSize size) : name_(std::move(name)), size_(size) {}
+  platform::NSSize size() const override { return size_; }
+  const std::string& name() const { return name_; }
+
+ private:
+  std::string name_;
+  platform::NSSize size_;
+};
+
+/// The name of a test image; empty for null.
+std::string nameOf(const std::shared_ptr<platform::NSImage>& image);
+
+/// Bytes that decode to a test image of that name, 100 × 100 points.
+platform::Data imageBytes(const std::string& name);
+
+/// One drawing step, in the coordinates of the canvas.
+struct DrawingStep {
+  enum class Kind { fill, roundedFill, image, text };
+  Kind kind = Kind::fill;
+  platform::NSRect rect;
+  double alpha = 1;  ///< product of all opacities at work
+  std::optional<platform::NSColor> color;
+  std::string name;  ///< of the image, or the text
+  platform::Dictionary attributes;
+  unsigned options = 0;
+};
+
+class RecordingCanvas final : public platform::Canvas {
+ public:
+  void save() override { stack_.push_back(state_); }
+  void restore() override;
+  void translate(double dx, double dy) override;
+  void clip(platform::NSRect rect, double cornerRadius) override;
+  void multiplyAlpha(double alpha) override { state_.alpha *= alpha; }
+  void fillRect(platform::NSRect rect, platform::NSColor color) override;
+  void fillRoundedRect(platform::NSRect rect, double cornerRadius,
+                       platform::NSColor color) override;
+  void drawImage(const platform::NSImage& image, platform::NSRect rect, double fraction) override;
+  void drawText(const platform::NSAttributedString& text, platform::NSRect rect,
+                unsigned options) override;
+
+  const std::vector<DrawingStep>& steps() const { return steps_; }
+  /// The texts drawn, in order.
+  std::vector<std::string> texts() const;
+  /// The names of the images drawn, in order.
+  std::vector<std::string> images() const;
+  bool isBalanced() const { return stack_.empty(); }
+
+ private:
+  struct State {
+    platform::NSPoint origin;
+    double alpha = 1;
+  };
+  DrawingStep& add(DrawingStep::Kind kind, platform::NSRect rect);
+
+  State state_;
+  std::vector<State> stack_;
+  std::vector<DrawingStep> steps_;
+};
+
+/// Every character is half as wide as the font's size; a line is 1.25 times as high as it.
+class TestGraphics final : public platform::Graphics {
+ public:
+  std::shared_ptr<platform::NSImage> decode(const platform::Data& data) override;
+  std::shared_ptr<platform::NSImage> imageAtPath(const std::string& path) override;
+  /// "PNG of <name>" or "JPEG of <name> at <quality>".
+  platform::Data encode(const platform::NSImage& image, platform::NSBitmapImageFileType type,
+                        double quality) override;
+  platform::NSSize measure(const platform::NSAttributedString& text, platform::NSSize size,
+                           unsigned options) override;
+  std::shared_ptr<platform::NSImage> render(
+      platform::NSSize size, const std::function<void(platform::Canvas&)>& draw) override;
+
+  /// A named image that the bundle is to lack.
+  void hideImage(std::string name) { hidden_.push_back(std::move(name)); }
+
+ private:
+  std::vector<std::string> hidden_;
+};
+
+}  // namespace tests
