@@ -11,10 +11,14 @@
 
 namespace demo {
 
+// Rating kinds.
+inline constexpr platform::FourCharCode kRatedByUser = platform::code("kRtU");
+inline constexpr platform::FourCharCode kRatingComputed = platform::code("kRtC");
+
 /// What a listener thinks of a track or of an album.
 struct Marks {
   std::int64_t rating = 0;              ///< 0…100, 20 per star
-  platform::FourCharCode ratingKind{};  ///< 'kRtU' by the user, 'kRtC' computed, 0 unknown
+  platform::FourCharCode ratingKind{};  ///< kRatedByUser, kRatingComputed, 0 unknown
   bool loved = false;
 };
 
@@ -26,9 +30,9 @@ struct Track {
   double duration = 0;         ///< seconds; 0 when it never ends
   std::optional<Cover> cover;  ///< none: the track has no artwork
   Marks marks;
-  bool isStream = false;            ///< a network stream rather than a file
-  std::string url;                  ///< where a stream comes from; empty for a file
-  std::optional<std::string> time;  ///< the length as text; none: made of the duration
+  bool isStream = false;                 ///< a network stream rather than a file
+  std::string url = {};                  ///< where a stream comes from; empty for a file
+  std::optional<std::string> time = {};  ///< the length as text; none: made of the duration
 };
 
 // Where the library's special cases are.

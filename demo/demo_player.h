@@ -24,10 +24,6 @@ inline constexpr platform::FourCharCode kStopped = platform::code("kPSS");
 inline constexpr platform::FourCharCode kPlaying = platform::code("kPSP");
 inline constexpr platform::FourCharCode kPaused = platform::code("kPSp");
 
-// Rating kinds.
-inline constexpr platform::FourCharCode kRatedByUser = platform::code("kRtU");
-inline constexpr platform::FourCharCode kRatingComputed = platform::code("kRtC");
-
 /// A scriptable player with a small library, played in a circle. Everything happens on the main
 /// thread and on the clock of the installed platform's run loop, which must outlive the player;
 /// while a track with a length plays, one timer waits there for its end.
@@ -47,9 +43,10 @@ class DemoPlayer : public platform::ScriptingTransport {
 
   // The process. A new player does not run.
 
-  /// Starts the process, on its first track. Does nothing when it runs already.
+  /// Starts the process at the start of its current track (at first the first one). Does nothing
+  /// when it runs already.
   void launch(platform::FourCharCode state = kStopped);
-  /// Ends the process.
+  /// Ends the process; the library, the marks and the current track stay as they are.
   void quit();
   bool isRunning() const { return running_; }
   /// The running instances with a bundle identifier (compared ignoring case).
@@ -85,6 +82,7 @@ class DemoPlayer : public platform::ScriptingTransport {
   /// Any code; the position runs in kPlaying only.
   void setState(platform::FourCharCode state);
   double position() const;  ///< seconds from the start of the current track
+  /// Any position; time does not run on from one beyond the end.
   void setPosition(double seconds);
   /// The marks of a track's album; a track without album is an album of its own.
   Marks& albumMarks(const Track& track);
@@ -127,9 +125,8 @@ class DemoPlayer : public platform::ScriptingTransport {
   Reply command(const Request& request);
 
   void moveTo(std::size_t index);
-  void holdPosition(double seconds);  ///< the position from which time runs on
-  void scheduleEnd();
-  void reachedEnd();
+  void changeState(platform::FourCharCode state);
+  void runFrom(double seconds);  ///< the position from which time runs on
 
   std::vector<Track> tracks_;
   std::map<std::string, Marks> albumMarks_;

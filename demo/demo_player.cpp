@@ -1,0 +1,189 @@
+#include "demo/demo_player.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/platform.h"
+#include "platform/text.h"
+
+namespace demo {
+
+using platform::FourCharCode;
+using platform::NSRunningApplication;
+using platform::RunLoop;
+
+namespace {
+
+// Going back within this many seconds from the start leaves the track.
+constexpr double kRestartAfter = 3;
+
+double now() {
+  const RunLoop* runLoop = platform::current().runLoop;
+  return runLoop != nullptr ? runLoop->now() : 0;
+}
+
+void tellLater(void (*tell)()) {
+  if (RunLoop* runLoop = platform::current().runLoop) runLoop->dispatchAsync(tell);
+}
+
+}  // namespace
+
+DemoPlayer::DemoPlayer(std::vector<Track> tracks) : tracks_(std::move(tracks)) {
+  if (!tracks_.empty()) current_ = 0;
+}
+
+DemoPlayer::~DemoPlayer() {
+  if (endTimer_) endTimer_->invalidate();
+}
+
+void DemoPlayer::launch(FourCharCode state) {
+  if (running_) return;
+  running_ = true;
+  state_ = state;
+  runFrom(0);
+  tellLater([] {
+    if (auto* workspace = platform::current().workspace) {
+      workspace->postDidLaunch(kPlayerBundleIdentifier);
+    }
+  });
+  announce();
+}
+
+void DemoPlayer::quit() {
+  if (!running_) return;
+  running_ = false;
+  state_ = kStopped;
+  runFrom(0);
+  tellLater([] {
+    if (auto* workspace = platform::current().workspace) {
+      workspace->postDidTerminate(kPlayerBundleIdentifier);
+    }
+  });
+}
+
+platform::ObjectArray DemoPlayer::runningApplications(const std::string& bundleIdentifier) const {
+  platform::ObjectArray instances;
+  if (!platform::caseInsensitiveEqual(bundleIdentifier, kPlayerBundleIdentifier)) return instances;
+  if (listsTerminatedInstance_) {
+    instances.push_back(platform::make<NSRunningApplication>(kPlayerBundleIdentifier, true));
+  }
+  if (running_) {
+    instances.push_back(platform::make<NSRunningApplication>(kPlayerBundleIdentifier, false));
+  }
+  return instances;
+}
+
+void DemoPlayer::play() {
+  if (current_) changeState(kPlaying);
+}
+
+void DemoPlayer::pause() {
+  if (state_ != kStopped) changeState(kPaused);
+}
+
+void DemoPlayer::stop() { changeState(kStopped); }
+
+void DemoPlayer::playPause() { state_ == kPlaying ? pause() : play(); }
+
+void DemoPlayer::changeState(FourCharCode state) {
+  if (!running_ || state == state_) return;
+  setState(state);
+  announce();
+}
+
+void DemoPlayer::nextTrack() {
+  if (state_ == kStopped || !current_) return;
+  moveTo((*current_ + 1) % tracks_.size());
+}
+
+void DemoPlayer::previousTrack() {
+  if (state_ == kStopped || !current_) return;
+  const std::size_t before = (*current_ + tracks_.size() - 1) % tracks_.size();
+  moveTo(position() > kRestartAfter ? *current_ : before);
+}
+
+void DemoPlayer::playTrack(std::size_t index) {
+  if (!running_ || index >= tracks_.size()) return;
+  state_ = kPlaying;
+  moveTo(index);
+}
+
+void DemoPlayer::moveTo(std::size_t index) {
+  setCurrentTrackIndex(index);
+  announce();
+}
+
+bool DemoPlayer::seek(double seconds) {
+  const Track* track = currentTrack();
+  if (state_ == kStopped || track == nullptr || !std::isfinite(seconds)) return false;
+  const double end = track->duration > 0 ? track->duration : seconds;
+  runFrom(std::max(0.0, std::min(seconds, end)));
+  announce();
+  return true;
+}
+
+void DemoPlayer::announce() const {
+  if (!running_) return;
+  tellLater([] {
+    platform::current().distributedCenter.postNotification(
+        platform::NSNotification(kPlayerInfoNotification));
+  });
+}
+
+Track* DemoPlayer::currentTrack() { return current_ ? &tracks_[*current_] : nullptr; }
+
+void DemoPlayer::setCurrentTrackIndex(std::optional<std::size_t> index) {
+  current_ = index && *index < tracks_.size() ? index : std::nullopt;
+  runFrom(0);
+}
+
+void DemoPlayer::setState(FourCharCode state) {
+  const double reached = position();
+  state_ = state;
+  runFrom(state == kStopped ? 0 : reached);
+}
+
+double DemoPlayer::position() const {
+  if (state_ != kPlaying || !current_) return heldPosition_;
+  const double reached = heldPosition_ + (now() - heldSince_);
+  const double duration = tracks_[*current_].duration;
+  return duration > 0 ? std::min(reached, std::max(duration, heldPosition_)) : reached;
+}
+
+void DemoPlayer::setPosition(double seconds) { runFrom(seconds); }
+
+void DemoPlayer::runFrom(double seconds) {
+  heldPosition_ = seconds;
+  heldSince_ = now();
+  if (endTimer_) endTimer_->invalidate();
+  endTimer_ = nullptr;
+
+  RunLoop* runLoop = platform::current().runLoop;
+  if (state_ != kPlaying || !current_ || runLoop == nullptr) return;
+  const double duration = tracks_[*current_].duration;
+  if (duration <= 0 || seconds > duration) return;
+  endTimer_ = platform::NSTimer::timerWithBlock(duration - seconds,
+                                                [this](platform::NSTimer*) { nextTrack(); });
+  runLoop->addTimer(endTimer_);
+}
+
+Marks& DemoPlayer::albumMarks(const Track& track) {
+  if (track.album.empty()) return albumMarks_["track\n" + track.name + "\n" + track.artist];
+  const std::string& artist = track.albumArtist.empty() ? track.artist : track.albumArtist;
+  return albumMarks_["album\n" + track.album + "\n" + artist];
+}
+
+void DemoPlayer::clearLog() {
+  log_.clear();
+  requestCount_ = 0;
+}
+
+void DemoPlayer::setReply(FourCharCode code, std::optional<platform::ScriptingReply> reply) {
+  replies_[code] = std::move(reply);
+}
+
+void DemoPlayer::setRequestHook(std::function<void(const Request&)> hook) {
+  requestHook_ = std::move(hook);
+}
+
+}  // namespace demo
