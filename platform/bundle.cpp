@@ -27,7 +27,9 @@ std::vector<std::string> candidates(std::string language) {
 
 }  // namespace
 
-NSBundle::NSBundle(std::string path, std::vector<std::string> languages) : path_(std::move(path)) {
+NSBundle::NSBundle(std::string path, std::vector<std::string> languages)
+    : path_(std::move(path)),
+      info_(dictionaryWithContentsOfFile(path_ + "/Info.plist").value_or(Dictionary())) {
   languages.emplace_back("en");
   for (const std::string& language : languages) {
     for (std::string& name : candidates(language)) {
@@ -49,14 +51,13 @@ std::unique_ptr<NSBundle> NSBundle::bundleWithPath(const std::string& path,
 
 NSBundle* NSBundle::mainBundle() { return current().mainBundle; }
 
-const Dictionary& NSBundle::infoDictionary() {
-  if (!info_) info_ = dictionaryWithContentsOfFile(path_ + "/Info.plist").value_or(Dictionary());
-  return *info_;
+void NSBundle::setInfoDictionaryEntry(const std::string& key, Value value) {
+  info_.insert_or_assign(key, std::move(value));
 }
 
-std::optional<std::string> NSBundle::bundleIdentifier() {
-  const auto entry = infoDictionary().find("CFBundleIdentifier");
-  if (entry == infoDictionary().end()) return std::nullopt;
+std::optional<std::string> NSBundle::bundleIdentifier() const {
+  const auto entry = info_.find("CFBundleIdentifier");
+  if (entry == info_.end()) return std::nullopt;
   const auto identifier = entry->second.as<std::string>();
   return identifier && !identifier->empty() ? identifier : std::nullopt;
 }

@@ -13,7 +13,8 @@
 namespace platform {
 
 /// A bundle: <path>/Info.plist, <path>/<language>.lproj/<table>.strings (property lists) and
-/// <path>/images/<name>.svg (or .png). Read on demand, kept after that.
+/// <path>/images/<name>.svg (or .png). The information dictionary is read at once, the others on
+/// demand; they are kept after that.
 class NSBundle {
  public:
   /// Languages are language tags in the order the user prefers them ("pt-BR", "ja"); English is
@@ -27,8 +28,11 @@ class NSBundle {
   static NSBundle* mainBundle();
 
   const std::string& bundlePath() const { return path_; }
-  const Dictionary& infoDictionary();
-  std::optional<std::string> bundleIdentifier();
+  /// Any thread.
+  const Dictionary& infoDictionary() const { return info_; }
+  /// Replaces an entry of the information dictionary, before other threads read it.
+  void setInfoDictionaryEntry(const std::string& key, Value value);
+  std::optional<std::string> bundleIdentifier() const;
 
   /// The text of a key in a table (none: "Localizable"), the key itself when there is no entry.
   std::string localizedStringForKey_table(const std::string& key,
@@ -41,7 +45,7 @@ class NSBundle {
 
   std::string path_;
   std::vector<std::string> languages_;
-  std::optional<Dictionary> info_;
+  Dictionary info_;
   std::map<std::string, Dictionary> tables_;
   std::map<std::string, std::shared_ptr<NSImage>> images_;
 };

@@ -27,6 +27,14 @@ std::pair<utf8proc_int32_t, std::size_t> characterAt(std::string_view text, std:
                     : std::pair(utf8proc_int32_t{-1}, std::size_t{0});
 }
 
+/// True when a mark that belongs to the character before begins at the position.
+bool isCombiningAt(std::string_view text, std::size_t position) {
+  const utf8proc_int32_t character = characterAt(text, position).first;
+  const utf8proc_category_t category = utf8proc_category(character);
+  return category == UTF8PROC_CATEGORY_MN || category == UTF8PROC_CATEGORY_MC ||
+         category == UTF8PROC_CATEGORY_ME;
+}
+
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";
 
 }  // namespace
@@ -48,6 +56,18 @@ bool caseInsensitiveEqual(std::string_view a, std::string_view b) {
   const auto foldedA = foldedText(a);
   const auto foldedB = foldedText(b);
   return foldedA && foldedB && *foldedA == *foldedB;
+}
+
+bool caseInsensitiveContains(std::string_view text, std::string_view part) {
+  if (part.empty()) return false;
+  const auto foldedWhole = foldedText(text);
+  const auto foldedPart = foldedText(part);
+  if (!foldedWhole || !foldedPart) return text.find(part) != std::string_view::npos;
+  for (std::size_t found = foldedWhole->find(*foldedPart); found != std::string::npos;
+       found = foldedWhole->find(*foldedPart, found + 1)) {
+    if (!isCombiningAt(*foldedWhole, found + foldedPart->size())) return true;
+  }
+  return false;
 }
 
 bool isValidUTF8(std::string_view bytes) {

@@ -16,6 +16,10 @@ std::optional<std::string> foldedText(std::string_view text);
 /// (Unicode, chapter 3.13). Texts that are not UTF-8 are equal only byte for byte.
 bool caseInsensitiveEqual(std::string_view a, std::string_view b);
 
+/// True when the part occurs somewhere in the text in the sense of caseInsensitiveEqual, as whole
+/// characters: "cafe" does not occur in "café". An empty part occurs nowhere.
+bool caseInsensitiveContains(std::string_view text, std::string_view part);
+
 /// True when the bytes are well-formed UTF-8.
 bool isValidUTF8(std::string_view bytes);
 

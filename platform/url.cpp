@@ -51,6 +51,26 @@ std::size_t schemeLength(std::string_view text) {
   return std::all_of(scheme.begin(), scheme.end(), allowed) ? colon : 0;
 }
 
+constexpr std::string_view allowedInPath = "/!$&'()*+,;=:@";
+constexpr std::string_view allowedInQuery = "!$&'()*+,;=:@/?";
+
+/// Encodes every byte that is neither unreserved nor one of the allowed characters.
+std::string percentEncoded(std::string_view text, std::string_view allowed) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char c : text) {
+    if (isUnreserved(c) || allowed.find(c) != std::string_view::npos) {
+      encoded += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    encoded += '%';
+    encoded += digits[byte >> 4U];
+    encoded += digits[byte & 15U];
+  }
+  return encoded;
+}
+
 struct Pieces {
   bool hasAuthority = false;
   std::string_view host;
@@ -107,6 +127,23 @@ std::string percentDecoded(std::string_view text) {
   return decoded;
 }
 
+std::string percentEncodedForQuery(std::string_view text) {
+  return percentEncoded(text, allowedInQuery);
+}
+
+std::optional<URL> URLByAppendingPathComponent(const URL& url, std::string_view name,
+                                               bool isDirectory) {
+  std::string text = url.absoluteString();
+  if (!text.ends_with('/')) text += '/';
+  text += percentEncoded(name, allowedInPath);
+  if (isDirectory && !text.ends_with('/')) text += '/';
+  return URL::fromText(text);
+}
+
+std::optional<URL> URLByAppendingPathExtension(const URL& url, std::string_view extension) {
+  return URL::fromText(url.absoluteString() + '.' + percentEncoded(extension, allowedInPath));
+}
+
 std::optional<URL> URL::fromText(std::string_view text) {
   if (schemeLength(text) == 0 || !hasOnlyAllowedCharacters(text)) return std::nullopt;
   const Pieces found = pieces(text);
@@ -117,19 +154,7 @@ std::optional<URL> URL::fromText(std::string_view text) {
 
 std::optional<URL> URL::fileURLWithPath(std::string_view absolutePath) {
   if (!absolutePath.starts_with('/')) return std::nullopt;
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  std::string text = "file://";
-  for (const char c : absolutePath) {
-    if (isUnreserved(c) || std::string_view("/!$&'()*+,;=:@").find(c) != std::string_view::npos) {
-      text += c;
-      continue;
-    }
-    const auto byte = static_cast<unsigned char>(c);
-    text += '%';
-    text += digits[byte >> 4U];
-    text += digits[byte & 15U];
-  }
-  return URL(std::move(text));
+  return URL("file://" + percentEncoded(absolutePath, allowedInPath));
 }
 
 std::string URL::scheme() const {

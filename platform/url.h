@@ -32,4 +32,16 @@ class URL {
 /// Decodes %XX; a malformed escape stands as it is.
 std::string percentDecoded(std::string_view text);
 
+/// Encodes every byte that may not stand in a query (RFC 3986, 3.4) as %XX. What may stand there
+/// stays, also "&", "=" and "+".
+std::string percentEncodedForQuery(std::string_view text);
+
+/// The address of an item in the folder at an address without query and fragment. The address of
+/// a folder ends in "/".
+std::optional<URL> URLByAppendingPathComponent(const URL& url, std::string_view name,
+                                               bool isDirectory);
+
+/// The address of a file with ".extension" after its name.
+std::optional<URL> URLByAppendingPathExtension(const URL& url, std::string_view extension);
+
 }  // namespace platform
