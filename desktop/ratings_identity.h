@@ -1,6 +1,7 @@
 // What makes a track or an album the same one again, whichever player plays it and whenever.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -8,14 +9,17 @@ namespace desktop {
 
 /// What a player tells about a track. Empty texts and a length that is not above 0 are unknown.
 struct TrackIdentity {
-  std::string address;      ///< xesam:url, or an absolute path
-  std::string artist;       ///< several joined into one text
-  std::string album;
-  std::string albumArtist;  ///< several joined into one text
-  std::string title;
-  double length = 0;        ///< seconds
+  std::string address = {};  ///< xesam:url, or an absolute path
+  std::string artist = {};   ///< several joined into one text
+  std::string album = {};
+  std::string albumArtist = {};  ///< several joined into one text
+  std::string title = {};
+  double length = 0;  ///< seconds
   bool operator==(const TrackIdentity&) const = default;
 };
+
+/// A track's length in whole seconds; 0 when unknown.
+std::int64_t wholeSeconds(double length);
 
 /// The address under which a track is known for good, in one spelling: without user, password
 /// and fragment, files percent-encoded as file:///path. None when the address is missing or
@@ -31,7 +35,7 @@ struct TrackIdentity {
 std::optional<std::string> lastingAddress(const TrackIdentity& track);
 
 /// The text under which a track's marks are kept: its lasting address, else its artist, album,
-/// title and length in whole seconds, the names after case folding and canonical composition.
+/// title and length in whole seconds, the names without regard to case and canonical composition.
 /// None when there is neither a lasting address nor a title.
 std::optional<std::string> trackKey(const TrackIdentity& track);
 

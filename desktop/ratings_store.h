@@ -2,24 +2,26 @@
 // and by album, which gives every player ratings.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 
+#include "desktop/ratings_file.h"
 #include "desktop/ratings_identity.h"
 
 namespace desktop {
 
 /// What the user has set for a track or an album.
 struct Marks {
-  std::optional<int> rating;  ///< 0 to 100; none when never set, 0 when set to no stars
-  std::optional<bool> loved;  ///< none when never set
+  std::optional<int> rating =
+      std::nullopt;  ///< 0 to 100; none when never set, 0 when set to no stars
+  std::optional<bool> loved = std::nullopt;  ///< none when never set
   bool operator==(const Marks&) const = default;
 };
 
@@ -29,7 +31,9 @@ struct RatingsRecord {
   Kind kind = Kind::track;
   TrackIdentity identity;
   Marks marks;
-  std::int64_t changed = 0;  ///< seconds since 1970-01-01 00:00:00 UTC
+  // When each mark was set, in seconds since 1970-01-01 00:00:00 UTC; 0 when unknown.
+  std::int64_t ratingChanged = 0;
+  std::int64_t lovedChanged = 0;
   bool operator==(const RatingsRecord&) const = default;
 };
 
@@ -75,15 +79,27 @@ class RatingsStore {
     std::int64_t unchanged = 0;
   };
   /// Takes entries over in one commit: a mark that only one side has is kept, and of two that
-  /// differ the one that was set later. None, and nothing changed, when it cannot be written or
-  /// an entry has no key.
+  /// differ the one that was set later (the store's when neither is). Entries that cannot be
+  /// recognised again are passed over as unchanged. None, and nothing changed, when the store
+  /// cannot be written.
   std::optional<MergeCounts> merge(std::span<const RatingsRecord> records);
 
  private:
   struct Connection;
+  enum class Access { read, write };
+  using Work = std::function<int(Connection&)>;  ///< answers a result code of the database
+
+  Marks marks(const std::optional<std::string>& key);
+  bool set(const RatingsRecord& record);
+  bool perform(Access access, const Work& work);
+  StoreTrouble connect(Access access);
+  bool setAside(const StoreTrouble& trouble);
+  void tell(const std::string& message);
 
   std::filesystem::path file_;
   std::ostream& messages_;
+  std::set<std::string> told_;  ///< since the last successful write
+  Patience patience_;
   std::unique_ptr<Connection> connection_;
 };
 

@@ -1,0 +1,295 @@
+#include "desktop/ratings_store.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+#include "desktop/user_folders.h"
+#include "platform/text.h"
+
+namespace desktop {
+
+namespace {
+
+using Kind = StoreTrouble::Kind;
+
+constexpr const char* readMarks =
+    "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE key = ?1";
+
+// A mark that is not given stays; an entry that has all given marks already is not written.
+constexpr const char* writeMarks =
+    "INSERT INTO marks (key, kind, address, artist, album, album_artist, title, length,"
+    "                   rating, rating_changed, loved, loved_changed)"
+    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)"
+    " ON CONFLICT (key) DO UPDATE SET"
+    "  address = excluded.address, artist = excluded.artist, album = excluded.album,"
+    "  album_artist = excluded.album_artist, title = excluded.title, length = excluded.length,"
+    "  rating = coalesce(excluded.rating, rating),"
+    "  rating_changed = coalesce(excluded.rating_changed, rating_changed),"
+    "  loved = coalesce(excluded.loved, loved),"
+    "  loved_changed = coalesce(excluded.loved_changed, loved_changed)"
+    " WHERE rating IS NOT coalesce(excluded.rating, rating)"
+    "    OR loved IS NOT coalesce(excluded.loved, loved)";
+
+constexpr const char* readAll =
+    "SELECT kind, address, artist, album, album_artist, title, length,"
+    "       rating, rating_changed, loved, loved_changed FROM marks ORDER BY key";
+
+int limitedRating(std::int64_t rating) {
+  return static_cast<int>(std::clamp<std::int64_t>(rating, 0, 100));
+}
+
+std::optional<std::string> keyOf(const RatingsRecord& record) {
+  return record.kind == RatingsRecord::Kind::track ? trackKey(record.identity)
+                                                   : albumKey(record.identity);
+}
+
+/// What a player tells, as entries keep it: well-formed texts, whole seconds, and only what the
+/// key can be made from again.
+TrackIdentity storedIdentity(RatingsRecord::Kind kind, const TrackIdentity& told) {
+  using platform::repairedUTF8;
+  if (kind == RatingsRecord::Kind::album) {
+    return {.album = repairedUTF8(told.album),
+            .albumArtist = repairedUTF8(told.albumArtist.empty() ? told.artist : told.albumArtist)};
+  }
+  return {.address = repairedUTF8(lastingAddress(told).value_or("")),
+          .artist = repairedUTF8(told.artist),
+          .album = repairedUTF8(told.album),
+          .albumArtist = repairedUTF8(told.albumArtist),
+          .title = repairedUTF8(told.title),
+          .length = static_cast<double>(wholeSeconds(told.length))};
+}
+
+/// The marks, and when each was set, in four columns from one on.
+void readMarksFromRow(const Statement& row, int column, RatingsRecord& record) {
+  if (const auto rating = row.integer(column)) record.marks.rating = limitedRating(*rating);
+  record.ratingChanged = row.integer(column + 1).value_or(0);
+  if (const auto loved = row.integer(column + 2)) record.marks.loved = *loved != 0;
+  record.lovedChanged = row.integer(column + 3).value_or(0);
+}
+
+RatingsRecord recordFromRow(const Statement& row) {
+  RatingsRecord record;
+  record.kind = row.integer(0) == 1 ? RatingsRecord::Kind::album : RatingsRecord::Kind::track;
+  record.identity = {.address = row.text(1),
+                     .artist = row.text(2),
+                     .album = row.text(3),
+                     .albumArtist = row.text(4),
+                     .title = row.text(5),
+                     .length = static_cast<double>(row.integer(6).value_or(0))};
+  readMarksFromRow(row, 7, record);
+  return record;
+}
+
+/// The marks of an entry that the store should take over from it: those that it lacks, and those
+/// that differ and were set later.
+RatingsRecord news(const RatingsRecord& offered, const RatingsRecord& stored) {
+  RatingsRecord result = offered;
+  if (stored.marks.rating && (offered.marks.rating == stored.marks.rating ||
+                              offered.ratingChanged <= stored.ratingChanged)) {
+    result.marks.rating.reset();
+  }
+  if (stored.marks.loved &&
+      (offered.marks.loved == stored.marks.loved || offered.lovedChanged <= stored.lovedChanged)) {
+    result.marks.loved.reset();
+  }
+  return result;
+}
+
+}  // namespace
+
+/// The open file with its statements, which must be gone before it is closed.
+struct RatingsStore::Connection {
+  Database database;
+  Statement reading;
+  Statement writing;
+  bool unwritable = false;
+
+  int prepare() {
+    const int result = reading.prepare(database.handle(), readMarks);
+    return result == SQLITE_OK ? writing.prepare(database.handle(), writeMarks) : result;
+  }
+
+  /// SQLITE_ROW with the marks of a key, SQLITE_DONE when it has none, or why it failed.
+  int read(const std::string& key, RatingsRecord& record) {
+    const StatementRun run(reading);
+    reading.bind(1, key);
+    const int result = reading.step();
+    if (result == SQLITE_ROW) readMarksFromRow(reading, 0, record);
+    return result;
+  }
+
+  /// SQLITE_DONE once it is written, or why it failed.
+  int write(const std::string& key, const RatingsRecord& record) {
+    const StatementRun run(writing);
+    const TrackIdentity identity = storedIdentity(record.kind, record.identity);
+    const Marks& marks = record.marks;
+    std::optional<std::int64_t> rating, ratingChanged, loved, lovedChanged;
+    if (marks.rating) rating = limitedRating(*marks.rating), ratingChanged = record.ratingChanged;
+    if (marks.loved) loved = *marks.loved ? 1 : 0, lovedChanged = record.lovedChanged;
+    writing.bind(1, key);
+    writing.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
+    writing.bind(3, identity.address);
+    writing.bind(4, identity.artist);
+    writing.bind(5, identity.album);
+    writing.bind(6, identity.albumArtist);
+    writing.bind(7, identity.title);
+    writing.bind(8, static_cast<std::int64_t>(identity.length));
+    writing.bind(9, rating);
+    writing.bind(10, ratingChanged);
+    writing.bind(11, loved);
+    writing.bind(12, lovedChanged);
+    return writing.step();
+  }
+
+  int merge(const std::string& key, const RatingsRecord& offered, MergeCounts& counts) {
+    RatingsRecord stored;
+    const int found = read(key, stored);
+    if (found != SQLITE_ROW && found != SQLITE_DONE) return found;
+    const RatingsRecord taken = news(offered, stored);
+    if (taken.marks == Marks{}) {
+      ++counts.unchanged;
+      return SQLITE_DONE;
+    }
+    ++(found == SQLITE_ROW ? counts.changed : counts.added);
+    return write(key, taken);
+  }
+};
+
+RatingsStore::RatingsStore(std::filesystem::path file, std::ostream& messages)
+    : file_(std::move(file)), messages_(messages) {}
+
+RatingsStore::~RatingsStore() = default;
+
+std::filesystem::path RatingsStore::defaultFile() {
+  const std::filesystem::path folder = userDataFolder();
+  return folder.empty() ? folder : folder / "virelune-widget" / "ratings.sqlite";
+}
+
+Marks RatingsStore::trackMarks(const TrackIdentity& track) { return marks(trackKey(track)); }
+
+Marks RatingsStore::albumMarks(const TrackIdentity& track) { return marks(albumKey(track)); }
+
+bool RatingsStore::setTrackRating(const TrackIdentity& track, int rating) {
+  return set({RatingsRecord::Kind::track, track, {.rating = rating}});
+}
+
+bool RatingsStore::setTrackLoved(const TrackIdentity& track, bool loved) {
+  return set({RatingsRecord::Kind::track, track, {.loved = loved}});
+}
+
+bool RatingsStore::setAlbumRating(const TrackIdentity& track, int rating) {
+  return set({RatingsRecord::Kind::album, track, {.rating = rating}});
+}
+
+bool RatingsStore::setAlbumLoved(const TrackIdentity& track, bool loved) {
+  return set({RatingsRecord::Kind::album, track, {.loved = loved}});
+}
+
+bool RatingsStore::forEach(const std::function<void(const RatingsRecord&)>& visit) {
+  return perform(Access::read, [&](Connection& connection) {
+    Statement all;
+    int result = all.prepare(connection.database.handle(), readAll);
+    if (result != SQLITE_OK) return result;
+    while ((result = all.step()) == SQLITE_ROW) visit(recordFromRow(all));
+    return result;
+  });
+}
+
+std::optional<RatingsStore::MergeCounts> RatingsStore::merge(
+    std::span<const RatingsRecord> records) {
+  MergeCounts counts;
+  const bool merged = perform(Access::write, [&](Connection& connection) {
+    counts = {};
+    Transaction transaction(connection.database);
+    if (transaction.begun() != SQLITE_OK) return transaction.begun();
+    for (const RatingsRecord& record : records) {
+      const auto key = keyOf(record);
+      if (!key) {
+        ++counts.unchanged;
+        continue;
+      }
+      const int result = connection.merge(*key, record, counts);
+      if (result != SQLITE_DONE) return result;
+    }
+    return transaction.commit();
+  });
+  return merged ? std::optional(counts) : std::nullopt;
+}
+
+Marks RatingsStore::marks(const std::optional<std::string>& key) {
+  RatingsRecord record;
+  if (key) {
+    perform(Access::read, [&](Connection& connection) { return connection.read(*key, record); });
+  }
+  return record.marks;
+}
+
+bool RatingsStore::set(const RatingsRecord& record) {
+  const auto key = keyOf(record);
+  if (!key) return false;
+  RatingsRecord dated = record;
+  dated.ratingChanged = dated.lovedChanged = static_cast<std::int64_t>(std::time(nullptr));
+  return perform(Access::write,
+                 [&](Connection& connection) { return connection.write(*key, dated); });
+}
+
+bool RatingsStore::perform(Access access, const Work& work) {
+  // A second trial, with a new file, when the first one finds the file damaged.
+  for (int trial = 0; trial < 2; ++trial) {
+    StoreTrouble trouble = connect(access);
+    const bool connected = !trouble;
+    if (connected) trouble = troubleWithResult(connection_->database, work(*connection_));
+    if (!trouble) {
+      if (connection_->unwritable) connection_.reset();
+      if (access == Access::write) told_.clear();
+      return true;
+    }
+    if (trouble.kind == Kind::damaged && setAside(trouble)) continue;
+    // The cause may pass; the next request begins afresh.
+    if (!connected || trouble.kind != Kind::busy) connection_.reset();
+    if (trouble.kind == Kind::absent) return true;
+    tell("the ratings store cannot be " + std::string(access == Access::read ? "read" : "written") +
+         ": " + trouble.reason + " (" + file_.native() + ")");
+    return false;
+  }
+  return false;
+}
+
+StoreTrouble RatingsStore::connect(Access access) {
+  if (connection_ && !connection_->database.hasMoved()) return {};
+  connection_ = std::make_unique<Connection>();
+  StoreTrouble trouble =
+      openRatingsFile(file_, access == Access::write, patience_, connection_->database);
+  if (trouble.kind == Kind::failed && access == Access::read) {
+    connection_ = std::make_unique<Connection>();
+    connection_->unwritable = true;
+    trouble = openUnwritableRatingsFile(file_, connection_->database);
+  }
+  if (!trouble) trouble = troubleWithResult(connection_->database, connection_->prepare());
+  return trouble;
+}
+
+bool RatingsStore::setAside(const StoreTrouble& trouble) {
+  Database damaged = std::move(connection_->database);
+  connection_.reset();
+  const auto name = setDamagedFileAside(file_, patience_, std::move(damaged));
+  if (!name) {
+    tell("the damaged ratings store cannot be renamed: " + std::string(std::strerror(errno)) +
+         " (" + file_.native() + ")");
+    return false;
+  }
+  if (!name->empty()) {
+    tell("the ratings store was damaged (" + trouble.reason + "); it is kept as " + name->native() +
+         " and a new one begins");
+  }
+  return true;
+}
+
+void RatingsStore::tell(const std::string& message) {
+  if (!told_.insert(message).second) return;
+  messages_ << "virelune-widget: " << message << std::endl;
+}
+
+}  // namespace desktop

@@ -1,0 +1,21 @@
+// Where the user's files of each kind are kept (XDG Base Directory Specification).
+#pragma once
+
+#include <filesystem>
+
+namespace desktop {
+
+/// $XDG_DATA_HOME when it is an absolute path, else ~/.local/share; empty when neither is known.
+std::filesystem::path userDataFolder();
+
+/// $XDG_CONFIG_HOME when it is an absolute path, else ~/.config; empty when neither is known.
+std::filesystem::path userConfigFolder();
+
+/// Makes a folder that lasts, with every folder above it that is missing, for the user alone.
+/// False, with errno telling why, when there is no such folder afterwards.
+bool makeFolder(const std::filesystem::path& folder);
+
+/// Waits until the entries of a folder (files made, renamed, removed) are on the disk.
+bool synchroniseFolder(const std::filesystem::path& folder);
+
+}  // namespace desktop
