@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "extensions/collections.h"
 #include "platform/data.h"
 #include "platform/date.h"
 #include "platform/image.h"
@@ -104,7 +105,9 @@ class VLBeats1InfoLoader : public platform::NSObject, public platform::NSURLSess
   /// Replaces one entry; null removes it. False for an empty key.
   bool trackInfoUpdateForKey_withValue(const std::string& key, platform::Value value);
   template <class T>
-  std::optional<T> infoTrackValueForKey_andClass(std::string_view key) const;
+  std::optional<T> infoTrackValueForKey_andClass(std::string_view key) const {
+    return vl_objectForKey_withClass<T>(contentTrackInfo_, key);
+  }
   std::optional<std::string> infoTrackTextForKey(std::string_view key) const;
   bool cleanup(platform::NSObject* sender);
 
