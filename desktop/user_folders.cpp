@@ -31,6 +31,10 @@ std::filesystem::path userConfigFolder() {
   return folderFromEnvironment("XDG_CONFIG_HOME", ".config");
 }
 
+std::filesystem::path userStateFolder() {
+  return folderFromEnvironment("XDG_STATE_HOME", ".local/state");
+}
+
 bool makeFolder(const std::filesystem::path& folder) {
   struct stat found {};
   if (::stat(folder.c_str(), &found) == 0) {

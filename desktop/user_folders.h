@@ -11,6 +11,9 @@ std::filesystem::path userDataFolder();
 /// $XDG_CONFIG_HOME when it is an absolute path, else ~/.config; empty when neither is known.
 std::filesystem::path userConfigFolder();
 
+/// $XDG_STATE_HOME when it is an absolute path, else ~/.local/state; empty when neither is known.
+std::filesystem::path userStateFolder();
+
 /// Makes a folder that lasts, with every folder above it that is missing, for the user alone.
 /// False, with errno telling why, when there is no such folder afterwards.
 bool makeFolder(const std::filesystem::path& folder);
