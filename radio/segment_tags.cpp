@@ -21,6 +21,7 @@ constexpr char kTextIsUTF8 = 3;  // the encoding byte before a frame's text
 /// Where the needle first occurs at or after a position; npos when nowhere.
 std::size_t find(std::string_view bytes, std::string_view needle, std::size_t from = 0) {
   const std::string_view rest = bytes.substr(from);
+  if (rest.empty()) return std::string_view::npos;  // no bytes may mean no address either
   const void* found = memmem(rest.data(), rest.size(), needle.data(), needle.size());
   if (found == nullptr) return std::string_view::npos;
   return static_cast<std::size_t>(static_cast<const char*>(found) - bytes.data());

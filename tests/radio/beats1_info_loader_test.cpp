@@ -1,0 +1,271 @@
+#include "radio/beats1_info_loader.h"
+
+#include "tests/radio/segments.h"
+#include "tests/support/widget_fixture.h"
+
+using platform::Data;
+using tests::segmentHead;
+using virelune::VLBeats1InfoLoader;
+using namespace std::string_literals;
+
+namespace {
+
+const std::string base = "http://radio.example/streams/hub02/session02/64k/";
+const std::string cover = "http://art.example/cover.jpg";
+
+/// Counts the updates it hears, and remembers the title at each.
+class Listener : public platform::NSObject {
+ public:
+  bool updated(const platform::NSNotification* notification) {
+    const auto loader = std::dynamic_pointer_cast<VLBeats1InfoLoader>(notification->object());
+    titles.push_back(loader->infoTrackName().value_or("-"));
+    return true;
+  }
+  std::vector<std::string> titles;
+};
+
+class LiveProgramme : public tests::WidgetFixture {
+ protected:
+  LiveProgramme() {
+    bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example");
+    platform_.defaultCenter.addObserver(listener.get(), &Listener::updated,
+                                        virelune::VLBeats1InfoLoaderNotificationName_Update);
+  }
+
+  /// A playlist of five segments; the third from the end starts then, at first just now.
+  std::string playlist(const std::string& start = "20160305T140709Z") {
+    return "#EXTM3U\n#EXT-X-TARGETDURATION:10\nlive-1.aac\nlive-2.aac\nlive-" + start +
+           ".aac\nlive-4.aac\nlive-5.aac\n";
+  }
+  void receive(const std::string& body) {
+    http.answer(http.lastIndex(), body);
+    clock.settle();
+  }
+  void receiveNothing() {
+    http.fail(http.lastIndex());
+    clock.settle();
+  }
+  void receiveCycle(const std::string& title) {
+    receive(playlist());
+    receive(segmentHead(title, "Artist", "Album", cover));
+    receive("image:cover");
+  }
+  double secondsToNextCycle() {
+    const auto deadline = clock.runLoop().nextDeadline();
+    return deadline ? *deadline - clock.now() : -1;
+  }
+
+  std::shared_ptr<Listener> listener = platform::make<Listener>();
+  std::shared_ptr<VLBeats1InfoLoader> loader = platform::make<VLBeats1InfoLoader>();
+};
+
+}  // namespace
+
+TEST_F(LiveProgramme, FollowsTheStationCycleByCycle) {
+  ASSERT_TRUE(loader->start(nullptr));
+  EXPECT_EQ(http.last().request.url, base + "prog.m3u8");
+  EXPECT_EQ(http.last().request.timeout, 3.0);
+  const std::vector<std::pair<std::string, std::string>> fresh = {{"Cache-Control", "no-cache"},
+                                                                  {"Pragma", "no-cache"}};
+  EXPECT_EQ(http.last().request.headers, fresh);
+
+  receive(playlist("20160305T140644Z"));  // 25 seconds ago
+  EXPECT_EQ(http.last().request.url, base + "live-20160305T140644Z.aac");
+  auto ranged = fresh;
+  ranged.insert(ranged.begin(), {"Range", "bytes=0-8192"});
+  EXPECT_EQ(http.last().request.headers, ranged);
+  EXPECT_EQ(http.last().request.timeout, 3.0);
+
+  receive(segmentHead("Title", "Artist", "Album", cover));
+  EXPECT_EQ(http.last().request.url, cover);
+  EXPECT_EQ(http.last().request.headers, fresh);
+  EXPECT_TRUE(listener->titles.empty()) << "nothing is told before the artwork has been tried";
+
+  receive("image:cover");
+  EXPECT_EQ(listener->titles, std::vector{"Title"s});
+  EXPECT_EQ(loader->infoTrackArtist(), "Artist");
+  EXPECT_EQ(loader->infoTrackAlbum(), "Album");
+  EXPECT_EQ(tests::nameOf(loader->infoTrackArtwork()), "cover");
+  EXPECT_DOUBLE_EQ(secondsToNextCycle(), 16);
+
+  clock.advance(16);
+  EXPECT_EQ(http.last().request.url, base + "prog.m3u8");
+  EXPECT_EQ(loader->infoTrackName(), std::nullopt) << "a record never mixes two cycles";
+  receiveCycle("Next");
+  EXPECT_EQ(listener->titles, (std::vector{"Title"s, "Next"s}));
+  EXPECT_EQ(http.count(), 6U);
+}
+
+TEST_F(LiveProgramme, ChoosesTheSegmentNearTheLiveEdge) {
+  const std::map<std::string, std::string> chosen = {
+      {"a.aac\nb.aac\nc.aac\nd.aac\ne.aac\n", "c.aac"},
+      {"a.aac\nb.aac\nc.aac\nd.aac", "b.aac"},
+      {"a.aac\nb.aac\nc.aac", "c.aac"},
+      {"a.aac\nb.aac", "b.aac"},
+      {"#EXTM3U\r\nonly.AAC\r\nnot.aac?x\r\nnot.aac \r\nnot.aacp\r\n", "only.AAC"},
+      {"a.aac\xE2\x80\xA8"
+       "b.aac\xC2\x85"
+       "c.aac\x0B"
+       "d.aac\xE2\x80\xA9#end",
+       "b.aac"},
+      {"sub/a.aac\n.aac", ".aac"},
+  };
+  for (const auto& [playlist, name] : chosen) {
+    loader->start(nullptr);
+    receive(playlist);
+    EXPECT_EQ(http.last().request.url, base + name) << playlist;
+  }
+}
+
+TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsLater) {
+  const std::vector<std::vector<std::string>> failures = {
+      {""},  // an empty playlist, as of a transport error
+      {"\xFF"
+       "a.aac"},                                      // not UTF-8
+      {"<html>404 Not Found</html>"},                 // no segment
+      {"a b.aac"},                                    // no address
+      {playlist(), ""},                               // no segment head
+      {playlist(), tests::frame("TIT2", "\3Title")},  // no artwork address
+      {playlist(), segmentHead("Title", "", "", "http://a b/c.jpg")},
+  };
+  for (const auto& answers : failures) {
+    listener->titles.clear();
+    loader->start(nullptr);
+    for (const std::string& answer : answers) answer.empty() ? receiveNothing() : receive(answer);
+    EXPECT_EQ(listener->titles, std::vector{"-"s});
+    EXPECT_FALSE(loader->contentTrackInfo());
+    EXPECT_NEAR(secondsToNextCycle(), 5, 1e-6);
+    const std::size_t requests = http.count();
+    clock.advance(4.9);
+    EXPECT_EQ(http.count(), requests);
+    clock.advance(0.2);
+    EXPECT_EQ(http.count(), requests + 1);
+    receiveCycle("Title");
+    EXPECT_EQ(listener->titles, (std::vector{"-"s, "Title"s}));
+  }
+}
+
+TEST_F(LiveProgramme, MissingTextsAndABrokenArtworkDoNotFailTheCycle) {
+  loader->start(nullptr);
+  receive(playlist());
+  receive("artwork" + cover);
+  receive("<html>404 Not Found</html>");
+  EXPECT_EQ(listener->titles, std::vector{"-"s});
+  EXPECT_EQ(loader->artworkWebAddress(), cover);
+  EXPECT_EQ(loader->infoTrackArtwork(), nullptr);
+  EXPECT_DOUBLE_EQ(secondsToNextCycle(), 11) << "the cycle has succeeded";
+}
+
+TEST_F(LiveProgramme, TheNextCycleIsDueASecondAfterTheDistanceToTheSegmentsEnd) {
+  const std::string duration = "#EXT-X-TARGETDURATION:10\n";
+  const std::string now = "x-20160305T140709";
+  const std::map<std::string, double> delays = {
+      {duration + now + "Z.aac", 11},
+      {duration + "x-20160305T140714Z.aac", 16},
+      {duration + "x-20160305T140644Z.aac", 16},
+      {duration + "20160305T150709+0100.aac", 11},
+      {duration + "x-20160305T153709+01:30.aac", 11},
+      {"#ext-x-targetduration: 7.5 s\n" + now + "Z.aac", 8.5},
+      {"#EXT-X-TARGETDURATION:0\n#TARGETDURATION\nTARGETDURATION=x:+3\n" + now + "Z.aac", 4},
+      // Without a date or a duration.
+      {now + "Z.aac", 5},
+      {"#EXT-X-TARGETDURATION:-4\n" + now + "Z.aac", 5},
+      {"#EXT-X-TARGETDURATION:inf\n#EXT-X-TARGETDURATION:1e999\n" + now + "Z.aac", 5},
+      {duration + "x-.aac", 5},
+      {duration + "x-20160305T140709Z-5.aac", 5},
+      {duration + "x-20160230T140709Z.aac", 5},
+      {duration + "x-20160305T240709Z.aac", 5},
+      {duration + "x-20160305T140709.aac", 5},
+      {duration + "x-20160305T140709Zulu.aac", 5},
+  };
+  for (const auto& [playlist, delay] : delays) {
+    loader->start(nullptr);
+    receive(playlist);
+    receive("artwork" + cover);
+    receive("image:cover");
+    EXPECT_DOUBLE_EQ(secondsToNextCycle(), delay) << playlist;
+  }
+}
+
+TEST_F(LiveProgramme, AStoppedLoaderChangesNothingHoweverLateItsBytesArrive) {
+  const std::vector<std::string> answers = {playlist(), segmentHead("T", "A", "B", cover),
+                                            "image:c"};
+  for (std::size_t received = 0; received <= answers.size(); ++received) {
+    listener->titles.clear();
+    loader->start(nullptr);
+    for (std::size_t step = 0; step < received; ++step) receive(answers[step]);
+    listener->titles.clear();
+    EXPECT_TRUE(loader->stop(nullptr));
+    EXPECT_FALSE(loader->stop(nullptr));
+    EXPECT_EQ(http.inFlight(), 0U);
+    if (!http.last().completed) receive(answers[received]);
+    clock.advance(60);
+    EXPECT_TRUE(listener->titles.empty());
+    EXPECT_EQ(loader->contentLoadingAction(), virelune::VLBeats1InfoLoadingNone);
+    EXPECT_FALSE(loader->contentTrackInfo());
+    EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+  }
+  loader->start(nullptr);
+  receiveNothing();
+  EXPECT_FALSE(loader->stop(nullptr)) << "waiting after a failure, no transfer is recorded";
+  const std::size_t requests = http.count();
+  clock.advance(60);
+  EXPECT_EQ(http.count(), requests);
+}
+
+TEST_F(LiveProgramme, BytesOnTheirWayToTheMainThreadAreDroppedToo) {
+  loader->start(nullptr);
+  http.answer(0, playlist());  // has arrived, but the run loop has not turned yet
+  loader->stop(nullptr);
+  clock.settle();
+  EXPECT_EQ(http.count(), 1U);
+}
+
+TEST_F(LiveProgramme, ARestartIsNotDisturbedByTheTransferItReplaced) {
+  loader->start(nullptr);
+  loader->start(nullptr);
+  EXPECT_TRUE(http.at(0).cancelled);
+  http.fail(0);
+  clock.settle();
+  EXPECT_TRUE(listener->titles.empty());
+  receiveCycle("Title");
+  EXPECT_EQ(listener->titles, std::vector{"Title"s});
+}
+
+TEST_F(LiveProgramme, ADestroyedLoaderLeavesNothingBehind) {
+  loader->start(nullptr);
+  loader.reset();
+  EXPECT_TRUE(http.at(0).cancelled);
+  receive(playlist());
+  EXPECT_EQ(http.count(), 1U);
+
+  loader = platform::make<VLBeats1InfoLoader>();
+  loader->start(nullptr);
+  receiveCycle("Title");
+  loader.reset();
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+}
+
+TEST_F(LiveProgramme, UpdatesBeforeAnIdleMomentAreToldOnce) {
+  auto other = platform::make<VLBeats1InfoLoader>();
+  loader->postInfoNotification();
+  other->postInfoNotification();
+  loader->postErrorNotification();
+  EXPECT_TRUE(listener->titles.empty());
+  clock.settle();
+  EXPECT_EQ(listener->titles.size(), 2U) << "one of each loader";
+}
+
+TEST_F(LiveProgramme, WithoutServerOrNetworkNothingStarts) {
+  bundle->setInfoDictionaryEntry("VLStreamHost", "");
+  EXPECT_FALSE(loader->start(nullptr));
+  bundle->setInfoDictionaryEntry("VLStreamHost", "no host");
+  EXPECT_FALSE(loader->start(nullptr));
+  bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example:8080");
+  platform_.http = nullptr;
+  EXPECT_FALSE(loader->start(nullptr));
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+  platform_.http = &http;
+  EXPECT_TRUE(loader->start(nullptr));
+  EXPECT_TRUE(http.last().request.url.starts_with("http://radio.example:8080/streams/"));
+}
