@@ -19,12 +19,9 @@ constexpr const char* readMarks =
 
 // A mark that is not given stays; an entry that has all given marks already is not written.
 constexpr const char* writeMarks =
-    "INSERT INTO marks (key, kind, address, artist, album, album_artist, title, length,"
-    "                   rating, rating_changed, loved, loved_changed)"
-    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)"
+    "INSERT INTO marks (key, rating, rating_changed, loved, loved_changed)"
+    " VALUES (?1, ?2, ?3, ?4, ?5)"
     " ON CONFLICT (key) DO UPDATE SET"
-    "  address = excluded.address, artist = excluded.artist, album = excluded.album,"
-    "  album_artist = excluded.album_artist, title = excluded.title, length = excluded.length,"
     "  rating = coalesce(excluded.rating, rating),"
     "  rating_changed = coalesce(excluded.rating_changed, rating_changed),"
     "  loved = coalesce(excluded.loved, loved),"
@@ -32,9 +29,16 @@ constexpr const char* writeMarks =
     " WHERE rating IS NOT coalesce(excluded.rating, rating)"
     "    OR loved IS NOT coalesce(excluded.loved, loved)";
 
+constexpr const char* writeNames =
+    "INSERT OR REPLACE INTO names"
+    " (key, kind, address, artist, album, album_artist, title, length)"
+    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
+
 constexpr const char* readAll =
     "SELECT kind, address, artist, album, album_artist, title, length,"
-    "       rating, rating_changed, loved, loved_changed FROM marks ORDER BY key";
+    "       rating, rating_changed, loved, loved_changed"
+    " FROM names JOIN marks USING (key)"
+    " ORDER BY kind, artist, album_artist, album, title, address, length, key";
 
 int limitedRating(std::int64_t rating) {
   return static_cast<int>(std::clamp<std::int64_t>(rating, 0, 100));
@@ -99,60 +103,84 @@ RatingsRecord news(const RatingsRecord& offered, const RatingsRecord& stored) {
 
 }  // namespace
 
-/// The open file with its statements, which must be gone before it is closed.
+/// The open file with its statements, which must be gone before it is closed. Operations answer
+/// SQLITE_OK, or why they failed.
 struct RatingsStore::Connection {
   Database database;
-  Statement reading;
-  Statement writing;
+  Statement readingMarks;
+  Statement writingMarks;
+  Statement writingNames;
   bool unwritable = false;
 
   int prepare() {
-    const int result = reading.prepare(database.handle(), readMarks);
-    return result == SQLITE_OK ? writing.prepare(database.handle(), writeMarks) : result;
-  }
-
-  /// SQLITE_ROW with the marks of a key, SQLITE_DONE when it has none, or why it failed.
-  int read(const std::string& key, RatingsRecord& record) {
-    const StatementRun run(reading);
-    reading.bind(1, key);
-    const int result = reading.step();
-    if (result == SQLITE_ROW) readMarksFromRow(reading, 0, record);
+    sqlite3* handle = database.handle();
+    int result = readingMarks.prepare(handle, readMarks);
+    if (result == SQLITE_OK) result = writingMarks.prepare(handle, writeMarks);
+    if (result == SQLITE_OK) result = writingNames.prepare(handle, writeNames);
     return result;
   }
 
-  /// SQLITE_DONE once it is written, or why it failed.
-  int write(const std::string& key, const RatingsRecord& record) {
-    const StatementRun run(writing);
-    const TrackIdentity identity = storedIdentity(record.kind, record.identity);
-    const Marks& marks = record.marks;
-    std::optional<std::int64_t> rating, ratingChanged, loved, lovedChanged;
-    if (marks.rating) rating = limitedRating(*marks.rating), ratingChanged = record.ratingChanged;
-    if (marks.loved) loved = *marks.loved ? 1 : 0, lovedChanged = record.lovedChanged;
-    writing.bind(1, key);
-    writing.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
-    writing.bind(3, identity.address);
-    writing.bind(4, identity.artist);
-    writing.bind(5, identity.album);
-    writing.bind(6, identity.albumArtist);
-    writing.bind(7, identity.title);
-    writing.bind(8, static_cast<std::int64_t>(identity.length));
-    writing.bind(9, rating);
-    writing.bind(10, ratingChanged);
-    writing.bind(11, loved);
-    writing.bind(12, lovedChanged);
-    return writing.step();
+  /// The marks of a key; the record stays as it is when it has none.
+  int read(const std::string& key, RatingsRecord& record) {
+    const StatementRun run(readingMarks);
+    readingMarks.bind(1, key);
+    const int result = readingMarks.step();
+    if (result == SQLITE_ROW) readMarksFromRow(readingMarks, 0, record);
+    return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
   }
 
+  /// Within a transaction.
+  int write(const std::string& key, const RatingsRecord& record) {
+    const int result = writeMarksOf(key, record);
+    // What was not changed was written with its names before.
+    if (result != SQLITE_OK || sqlite3_changes(database.handle()) == 0) return result;
+    return writeNamesOf(key, record);
+  }
+
+  int writeMarksOf(const std::string& key, const RatingsRecord& record) {
+    const StatementRun run(writingMarks);
+    const Marks& marks = record.marks;
+    writingMarks.bind(1, key);
+    if (marks.rating) {
+      writingMarks.bind(2, limitedRating(*marks.rating));
+      writingMarks.bind(3, record.ratingChanged);
+    }
+    if (marks.loved) {
+      writingMarks.bind(4, *marks.loved ? 1 : 0);
+      writingMarks.bind(5, record.lovedChanged);
+    }
+    return resultOfWriting(writingMarks);
+  }
+
+  int writeNamesOf(const std::string& key, const RatingsRecord& record) {
+    const StatementRun run(writingNames);
+    const TrackIdentity identity = storedIdentity(record.kind, record.identity);
+    writingNames.bind(1, key);
+    writingNames.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
+    writingNames.bind(3, identity.address);
+    writingNames.bind(4, identity.artist);
+    writingNames.bind(5, identity.album);
+    writingNames.bind(6, identity.albumArtist);
+    writingNames.bind(7, identity.title);
+    writingNames.bind(8, static_cast<std::int64_t>(identity.length));
+    return resultOfWriting(writingNames);
+  }
+
+  static int resultOfWriting(Statement& statement) {
+    const int result = statement.step();
+    return result == SQLITE_DONE ? SQLITE_OK : result;
+  }
+
+  /// Within a transaction.
   int merge(const std::string& key, const RatingsRecord& offered, MergeCounts& counts) {
     RatingsRecord stored;
-    const int found = read(key, stored);
-    if (found != SQLITE_ROW && found != SQLITE_DONE) return found;
+    if (const int result = read(key, stored); result != SQLITE_OK) return result;
     const RatingsRecord taken = news(offered, stored);
     if (taken.marks == Marks{}) {
       ++counts.unchanged;
-      return SQLITE_DONE;
+      return SQLITE_OK;
     }
-    ++(found == SQLITE_ROW ? counts.changed : counts.added);
+    ++(stored.marks == Marks{} ? counts.added : counts.changed);
     return write(key, taken);
   }
 };
@@ -193,17 +221,15 @@ bool RatingsStore::forEach(const std::function<void(const RatingsRecord&)>& visi
     int result = all.prepare(connection.database.handle(), readAll);
     if (result != SQLITE_OK) return result;
     while ((result = all.step()) == SQLITE_ROW) visit(recordFromRow(all));
-    return result;
+    return result == SQLITE_DONE ? SQLITE_OK : result;
   });
 }
 
 std::optional<RatingsStore::MergeCounts> RatingsStore::merge(
     std::span<const RatingsRecord> records) {
   MergeCounts counts;
-  const bool merged = perform(Access::write, [&](Connection& connection) {
+  const bool merged = performInTransaction([&](Connection& connection) {
     counts = {};
-    Transaction transaction(connection.database);
-    if (transaction.begun() != SQLITE_OK) return transaction.begun();
     for (const RatingsRecord& record : records) {
       const auto key = keyOf(record);
       if (!key) {
@@ -211,9 +237,9 @@ std::optional<RatingsStore::MergeCounts> RatingsStore::merge(
         continue;
       }
       const int result = connection.merge(*key, record, counts);
-      if (result != SQLITE_DONE) return result;
+      if (result != SQLITE_OK) return result;
     }
-    return transaction.commit();
+    return SQLITE_OK;
   });
   return merged ? std::optional(counts) : std::nullopt;
 }
@@ -231,8 +257,17 @@ bool RatingsStore::set(const RatingsRecord& record) {
   if (!key) return false;
   RatingsRecord dated = record;
   dated.ratingChanged = dated.lovedChanged = static_cast<std::int64_t>(std::time(nullptr));
-  return perform(Access::write,
-                 [&](Connection& connection) { return connection.write(*key, dated); });
+  return performInTransaction(
+      [&](Connection& connection) { return connection.write(*key, dated); });
+}
+
+bool RatingsStore::performInTransaction(const Work& work) {
+  return perform(Access::write, [&](Connection& connection) {
+    Transaction transaction(connection.database);
+    if (transaction.begun() != SQLITE_OK) return transaction.begun();
+    const int result = work(connection);
+    return result == SQLITE_OK ? transaction.commit() : result;
+  });
 }
 
 bool RatingsStore::perform(Access access, const Work& work) {

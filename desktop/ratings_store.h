@@ -92,6 +92,7 @@ class RatingsStore {
   Marks marks(const std::optional<std::string>& key);
   bool set(const RatingsRecord& record);
   bool perform(Access access, const Work& work);
+  bool performInTransaction(const Work& work);
   StoreTrouble connect(Access access);
   bool setAside(const StoreTrouble& trouble);
   void tell(const std::string& message);
