@@ -76,6 +76,8 @@ class Builder {
 std::optional<Value> jsonObjectWithData(const Data& data) {
   Builder builder;
   const std::string_view text = data.view();
+  // The parser takes a zero byte for the end; in JSON there is none.
+  if (text.find('\0') != std::string_view::npos) return std::nullopt;
   if (!nlohmann::json::sax_parse(text.begin(), text.end(), &builder)) return std::nullopt;
   return builder.take();
 }

@@ -1,0 +1,108 @@
+#include "platform/json.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/date_formatter.h"
+
+using namespace std::string_literals;
+using platform::Dictionary;
+using platform::Value;
+
+namespace {
+
+std::optional<Value> parse(const std::string& text) {
+  return platform::jsonObjectWithData(platform::Data::fromText(text));
+}
+
+std::string nested(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+}  // namespace
+
+TEST(JSON, ReadsEveryKindOfValue) {
+  const auto value = parse(R"( {"a":[1,-2,2.5,1e2,true,false,null],"b":{"":"\u00e9\ud83d\ude00"},
+                               "big":18446744073709551615,"zero":"a\u0000b","a":0, "c":[[],{}]} )");
+  ASSERT_TRUE(value);
+  const Dictionary expected = {{"a", 0},
+                               {"b", Dictionary{{"", "\xC3\xA9\xF0\x9F\x98\x80"}}},
+                               {"big", 18446744073709551615.0},
+                               {"zero", "a\0b"s},
+                               {"c", platform::Array{platform::Array(), Dictionary()}}};
+  EXPECT_EQ(*value, Value(expected)) << "of members with one name the last one stands";
+  EXPECT_EQ(parse("[1,-2,2.5,1e2,true,null]"),
+            Value(platform::Array{1, -2, 2.5, 100.0, true, Value()}));
+  EXPECT_EQ(parse(" \"fragment\" "), Value("fragment"));
+  EXPECT_EQ(parse("-7"), Value(-7));
+  EXPECT_TRUE(parse("null")->isNull());
+}
+
+TEST(JSON, RefusesWhatIsNotJSON) {
+  for (const std::string& text : {""s,
+                                  " "s,
+                                  "{"s,
+                                  "[1,]"s,
+                                  "{\"a\"}"s,
+                                  "{a:1}"s,
+                                  "'a'"s,
+                                  "[1] x"s,
+                                  "[1]\0"s,
+                                  "01"s,
+                                  "NaN"s,
+                                  "1e999"s,
+                                  "\"\t\""s,
+                                  "\"\xFF\""s,
+                                  "\"\xED\xA0\x80\""s,
+                                  "\"\xC0\x80\""s,
+                                  "\"\\ud800\""s,
+                                  "// note\n1"s,
+                                  "<html></html>"s,
+                                  "\"open"s,
+                                  "[1"s}) {
+    EXPECT_FALSE(parse(text)) << text;
+  }
+}
+
+TEST(JSON, BoundsItsDepth) {
+  EXPECT_TRUE(parse(nested(128)));
+  EXPECT_FALSE(parse(nested(129)));
+  EXPECT_FALSE(parse(std::string(1'000'000, '[')));
+  std::string objects;
+  for (int depth = 0; depth < 100'000; ++depth) objects += "{\"a\":";
+  EXPECT_FALSE(parse(objects));
+}
+
+TEST(DateFormatter, ReadsDatesThatCarryTheirZone) {
+  platform::NSDateFormatter formatter;
+  formatter.setDateFormat("yyyyMMdd'T'HHmmssZZZZZ");
+  const std::vector<std::pair<std::string, double>> dates = {
+      {"19700101T000000Z", 0},
+      {"20160229T235959Z", 1456790399},
+      {"20160229T235959+01:00", 1456786799},
+      {"20160229T235959-0530", 1456810199},
+      {"20160229T235959+01", 1456786799},
+      {"16010101T000000Z", -11644473600},
+  };
+  for (const auto& [text, seconds] : dates) {
+    const auto date = formatter.dateFromString(text);
+    ASSERT_TRUE(date) << text;
+    EXPECT_EQ(date->timeIntervalSince1970, seconds) << text;
+  }
+  for (const std::string text :
+       {"", "20160229T235959", "20150229T000000Z", "20161301T000000Z", "20160100T000000Z",
+        "20160101T240000Z", "20160101T006000Z", "20160101T000060Z", "2016-01-01T000000Z",
+        "20160101 000000Z", "20160101T000000Z ", "20160101T000000+1", "20160101T000000+24:00",
+        "20160101T000000+01:60", "20160101T000000+01:", "+2016101T000000Z", "2016010"}) {
+    EXPECT_FALSE(formatter.dateFromString(text)) << text;
+  }
+}
+
+TEST(DateFormatter, WritesLocalTime) {
+  setenv("TZ", "UTC-2", 1);  // two hours east
+  tzset();
+  platform::NSDateFormatter formatter;
+  formatter.setDateFormat("yyyy-MM-dd HH-mm-ss");
+  EXPECT_EQ(formatter.stringFromDate({1456790399.9}), "2016-03-01 01-59-59");
+  EXPECT_EQ(formatter.stringFromDate({-0.5}), "1970-01-01 01-59-59");
+  EXPECT_FALSE(formatter.stringFromDate({std::numeric_limits<double>::quiet_NaN()}));
+  unsetenv("TZ");
+  tzset();
+}
