@@ -64,7 +64,8 @@ std::string text(const ScriptingRequest& request) {
 
 /// The length as players write it: m:ss or h:mm:ss, empty when unknown.
 std::string lengthText(double duration) {
-  if (!(duration > 0)) return {};
+  constexpr double kLongest = 1e9;  // nothing that could be meant as a length
+  if (!(duration > 0 && duration < kLongest)) return {};
   const auto seconds = static_cast<long long>(duration);
   std::array<char, 32> characters{};
   if (seconds >= 3600) {
