@@ -126,8 +126,7 @@ TEST(PropertyLists, OfEitherFormAreReadAndAnythingElseIsNone) {
 class Bundles : public WidgetFixture {
  protected:
   std::string text(std::vector<std::string> languages, const std::string& key) {
-    const auto other =
-        platform::NSBundle::bundleWithPath(VIRELUNE_TEST_BUNDLE, std::move(languages));
+    const auto other = platform::NSBundle::bundleWithPath(bundlePath(), std::move(languages));
     return other->localizedStringForKey_table(key, std::nullopt);
   }
 };

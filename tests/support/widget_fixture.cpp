@@ -5,8 +5,10 @@ namespace tests {
 using platform::NSEventType;
 using platform::NSPoint;
 
+const char* bundlePath() { return VIRELUNE_TEST_BUNDLE; }
+
 WidgetFixture::WidgetFixture()
-    : bundle(platform::NSBundle::bundleWithPath(VIRELUNE_TEST_BUNDLE, {})), composed_([this] {
+    : bundle(platform::NSBundle::bundleWithPath(bundlePath(), {})), composed_([this] {
         platform_.runLoop = &clock.runLoop();
         platform_.graphics = &graphics;
         platform_.http = &http;

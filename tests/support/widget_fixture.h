@@ -15,6 +15,9 @@
 
 namespace tests {
 
+/// The folder of the real bundle.
+const char* bundlePath();
+
 /// Installs the platform on a manual clock, the simulated player (not running at first), a
 /// scripted workspace and network, and graphics without pixels. The bundle is the real one, in
 /// English.
