@@ -132,7 +132,9 @@ bool Patience::wait() {
 }
 
 StoreTrouble troubleWithResult(const Database& database, int result) {
-  const std::string reason = database ? sqlite3_errmsg(database.handle()) : sqlite3_errstr(result);
+  // The database's own message is the better one, unless something else was asked of it since.
+  const bool isLast = database && sqlite3_extended_errcode(database.handle()) == result;
+  const std::string reason = isLast ? sqlite3_errmsg(database.handle()) : sqlite3_errstr(result);
   switch (result & 0xFF) {
     case SQLITE_OK:
     case SQLITE_ROW:
@@ -148,7 +150,7 @@ StoreTrouble troubleWithResult(const Database& database, int result) {
     case SQLITE_PROTOCOL:
       return {Kind::busy, reason};
     default: {
-      const int error = sqlite3_system_errno(database.handle());
+      const int error = isLast ? sqlite3_system_errno(database.handle()) : 0;
       return {Kind::failed, error == 0 ? reason : reason + " (" + std::strerror(error) + ")"};
     }
   }

@@ -285,8 +285,8 @@ bool RatingsStore::perform(Access access, const Work& work) {
     // The cause may pass; the next request begins afresh.
     if (!connected || trouble.kind != Kind::busy) connection_.reset();
     if (trouble.kind == Kind::absent) return true;
-    tell("the ratings store cannot be " + std::string(access == Access::read ? "read" : "written") +
-         ": " + trouble.reason + " (" + file_.native() + ")");
+    tell(trouble.kind,
+         "cannot use the ratings store: " + trouble.reason + " (" + file_.native() + ")");
     return false;
   }
   return false;
@@ -311,19 +311,19 @@ bool RatingsStore::setAside(const StoreTrouble& trouble) {
   connection_.reset();
   const auto name = setDamagedFileAside(file_, patience_, std::move(damaged));
   if (!name) {
-    tell("the damaged ratings store cannot be renamed: " + std::string(std::strerror(errno)) +
-         " (" + file_.native() + ")");
+    tell(Kind::damaged, "cannot rename the damaged ratings store: " +
+                            std::string(std::strerror(errno)) + " (" + file_.native() + ")");
     return false;
   }
   if (!name->empty()) {
-    tell("the ratings store was damaged (" + trouble.reason + "); it is kept as " + name->native() +
-         " and a new one begins");
+    tell(Kind::damaged, "the ratings store was damaged (" + trouble.reason + "); it is kept as " +
+                            name->native() + " and a new one begins");
   }
   return true;
 }
 
-void RatingsStore::tell(const std::string& message) {
-  if (!told_.insert(message).second) return;
+void RatingsStore::tell(Kind kind, const std::string& message) {
+  if (!told_.insert(kind).second) return;
   messages_ << "virelune-widget: " << message << std::endl;
 }
 

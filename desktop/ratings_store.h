@@ -41,9 +41,10 @@ struct RatingsRecord {
 ///
 /// A write that answers true is on the disk: each is one commit in write-ahead mode with full
 /// synchronisation, which neither the end of the process nor a power cut undoes. A write that
-/// cannot be done answers false and changes nothing; the reason is told once. Waiting for another
-/// process takes at most half a second in any five. Nothing read is kept: each question asks
-/// the file. The file is opened at the first use and found again when it was moved away.
+/// cannot be done answers false and changes nothing; the reason is told once until one is done.
+/// Waiting for another process takes at most half a second in any five. Nothing read is kept: each
+/// question asks the file. The file is opened at the first use and found again when it was moved
+/// away.
 ///
 /// A damaged file is renamed to ratings-damaged-<date>.sqlite and a new one begins. A file of a
 /// newer version of the program is neither read nor written.
@@ -95,11 +96,11 @@ class RatingsStore {
   bool performInTransaction(const Work& work);
   StoreTrouble connect(Access access);
   bool setAside(const StoreTrouble& trouble);
-  void tell(const std::string& message);
+  void tell(StoreTrouble::Kind kind, const std::string& message);
 
   std::filesystem::path file_;
   std::ostream& messages_;
-  std::set<std::string> told_;  ///< since the last successful write
+  std::set<StoreTrouble::Kind> told_;  ///< since the last successful write
   Patience patience_;
   std::unique_ptr<Connection> connection_;
 };
