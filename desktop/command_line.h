@@ -1,0 +1,36 @@
+// What the user asks of the program on its command line.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+
+namespace desktop {
+
+struct CommandLine {
+  std::optional<std::string> player;    ///< --player NAME
+  std::optional<std::string> snapshot;  ///< --snapshot FILE
+  std::optional<std::string> tour;      ///< --tour FOLDER
+  std::optional<double> scale;          ///< --scale N, from 1 to 4
+  bool listPlayers = false;
+  bool demo = false;
+  bool onTop = false;
+  bool help = false;
+  bool version = false;
+};
+
+/// Why a command line is not understood: one sentence without a full stop.
+struct CommandLineError {
+  std::string message;
+};
+
+/// Reads the arguments that follow the program's name; values as "--option value" or
+/// "--option=value".
+std::variant<CommandLine, CommandLineError> parseCommandLine(
+    std::span<const char* const> arguments);
+
+/// The text of --help.
+std::string helpText();
+
+}  // namespace desktop

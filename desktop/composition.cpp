@@ -1,0 +1,88 @@
+#include "desktop/composition.h"
+
+#include <QtCore/QLocale>
+
+namespace desktop {
+
+namespace {
+
+std::vector<std::string> userLanguages() {
+  std::vector<std::string> languages;
+  for (const QString& language : QLocale::system().uiLanguages()) {
+    languages.push_back(language.toStdString());
+  }
+  return languages;
+}
+
+}  // namespace
+
+Composition::Composition() {
+  driver_.setPass([this] { runLoop_.runPass(); });
+  platform_.runLoop = &runLoop_;
+  platform_.graphics = &graphics_;
+}
+
+Composition::~Composition() {
+  card_.reset();
+  // Tasks and transfers under way end before what they use.
+  workers_.reset();
+  http_.reset();
+  platform_.globalQueue = nullptr;
+  platform_.http = nullptr;
+}
+
+bool Composition::openBundle(const std::string& path) {
+  bundle_ = platform::NSBundle::bundleWithPath(path, userLanguages());
+  platform_.mainBundle = bundle_.get();
+  return bundle_ != nullptr;
+}
+
+void Composition::useNetwork() {
+  http_ = std::make_unique<platform::CurlTransport>();
+  workers_ = std::make_unique<platform::WorkerPool>();
+  platform_.http = http_.get();
+  platform_.globalQueue = workers_.get();
+}
+
+bool Composition::useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName) {
+  ratings_ = std::make_unique<RatingsStore>(RatingsStore::defaultFile());
+  bridge_ = std::make_unique<PlayerBridge>(
+      bus, PlayerBridge::Options{.playerName = playerName, .ratings = ratings_.get()});
+  if (!bridge_->isRunning()) {
+    bridge_.reset();
+    return false;
+  }
+  desktopWorkspace_ = std::make_unique<DesktopWorkspace>(bridge_.get());
+  workspace_ = std::make_unique<platform::NSWorkspace>(*desktopWorkspace_);
+  platform_.workspace = workspace_.get();
+  platform_.scripting = bridge_.get();
+  return true;
+}
+
+demo::DemoPlayer& Composition::useDemo() {
+  demoPlayer_ = std::make_unique<demo::DemoPlayer>();
+  desktopWorkspace_ = std::make_unique<DesktopWorkspace>(nullptr);
+  demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, desktopWorkspace_.get());
+  workspace_ = std::make_unique<platform::NSWorkspace>(*demoWorkspace_);
+  platform_.workspace = workspace_.get();
+  platform_.scripting = demoPlayer_.get();
+  return *demoPlayer_;
+}
+
+Card* Composition::makeCard(const platform::PrincipalClasses& classes) {
+  auto controller = platform::NSExtensionMain(classes);
+  if (!controller) return nullptr;
+  card_ = std::make_unique<Card>(std::move(controller), displayName());
+  card_->update();
+  return card_.get();
+}
+
+std::string Composition::displayName() {
+  if (!bundle_) return {};
+  const auto entry = bundle_->infoDictionary().find("CFBundleDisplayName");
+  return entry != bundle_->infoDictionary().end()
+             ? entry->second.as<std::string>().value_or(std::string())
+             : std::string();
+}
+
+}  // namespace desktop

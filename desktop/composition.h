@@ -1,0 +1,67 @@
+// The program put together: the platform's parts, the player and the widget on its card.
+#pragma once
+
+#include <QtDBus/QDBusConnection>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "demo/demo_player.h"
+#include "demo/demo_workspace.h"
+#include "desktop/card.h"
+#include "desktop/desktop_workspace.h"
+#include "desktop/player_bridge.h"
+#include "desktop/qt_graphics.h"
+#include "desktop/qt_run_loop.h"
+#include "desktop/ratings_store.h"
+#include "platform/curl_transport.h"
+#include "platform/platform.h"
+
+namespace desktop {
+
+/// Owns every part; the widget and its card go first, what they stand on follows. Needs a
+/// QGuiApplication. Without a player from useBus() or useDemo() nothing is playing.
+class Composition {
+ public:
+  Composition();
+  ~Composition();
+  Composition(const Composition&) = delete;
+  Composition& operator=(const Composition&) = delete;
+
+  /// Opens the bundle in a folder; false when there is none.
+  bool openBundle(const std::string& path);
+  /// Lets the widget use the network.
+  void useNetwork();
+  /// Follows a player on the bus: the named one, else the one that design prefers. False when it
+  /// is not there.
+  bool useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName);
+  /// Brings in the demo player, which does not run yet.
+  demo::DemoPlayer& useDemo();
+
+  /// Makes the widget and lays it on its card; null when the bundle names no widget.
+  Card* makeCard(const platform::PrincipalClasses& classes);
+
+  QtGraphics& graphics() { return graphics_; }
+  /// The widget's name as the user sees it.
+  std::string displayName();
+
+ private:
+  platform::Platform platform_;
+  platform::PlatformScope scope_{platform_};
+  QtRunLoop driver_;
+  platform::RunLoop runLoop_{driver_};
+  QtGraphics graphics_;
+  std::unique_ptr<platform::NSBundle> bundle_;
+  std::unique_ptr<RatingsStore> ratings_;
+  std::unique_ptr<PlayerBridge> bridge_;
+  std::unique_ptr<demo::DemoPlayer> demoPlayer_;
+  std::unique_ptr<DesktopWorkspace> desktopWorkspace_;
+  std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;
+  std::unique_ptr<platform::NSWorkspace> workspace_;
+  std::unique_ptr<platform::CurlTransport> http_;
+  std::unique_ptr<platform::WorkerPool> workers_;
+  std::unique_ptr<Card> card_;
+};
+
+}  // namespace desktop

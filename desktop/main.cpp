@@ -1,0 +1,27 @@
+#include <cstdlib>
+#include <iostream>
+#include <span>
+
+#include "desktop/command_line.h"
+#include "desktop/program.h"
+#include "widget/widget_entry.h"
+
+int main(int argc, char** argv) {
+  const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+  const auto parsed =
+      desktop::parseCommandLine(arguments.empty() ? arguments : arguments.subspan(1));
+  if (const auto* error = std::get_if<desktop::CommandLineError>(&parsed)) {
+    std::cerr << "virelune-widget: " << error->message << "; see --help\n";
+    return EXIT_FAILURE;
+  }
+  const auto& commandLine = std::get<desktop::CommandLine>(parsed);
+  if (commandLine.help) {
+    std::cout << desktop::helpText();
+    return EXIT_SUCCESS;
+  }
+  if (commandLine.version) {
+    std::cout << "virelune-widget " << VIRELUNE_VERSION << '\n';
+    return EXIT_SUCCESS;
+  }
+  return desktop::runProgram(commandLine, argc, argv, virelune::principalClasses());
+}

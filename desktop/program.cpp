@@ -1,0 +1,138 @@
+#include "desktop/program.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLoggingCategory>
+#include <QtGui/QGuiApplication>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+#include "desktop/card_window.h"
+#include "desktop/composition.h"
+#include "desktop/tour.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr double pictureScale = 2;
+constexpr const char* defaultTourFolder = "virelune-tour";
+
+int fail(const std::string& message) {
+  std::cerr << "virelune-widget: " << message << '\n';
+  return EXIT_FAILURE;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool hasDisplay() {
+  return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
+}
+
+std::string bundlePath() {
+  const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
+  return (folder.parent_path() / "share" / "virelune-widget").string();
+}
+
+int listPlayers() {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return fail("there is no session bus");
+  const auto players = PlayerBridge::listPlayers(bus);
+  if (players.empty()) std::cout << "No music player is on the session bus.\n";
+  for (const PlayerListing& player : players) {
+    std::cout << player.name;
+    if (!player.identity.empty()) std::cout << "  " << player.identity;
+    if (!player.status.empty()) std::cout << "  " << player.status;
+    std::cout << '\n';
+  }
+  return EXIT_SUCCESS;
+}
+
+/// Brings in the player that the command line asks for; the exit status when that fails.
+std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& composition) {
+  if (!commandLine.demo) {
+    const auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+      return fail("there is no session bus; --demo shows the built-in player");
+    }
+    if (composition.useBus(bus, commandLine.player)) return std::nullopt;
+    if (commandLine.player) {
+      return fail("no player \"" + *commandLine.player +
+                  "\" is on the session bus; --list-players names those that are");
+    }
+    std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
+  }
+  composition.useDemo().launch(demo::kPlaying);
+  return std::nullopt;
+}
+
+int tour(const CommandLine& commandLine, Composition& composition,
+         const platform::PrincipalClasses& classes) {
+  demo::DemoPlayer& player = composition.useDemo();
+  Card* card = composition.makeCard(classes);
+  if (card == nullptr) return fail("the resources name no widget");
+  const auto unwritten =
+      takeTour(*card, player, commandLine.tour.value_or(defaultTourFolder),
+               commandLine.scale.value_or(pictureScale), ColorScheme().appearance(), std::cout);
+  return unwritten.empty() ? EXIT_SUCCESS : fail("cannot write " + unwritten.string());
+}
+
+int snapshot(const CommandLine& commandLine, Card& card) {
+  constexpr int patience = 600;  // milliseconds, for artwork and the colour scheme
+  const ColorScheme colorScheme;
+  card.window().setVisible(true);
+  settle(patience);
+  const bool isWritten =
+      writePicture(card, *commandLine.snapshot, commandLine.scale.value_or(pictureScale),
+                   colorScheme.appearance());
+  return isWritten ? EXIT_SUCCESS : fail("cannot write " + *commandLine.snapshot);
+}
+
+int showWindow(const CommandLine& commandLine, Composition& composition, Card& card) {
+  CardWindow window(card, composition.graphics(), QString::fromStdString(composition.displayName()),
+                    commandLine.onTop);
+  window.open();
+  return QGuiApplication::exec();
+}
+
+}  // namespace
+
+int runProgram(const CommandLine& commandLine, int argc, char** argv,
+               const platform::PrincipalClasses& classes) {
+  // Images and players speak for themselves; what Qt has to say of them helps nobody.
+  QLoggingCategory::setFilterRules("qt.gui.imageio*=false\nqt.svg*=false");
+  if (commandLine.listPlayers) {
+    const QCoreApplication application(argc, argv);
+    return listPlayers();
+  }
+
+  const bool takesTour = commandLine.tour || (!hasDisplay() && !commandLine.snapshot);
+  if (takesTour && commandLine.player) {
+    return fail("there is no display for the card; --snapshot writes it to a file");
+  }
+  const bool isOffScreen = takesTour || commandLine.snapshot;
+  if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!isOffScreen && commandLine.scale) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(*commandLine.scale));
+  }
+  const QGuiApplication application(argc, argv);
+  QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
+
+  Composition composition;
+  if (!composition.openBundle(bundlePath())) {
+    return fail("the resources are missing: " + bundlePath());
+  }
+  if (takesTour) return tour(commandLine, composition, classes);
+
+  composition.useNetwork();
+  if (const auto status = choosePlayer(commandLine, composition)) return *status;
+  Card* card = composition.makeCard(classes);
+  if (card == nullptr) return fail("the resources name no widget");
+  return commandLine.snapshot ? snapshot(commandLine, *card)
+                              : showWindow(commandLine, composition, *card);
+}
+
+}  // namespace desktop
