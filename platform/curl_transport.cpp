@@ -63,6 +63,7 @@ struct Job {
   HTTPTransport::Completion completion;
   std::vector<std::uint8_t> body;
   std::size_t headerLength = 0;
+  bool headersEnded = false;  // of the latest reply, with a blank line
   HeaderList headers;  // outlives the handle that uses it
   Easy easy;
 
@@ -83,9 +84,12 @@ struct Job {
     job.body.insert(job.body.end(), bytes, bytes + length);
     return length;
   }
-  static std::size_t receiveHeader(char*, std::size_t size, std::size_t count, void* self) {
+  static std::size_t receiveHeader(char* line, std::size_t size, std::size_t count, void* self) {
     auto& job = *static_cast<Job*>(self);
     const std::size_t length = size * count;
+    const std::string_view text(line, length);
+    if (text.starts_with("HTTP/")) job.headersEnded = false;
+    if (text == "\r\n" || text == "\n") job.headersEnded = true;
     job.headerLength += length;
     return job.headerLength > maximumHeaderLength ? 0 : length;
   }
@@ -260,10 +264,12 @@ class CurlTransport::Engine {
       job->easy.reset();
       HTTPResult result;
       result.status = static_cast<int>(status);
-      if (code == CURLE_OK) {
-        result.body = Data(std::move(job->body));
-      } else {
+      if (code != CURLE_OK) {
         result.error = curl_easy_strerror(code);
+      } else if (!job->headersEnded) {
+        result.error = "the reply ended within its headers";  // the library takes it for empty
+      } else {
+        result.body = Data(std::move(job->body));
       }
       job->complete(std::move(result));
     }
