@@ -33,6 +33,7 @@ constexpr const char* hiddenKey = "X-Virelune-StartHidden";
 constexpr const char* enabledKey = "X-GNOME-Autostart-enabled";
 
 constexpr std::size_t longestEntry = 1024 * 1024;  // bytes
+constexpr int largestOrder = 1'000'000;
 
 /// A value of the type string.
 std::string escapedValue(std::string_view text) {
@@ -69,21 +70,30 @@ std::string quotedArgument(std::string_view argument) {
   return quoted + '"';
 }
 
+std::string execLine(const std::string& program) {
+  return "\nExec=" + escapedValue(quotedArgument(program)) + "\n";
+}
+
 std::string entryText(const std::string& program, bool hidden, int order) {
   return "[Desktop Entry]\nType=Application\nName=" +
-         escapedValue(fs::path(program).stem().native()) +
-         "\nExec=" + escapedValue(quotedArgument(program)) + "\n" + hiddenKey + "=" +
+         escapedValue(fs::path(program).stem().native()) + execLine(program) + hiddenKey + "=" +
          (hidden ? "true" : "false") + "\n" + orderKey + "=" + std::to_string(order) + "\n";
+}
+
+/// True when an entry was made here for a program, whatever has become of it since.
+bool isMadeHere(std::string_view text, const std::string& program) {
+  return text.find(execLine(program)) != std::string_view::npos &&
+         text.find(std::string("\n") + orderKey + "=") != std::string_view::npos;
 }
 
 /// A file name for a program: its name, with what is unusual in file names left out.
 std::string fileStem(const std::string& program) {
-  std::string stem;
-  for (const char c : fs::path(program).stem().native()) {
-    const bool usual = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-                       c == '-' || c == '_';
-    if (usual) stem += c;
-  }
+  std::string stem = fs::path(program).stem().native();
+  std::erase_if(stem, [](char c) {
+    const bool isUsual = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                         (c >= '0' && c <= '9') || c == '-' || c == '_';
+    return !isUsual;
+  });
   return stem.empty() ? "login-item" : stem;
 }
 
@@ -130,6 +140,7 @@ std::optional<LoginItems::Item> LoginItems::itemInFile(const fs::path& file) con
             .startsHidden = vendorValue(hiddenKey) == "true",
             .isEnabled = vendorValue(enabledKey) != "false"};
   std::from_chars(order.data(), order.data() + order.size(), item.order);
+  item.order = std::clamp(item.order, 0, largestOrder);
   if (item.path == options_.executablePath) item.path = options_.bundlePath;
   return item;
 }
@@ -184,20 +195,23 @@ bool LoginItems::add(const Value& properties) const {
   const int order = std::max(all.empty() ? 0 : all.back().order, 0) + 1;
   const std::string& program = *text == options_.bundlePath ? options_.executablePath : *text;
   return makeFolder(options_.folder) &&
-         writeWholeFile(fileForNewItem(*text),
+         writeWholeFile(fileForNewItem(program),
                         entryText(program, flag && flag->boolValue(), order));
 }
 
-fs::path LoginItems::fileForNewItem(const std::string& path) const {
-  const std::string stem = fileStem(path);
+fs::path LoginItems::fileForNewItem(const std::string& program) const {
+  const std::string stem = fileStem(program);
   for (int number = 1;; ++number) {
     const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
     fs::path file = options_.folder / (stem + suffix + ".desktop");
     std::error_code error;
-    if (fs::symlink_status(file, error).type() == fs::file_type::not_found) return file;
-    // An entry made here that was switched off meanwhile gives way.
+    const auto type = fs::symlink_status(file, error).type();
+    if (type == fs::file_type::not_found || type == fs::file_type::none) return file;
+    if (type != fs::file_type::regular) continue;
+    // An entry made here that the user has switched off since gives way.
+    const auto text = readWholeFile(file, longestEntry);
     const auto item = itemInFile(file);
-    if (item && item->order > 0 && !item->isEnabled && item->path == path) return file;
+    if (text && isMadeHere(*text, program) && !(item && item->isEnabled)) return file;
   }
 }
 

@@ -47,7 +47,7 @@ class LoginItems : public platform::ScriptingTransport {
   std::optional<platform::ScriptingReply> answer(const platform::ScriptingRequest& request,
                                                  const Item& item) const;
   bool add(const platform::Value& properties) const;
-  std::filesystem::path fileForNewItem(const std::string& path) const;
+  std::filesystem::path fileForNewItem(const std::string& program) const;
 
   const Options options_;
   platform::ScriptingTransport* const others_;

@@ -1,0 +1,133 @@
+#include "desktop/ratings_exchange.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+class RatingsExchange : public testing::Test {
+ protected:
+  int import(RatingsStore& into, const std::string& text) {
+    std::ofstream(file, std::ios::binary) << text;
+    report.str("");
+    messages.str("");
+    return importRatings(into, file, report, messages);
+  }
+  std::string exported(RatingsStore& from) {
+    EXPECT_EQ(exportRatings(from, file, messages), EXIT_SUCCESS) << messages.str();
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  }
+  /// The report's counts, as they stand behind the file's name.
+  std::string counts() const { return report.str().substr(report.str().find(": ")); }
+
+  tests::TemporaryFolder folder;
+  const std::string file = folder.path() / "ratings.jsonl";
+  std::ostringstream report, messages;
+  RatingsStore store{folder.path() / "one.sqlite", messages};
+  RatingsStore other{folder.path() / "two.sqlite", messages};
+};
+
+TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder) {
+  const TrackIdentity named{.address = "blob:x",
+                            .artist = "Bj\xC3\xB6rk \"quoted\"\n",
+                            .album = "\\",
+                            .albumArtist = "Various",
+                            .title = "\xFF malformed",
+                            .length = 215.6};
+  store.setTrackRating(named, 0);
+  store.setTrackLoved({.address = "/music/\xE9 %.flac", .title = "by address"}, false);
+  store.setAlbumRating(named, 100);
+  store.setAlbumLoved({.artist = "A", .album = "B"}, true);
+  const std::string lines = exported(store);
+  EXPECT_EQ(import(other, lines), EXIT_SUCCESS) << messages.str();
+  EXPECT_EQ(counts(), ": 4 added, 0 changed, 0 unchanged\n");
+  EXPECT_EQ(exported(other), lines);
+  EXPECT_EQ(other.trackMarks(named), (Marks{.rating = 0}));
+  EXPECT_EQ(other.albumMarks(named), (Marks{.rating = 100}));
+  EXPECT_EQ(import(other, lines), EXIT_SUCCESS);
+  EXPECT_EQ(counts(), ": 0 added, 0 changed, 4 unchanged\n");
+}
+
+TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
+  const auto line = [](const char* title, const std::string& marks) {
+    return R"({"kind":"track","title":")" + std::string(title) + "\"," + marks + "}\n";
+  };
+  const std::string early = R"("2020-01-01T00:00:00Z")", late = R"("2021-01-01T00:00:00Z")";
+  ASSERT_EQ(import(store, line("newer here", R"("rating":60,"ratingChanged":)" + late) +
+                              line("older here", R"("rating":60,"ratingChanged":)" + early) +
+                              line("undated", R"("rating":60)") +
+                              line("half", R"("loved":true,"lovedChanged":)" + late)),
+            EXIT_SUCCESS);
+  ASSERT_EQ(import(store, line("newer here", R"("rating":20,"ratingChanged":)" + early) +
+                              line("OLDER HERE", R"("rating":20,"ratingChanged":)" + late) +
+                              line("undated", R"("rating":20)") +
+                              line("half", R"("rating":20,"loved":false)") + "\xEF\xBB\xBF\r\n" +
+                              line("new", R"("loved":false)")),
+            EXIT_FAILURE)
+      << "a byte order mark belongs to the beginning";
+  ASSERT_EQ(
+      import(store, "\xEF\xBB\xBF" + line("newer here", R"("rating":20,"ratingChanged":)" + early) +
+                        line("OLDER HERE", R"("rating":20,"ratingChanged":)" + late) +
+                        line("undated", R"("rating":20)") +
+                        line("half", R"("rating":20,"loved":false)") + "\r\n" +
+                        line("new", R"("loved":false)")),
+      EXIT_SUCCESS);
+  EXPECT_EQ(counts(), ": 1 added, 2 changed, 2 unchanged\n");
+  EXPECT_EQ(store.trackMarks({.title = "newer here"}).rating, 60);
+  EXPECT_EQ(store.trackMarks({.title = "older here"}).rating, 20);
+  EXPECT_EQ(store.trackMarks({.title = "undated"}).rating, 60);
+  EXPECT_EQ(store.trackMarks({.title = "half"}), (Marks{.rating = 20, .loved = true}));
+  EXPECT_EQ(store.trackMarks({.title = "new"}), (Marks{.loved = false}));
+}
+
+TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
+  const std::string good = R"({"kind":"track","title":"good","rating":20})"
+                           "\n\n";
+  for (const std::string& bad : {
+           std::string("{"),
+           std::string("[]"),
+           std::string("{} {}"),
+           std::string(9000, '['),
+           std::string(R"({"kind":"track","title":"\xFF","rating":20})"),
+           std::string(R"({"title":"C","rating":20})"),
+           std::string(R"({"kind":"song","title":"C","rating":20})"),
+           std::string(R"({"kind":"track","title":"C"})"),
+           std::string(R"({"kind":"track","title":7,"rating":20})"),
+           std::string(R"({"kind":"track","title":"C","rating":101})"),
+           std::string(R"({"kind":"track","title":"C","rating":18446744073709551615})"),
+           std::string(R"({"kind":"track","title":"C","rating":-1})"),
+           std::string(R"({"kind":"track","title":"C","rating":2.5})"),
+           std::string(R"({"kind":"track","title":"C","rating":"20"})"),
+           std::string(R"({"kind":"track","title":"C","loved":1})"),
+           std::string(R"({"kind":"track","title":"C","loved":true,"length":-1})"),
+           std::string(R"({"kind":"track","title":"C","loved":true,"lovedChanged":"today"})"),
+           std::string(R"({"kind":"track","address":"blob:1","rating":20})"),
+           std::string(R"({"kind":"album","artist":"A","title":"C","rating":20})"),
+       }) {
+    EXPECT_EQ(import(store, good + bad + '\n' + good), EXIT_FAILURE) << bad;
+    EXPECT_NE(messages.str().find("line 3: "), std::string::npos) << messages.str();
+    EXPECT_EQ(report.str(), "");
+  }
+  EXPECT_EQ(store.trackMarks({.title = "good"}), Marks{});
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "one.sqlite"));
+}
+
+TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
+  const std::string missing = folder.path() / "none/ratings.jsonl";
+  EXPECT_EQ(importRatings(store, missing, report, messages), EXIT_FAILURE);
+  EXPECT_EQ(exportRatings(store, missing, messages), EXIT_FAILURE);
+  EXPECT_EQ(exportRatings(store, folder.path(), messages), EXIT_FAILURE) << "a folder";
+  EXPECT_NE(messages.str().find(missing), std::string::npos);
+  EXPECT_EQ(exported(store), "") << "an empty store";
+}
+
+}  // namespace
+}  // namespace desktop
