@@ -1,0 +1,87 @@
+// The player bridge between a private bus and an otherwise empty platform.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "desktop/desktop_workspace.h"
+#include "desktop/player_bridge.h"
+#include "desktop/qt_run_loop.h"
+#include "platform/platform.h"
+#include "tests/integration/processes.h"
+
+namespace tests {
+
+/// Counts what the bridge announces.
+class Announcements final : public platform::NSObject {
+ public:
+  bool changed(const platform::NSNotification*) { return ++changes > 0; }
+  bool launched(const platform::NSNotification*) { return ++launches > 0; }
+  bool terminated(const platform::NSNotification*) { return ++terminations > 0; }
+
+  int changes = 0;
+  int launches = 0;
+  int terminations = 0;
+};
+
+class BridgeFixture : public testing::Test {
+ protected:
+  BridgeFixture() {
+    driver_.setPass([this] { runLoop_.runPass(); });
+    platform_.runLoop = &runLoop_;
+  }
+
+  void follow(const desktop::PlayerBridge::Options& options = {}) {
+    bridge = std::make_unique<desktop::PlayerBridge>(bus.connection(), options);
+    backend_ = std::make_unique<desktop::DesktopWorkspace>(bridge.get());
+    workspace_ = std::make_unique<platform::NSWorkspace>(*backend_);
+    platform_.workspace = workspace_.get();
+    platform_.scripting = bridge.get();
+    using platform::NSWorkspaceDidLaunchApplicationNotification;
+    using platform::NSWorkspaceDidTerminateApplicationNotification;
+    platform_.distributedCenter.removeObserver(announced.get());
+    platform_.distributedCenter.addObserver(announced.get(), &Announcements::changed,
+                                            desktop::kPlayerInfoNotification);
+    workspace_->notificationCenter().addObserver(announced.get(), &Announcements::launched,
+                                                 NSWorkspaceDidLaunchApplicationNotification);
+    workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,
+                                                 NSWorkspaceDidTerminateApplicationNotification);
+  }
+
+  static std::string state() {
+    return platform::textFromCode(
+        app()->propertyWithCode(platform::code("pPlS"))->enumCodeValue());
+  }
+  static double position() { return app()->propertyWithCode(platform::code("pPos"))->doubleValue(); }
+  static std::shared_ptr<platform::SBObject> track() {
+    return app()->propertyWithCode(platform::code("pTrk"));
+  }
+  static std::optional<std::string> trackText(platform::FourCharCode property) {
+    return track()->propertyWithCode(property)->stringValue();
+  }
+  static void command(platform::FourCharCode identifier) {
+    app()->sendEvent_id_parameters(platform::code("hook"), identifier);
+  }
+  static std::shared_ptr<platform::SBApplication> app() {
+    return platform::make<platform::SBApplication>(desktop::kPlayerBundleIdentifier);
+  }
+
+  const PrivateBus bus;
+
+ private:
+  platform::Platform platform_;
+  platform::PlatformScope scope_{platform_};
+  desktop::QtRunLoop driver_;
+  platform::RunLoop runLoop_{driver_};
+  std::unique_ptr<desktop::DesktopWorkspace> backend_;
+  std::unique_ptr<platform::NSWorkspace> workspace_;
+
+ protected:
+  std::unique_ptr<desktop::PlayerBridge> bridge;
+  const std::shared_ptr<Announcements> announced = platform::make<Announcements>();
+};
+
+}  // namespace tests

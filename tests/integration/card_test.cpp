@@ -1,0 +1,229 @@
+// The whole way from a real player to the panel and back: first with the card in the test's own
+// process, where its labels can be read, then the program itself in a window with a pointer.
+#include <gmock/gmock.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QRegularExpression>
+#include <algorithm>
+#include <cmath>
+
+#include "controls/artwork_button.h"
+#include "controls/text_label.h"
+#include "desktop/card_style.h"
+#include "desktop/composition.h"
+#include "tests/integration/mpv.h"
+#include "tests/support/temporary_data_home.h"
+#include "widget/widget_entry.h"
+
+namespace tests {
+namespace {
+
+using testing::Contains;
+
+constexpr double kTrackHeight = 64 + desktop::kCardHeaderHeight;
+constexpr double kInformationHeight = 30 + desktop::kCardHeaderHeight;
+
+/// Everything of a class in a tree of views.
+template <class View>
+void collect(const platform::NSView& from, std::vector<const View*>& found) {
+  for (const auto& child : from.subviews()) {
+    if (const auto* match = dynamic_cast<const View*>(child.get())) found.push_back(match);
+    collect(*child, found);
+  }
+}
+
+class CardOverPlayer : public testing::Test {
+ protected:
+  void show() {
+    ASSERT_TRUE(composition_.openBundle(VIRELUNE_TEST_BUNDLE));
+    ASSERT_TRUE(composition_.useBus(bus.connection(), std::nullopt));
+    card = composition_.makeCard(virelune::principalClasses());
+    ASSERT_NE(card, nullptr);
+    card->window().setVisible(true);
+  }
+
+  template <class View>
+  std::vector<const View*> views() const {
+    std::vector<const View*> found;
+    collect(*card->window().contentView(), found);
+    return found;
+  }
+
+  std::vector<std::string> labels() const {
+    std::vector<std::string> texts;
+    for (const auto* label : views<virelune::VLTextLabel>()) {
+      texts.push_back(label->text().value_or(""));
+    }
+    return texts;
+  }
+
+  /// The text of the information panel.
+  std::string information() const {
+    for (const auto* button : views<platform::NSButton>()) {
+      if (button->attributedTitle() && !button->attributedTitle()->text.empty()) {
+        return button->attributedTitle()->text;
+      }
+    }
+    return {};
+  }
+
+  bool hasLabel(const std::string& text) const {
+    const auto texts = labels();
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+  }
+
+  bool hasHeight(double height) const { return card->size().height == height; }
+
+  const PrivateBus bus;
+  desktop::Card* card = nullptr;
+
+ private:
+  const TemporaryDataHome dataHome_;
+  desktop::Composition composition_;
+};
+
+TEST_F(CardOverPlayer, ShowsTheTagsOfTheFileAndThoseOfTheNextOne) {
+  const Mpv mpv(bus);
+  show();
+  EXPECT_TRUE(hasHeight(kTrackHeight));
+  EXPECT_TRUE(hasLabel("First Light"));
+  EXPECT_TRUE(hasLabel("The Tides — Harbour"));
+  EXPECT_THAT(labels(), Contains(testing::MatchesRegex("00:[0-9]{2} . 0:40")));
+  ASSERT_EQ(views<virelune::VLArtworkButton>().size(), 1U);
+  const auto cover = views<virelune::VLArtworkButton>().front()->image();
+  ASSERT_NE(cover, nullptr);
+  EXPECT_EQ(cover->size().width, 96);  // the folder's cover, not the placeholder
+
+  bus.playerctl({QStringLiteral("next")});
+  EXPECT_TRUE(waitUntil([&] { return hasLabel("夜の海"); }));
+  bus.playerctl({QStringLiteral("next")});
+  EXPECT_TRUE(waitUntil([&] { return hasLabel("Without an Album") && hasLabel("Solo"); }));
+}
+
+TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
+  auto mpv = std::make_unique<Mpv>(bus);
+  show();
+  ASSERT_TRUE(hasHeight(kTrackHeight));
+  bus.playerctl({QStringLiteral("stop")});
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+  const std::string stopped = information();
+  EXPECT_NE(stopped, "");
+
+  mpv->program().send(SIGTERM);
+  EXPECT_TRUE(waitUntil([&] { return information() != stopped; }));
+  EXPECT_NE(information(), "");
+
+  mpv = std::make_unique<Mpv>(bus);
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(kTrackHeight) && hasLabel("First Light"); }));
+}
+
+TEST_F(CardOverPlayer, AHangingPlayerLeavesTheCardAliveAndIsShownAgain) {
+  const Mpv mpv(bus);
+  show();
+  mpv.program().send(SIGSTOP);
+  QElapsedTimer timer;
+  timer.start();
+  card->update();
+  card->update();
+  EXPECT_LT(timer.elapsed(), 1000);
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+  mpv.program().send(SIGCONT);
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(kTrackHeight) && hasLabel("First Light"); }));
+}
+
+TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
+  const Mpv mpv(bus);
+  show();
+  card->setEditing(true);
+  EXPECT_FALSE(hasLabel("First Light"));
+  bus.playerctl({QStringLiteral("stop")});
+  ASSERT_TRUE(waitUntil(
+      [&] { return bus.playerctl({QStringLiteral("status")}) == QLatin1String("Stopped"); }));
+  card->update();
+  EXPECT_TRUE(hasHeight(kTrackHeight));
+  card->setEditing(false);
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+}
+
+/// The program on an X display of the test's own.
+class ProgramWindow : public testing::Test {
+ protected:
+  ProgramWindow()
+      : display_(QStringLiteral("Xvfb"),
+                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                  QStringLiteral("0"), QStringLiteral("800x600x24")}),
+        environment_(bus.environment()) {
+    environment_[QStringLiteral("DISPLAY")] = QLatin1Char(':') + display_.readLine();
+    environment_[QStringLiteral("QT_QPA_PLATFORM")] = QStringLiteral("xcb");
+    environment_[QStringLiteral("HOME")] = QString::fromStdString(home_.path().string());
+  }
+
+  void open() {
+    program_ = std::make_unique<Program>(QStringLiteral(VIRELUNE_PROGRAM),
+                                         QStringList{QStringLiteral("--scale=1")}, environment_);
+    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--sync"),
+                                   QStringLiteral("--onlyvisible"), QStringLiteral("--class"),
+                                   QStringLiteral("virelune-widget")});
+    window_ = found.section(QLatin1Char('\n'), -1);
+    ASSERT_FALSE(window_.isEmpty());
+  }
+
+  QString xdotool(const QStringList& arguments) const {
+    return outputOf(QStringLiteral("xdotool"), arguments, environment_);
+  }
+
+  /// Clicks at a point of the track panel, y upwards from the window's lower edge.
+  void click(double x, double y) const {
+    xdotool({QStringLiteral("mousemove"), QStringLiteral("--window"), window_, QString::number(x),
+             QString::number(height() - y), QStringLiteral("click"), QStringLiteral("1")});
+  }
+
+  double height() const {
+    const QString geometry = xdotool(
+        {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window_});
+    return QRegularExpression(QStringLiteral("HEIGHT=(\\d+)")).match(geometry).captured(1).toDouble();
+  }
+
+  bool waitForWitness(const char* question, const std::function<bool(const QString&)>& expected) {
+    return waitUntil([&] { return expected(bus.playerctl(
+        QString::fromLatin1(question).split(QLatin1Char(' ')))); });
+  }
+
+  const PrivateBus bus;
+
+ private:
+  const TemporaryFolder home_;
+  Program display_;
+  Environment environment_;
+  std::unique_ptr<Program> program_;
+  QString window_;
+};
+
+TEST_F(ProgramWindow, ClicksCommandThePlayerAndTheCardFollowsIt) {
+  const Mpv mpv(bus);
+  open();
+  ASSERT_TRUE(waitUntil([&] { return height() == kTrackHeight; }));
+
+  click(280, 35);  // play and pause
+  EXPECT_TRUE(waitForWitness("status", [](auto& status) { return status == "Paused"; }));
+  click(300, 35);  // next
+  EXPECT_TRUE(waitForWitness("metadata title", [](auto& title) { return title == "夜の海"; }));
+  click(260, 35);  // previous
+  EXPECT_TRUE(waitForWitness("metadata title", [](auto& title) { return title == "First Light"; }));
+  click(240, 1);  // three quarters along the bar
+  EXPECT_TRUE(waitForWitness("position", [](auto& position) {
+    return std::abs(position.toDouble() - Media::kSeconds * 0.75) < 1;
+  }));
+  click(280, 35);
+  EXPECT_TRUE(waitForWitness("status", [](auto& status) { return status == "Playing"; }));
+
+  bus.playerctl({QStringLiteral("stop")});
+  EXPECT_TRUE(waitUntil([&] { return height() == kInformationHeight; }));
+  click(285, kInformationHeight - 12);  // the edit toggle
+  EXPECT_TRUE(waitUntil([&] { return height() == kTrackHeight; }));
+  click(285, kTrackHeight - 12);
+  EXPECT_TRUE(waitUntil([&] { return height() == kInformationHeight; }));
+}
+
+}  // namespace
+}  // namespace tests

@@ -1,0 +1,98 @@
+#include "tests/integration/processes.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QProcessEnvironment>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusConnectionInterface>
+#include <stdexcept>
+
+namespace tests {
+
+namespace {
+
+QProcessEnvironment processEnvironment(const Environment& additions) {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const auto& [name, value] : additions) environment.insert(name, value);
+  return environment;
+}
+
+QString nextConnectionName() {
+  static int count = 0;
+  return QStringLiteral("test-bus-%1").arg(++count);
+}
+
+}  // namespace
+
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds patience) {
+  QElapsedTimer timer;
+  timer.start();
+  QEventLoop loop;
+  QTimer tick;
+  QObject::connect(&tick, &QTimer::timeout, &loop, &QEventLoop::quit);
+  tick.start(std::chrono::milliseconds(10));
+  while (!condition()) {
+    if (timer.hasExpired(patience.count())) return false;
+    loop.exec();
+  }
+  return true;
+}
+
+Program::Program(const QString& name, const QStringList& arguments,
+                 const Environment& environment) {
+  process_.setProcessEnvironment(processEnvironment(environment));
+  process_.setStandardErrorFile(QProcess::nullDevice());
+  process_.start(name, arguments);
+  if (!process_.waitForStarted()) throw std::runtime_error("cannot start " + name.toStdString());
+}
+
+Program::~Program() { kill(); }
+
+void Program::send(int signal) const { ::kill(static_cast<pid_t>(process_.processId()), signal); }
+
+void Program::kill() {
+  if (!isRunning()) return;
+  process_.kill();
+  process_.waitForFinished();
+}
+
+QString Program::readLine() {
+  while (!process_.canReadLine() && process_.waitForReadyRead()) {
+  }
+  return QString::fromUtf8(process_.readLine()).trimmed();
+}
+
+QString outputOf(const QString& name, const QStringList& arguments,
+                 const Environment& environment) {
+  QProcess process;
+  process.setProcessEnvironment(processEnvironment(environment));
+  process.start(name, arguments);
+  process.waitForFinished();
+  return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+PrivateBus::PrivateBus()
+    : daemon_(QStringLiteral("dbus-daemon"),
+              {QStringLiteral("--session"), QStringLiteral("--print-address"),
+               QStringLiteral("--nofork"), QStringLiteral("--nopidfile")}),
+      address_(daemon_.readLine()),
+      connectionName_(nextConnectionName()),
+      connection_(QDBusConnection::connectToBus(address_, connectionName_)) {
+  if (!connection_.isConnected()) throw std::runtime_error("cannot connect to the test's bus");
+}
+
+PrivateBus::~PrivateBus() { QDBusConnection::disconnectFromBus(connectionName_); }
+
+Environment PrivateBus::environment() const {
+  return {{QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address_}};
+}
+
+QString PrivateBus::playerctl(const QStringList& arguments) const {
+  return outputOf(QStringLiteral("playerctl"), arguments, environment());
+}
+
+bool PrivateBus::hasName(const QString& name) const {
+  return connection_.interface()->isServiceRegistered(name).value();
+}
+
+}  // namespace tests

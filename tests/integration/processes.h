@@ -1,0 +1,68 @@
+// Real programs around the tests. Each is started by the object that stands for it and ends with
+// it.
+#pragma once
+
+#include <QtCore/QProcess>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtDBus/QDBusConnection>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace tests {
+
+using Environment = std::map<QString, QString>;
+
+/// Turns Qt's event loop until the condition holds; false when it does not within the time.
+bool waitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds patience = std::chrono::seconds(10));
+
+/// A running program; killed at the latest with this object.
+class Program {
+ public:
+  Program(const QString& name, const QStringList& arguments, const Environment& environment = {});
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  void send(int signal) const;
+  void kill();  ///< and waits for its end
+  bool isRunning() const { return process_.state() == QProcess::Running; }
+  /// Its next line on standard output, without the line's end; empty when none comes.
+  QString readLine();
+
+ private:
+  QProcess process_;
+};
+
+/// What a program that ends by itself writes to standard output, without the last line's end.
+QString outputOf(const QString& name, const QStringList& arguments,
+                 const Environment& environment = {});
+
+/// A message bus of the test's own, and the test's connection to it.
+class PrivateBus {
+ public:
+  PrivateBus();
+  ~PrivateBus();
+  PrivateBus(const PrivateBus&) = delete;
+  PrivateBus& operator=(const PrivateBus&) = delete;
+
+  const QString& address() const { return address_; }
+  const QDBusConnection& connection() const { return connection_; }
+  /// What a program needs to find this bus.
+  Environment environment() const;
+  /// What playerctl says when asked, an independent witness of the player's state.
+  QString playerctl(const QStringList& arguments) const;
+  bool hasName(const QString& name) const;
+
+ private:
+  Program daemon_;
+  const QString address_;
+  const QString connectionName_;
+  const QDBusConnection connection_;
+};
+
+}  // namespace tests
