@@ -30,7 +30,7 @@ bool VLArtworkButton::acceptsFirstMouse(const NSEvent*) { return true; }
 
 void VLArtworkButton::mouseDown(const NSEvent*) {}
 
-void VLArtworkButton::mouseDragged(const NSEvent*) {}
+void VLArtworkButton::mouseDragged(const NSEvent* event) { beginDraggingSessionWithEvent(event); }
 
 void VLArtworkButton::mouseUp(const NSEvent* event) {
   if (event == nullptr) return;

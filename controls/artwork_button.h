@@ -1,4 +1,5 @@
-// The button that shows the track's artwork, and finds a cover for an album that has none.
+// The button that shows the track's artwork, lets it be dragged out, and finds a cover for an album
+// that has none.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +8,11 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/button.h"
 #include "platform/data.h"
+#include "platform/drag.h"
 #include "platform/url_session.h"
 #include "platform/value.h"
 
@@ -17,7 +20,9 @@ namespace virelune {
 
 /// Shows the artwork; a click is its owner's business. A look-up asks the store's search service
 /// for the album, then for its cover; each image shown and each look-up ends the one before.
-class VLArtworkButton : public platform::NSButton {
+class VLArtworkButton : public platform::NSButton,
+                        public platform::NSDraggingSource,
+                        public platform::NSPasteboardItemDataProvider {
  public:
   using NSButton::NSButton;
   ~VLArtworkButton() override;
@@ -32,12 +37,41 @@ class VLArtworkButton : public platform::NSButton {
                                                const std::optional<std::string>& album,
                                                bool download);
 
-  // Clicks. The release inside the bounds clicks; a press is not highlighted.
+  // Clicks. The release inside the bounds clicks; a press is not highlighted, and any movement
+  // while it lasts turns it into a drag.
 
   bool acceptsFirstMouse(const platform::NSEvent* event) override;
   void mouseDown(const platform::NSEvent* event) override;
   void mouseDragged(const platform::NSEvent* event) override;
   void mouseUp(const platform::NSEvent* event) override;
+
+  // Dragging out. Nothing is encoded or written before a receiver asks for it, and then what is
+  // shown at that moment. Main thread.
+
+  /// The types offered, the preferred one first: PNG bytes, then the address of a promised file.
+  std::vector<std::string> draggingTypes() const;
+  /// Begins to drag the image; false without one and when the desktop takes no drag.
+  bool beginDraggingSessionWithEvent(const platform::NSEvent* event);
+  /// Answers copy, wherever the drag goes.
+  platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
+      platform::NSDraggingSession* session, platform::NSDraggingContext context) override;
+  std::optional<std::string> draggingSession_fileNameForPromise(
+      platform::NSDraggingSession* session) override;
+  /// Puts the PNG bytes, or the address of the file written into the drop's folder, on the item.
+  void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
+                                          platform::NSPasteboardItem* item,
+                                          const std::string& type) override;
+  /// The image shown, in full size and at the highest quality; none when there is none or it
+  /// cannot be encoded.
+  std::optional<platform::Data> imageDataForType(platform::NSBitmapImageFileType type) const;
+  /// The name of a file of this moment, without extension: "2016-03-05 14-07-09", local time.
+  std::optional<std::string> imageName() const;
+  /// The path of a file of this moment in a folder; none when that is no folder.
+  std::optional<std::string> imagePathForDirectory_withType(
+      const std::string& directory, platform::NSBitmapImageFileType type) const;
+  /// Writes the image as JPEG into a folder, as a whole or not at all, and replaces a file of the
+  /// same name. Answers the path, also when the writing failed; none without image or folder.
+  std::optional<std::string> saveImageInDirectory(const std::string& directory) const;
 
   // Look-up. Searching, then loading the image, then idle. The requests complete on the URL
   // session's thread; the image is shown on the main thread.

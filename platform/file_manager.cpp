@@ -1,12 +1,40 @@
 #include "platform/file_manager.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 namespace fs = std::filesystem;
 
 namespace platform {
+
+namespace {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Makes a hidden file beside the one that it is to replace, with the permissions that new files
+/// get. Null, with errno telling why, when that cannot be done.
+File makeFileBeside(const fs::path& path, std::string& temporary) {
+  constexpr int attempts = 100;
+  const std::string stem = (path.parent_path() / ("." + path.filename().string())).string() + "." +
+                           std::to_string(::getpid()) + ".";
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    temporary = stem + std::to_string(attempt);
+    File file(std::fopen(temporary.c_str(), "wxe"));
+    if (file || errno != EEXIST) return file;
+  }
+  return nullptr;
+}
+
+}  // namespace
 
 std::optional<std::string> userDataFolder() {
   const char* data = std::getenv("XDG_DATA_HOME");
@@ -58,6 +86,21 @@ bool createDirectoryAtURL(const URL& url) {
   std::error_code error;
   fs::create_directories(*path, error);
   return !error && fs::is_directory(*path, error);
+}
+
+bool writeToFileAtomically(const std::string& path, std::string_view contents) {
+  std::string temporary;
+  File file = makeFileBeside(path, temporary);
+  if (!file) return false;
+  const bool isWritten =
+      std::fwrite(contents.data(), 1, contents.size(), file.get()) == contents.size() &&
+      std::fflush(file.get()) == 0 && ::fsync(::fileno(file.get())) == 0 &&
+      ::rename(temporary.c_str(), path.c_str()) == 0;
+  if (isWritten) return true;
+  const int error = errno;
+  ::unlink(temporary.c_str());
+  errno = error;
+  return false;
 }
 
 }  // namespace platform

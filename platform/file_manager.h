@@ -1,8 +1,10 @@
-// Folders: where the user's data lies, what a folder holds, making folders.
+// Folders and files: where the user's data lies, what a folder holds, making folders, writing
+// files as a whole.
 #pragma once
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/url.h"
@@ -28,5 +30,9 @@ bool checkResourceIsReachable(const URL& url);
 
 /// Makes a folder and those above it that are missing; false when it is not there afterwards.
 bool createDirectoryAtURL(const URL& url);
+
+/// Puts a file with these contents in place, on the disk and all at once; a file of the same name
+/// is replaced. False, with errno telling why and nothing left behind, when it cannot be done.
+bool writeToFileAtomically(const std::string& path, std::string_view contents);
 
 }  // namespace platform

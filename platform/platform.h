@@ -3,6 +3,7 @@
 
 #include "platform/bundle.h"
 #include "platform/dispatch.h"
+#include "platform/drag.h"
 #include "platform/event.h"
 #include "platform/graphics.h"
 #include "platform/http.h"
@@ -22,6 +23,7 @@ struct Platform {
   HTTPTransport* http = nullptr;
   Graphics* graphics = nullptr;
   NSBundle* mainBundle = nullptr;
+  DragBackend* drag = nullptr;
   DispatchQueue* globalQueue = nullptr;  ///< for work that would block the main thread
 
   NSApplication application;

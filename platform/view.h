@@ -13,6 +13,9 @@
 namespace platform {
 
 class Canvas;
+class NSDraggingItem;
+class NSDraggingSession;
+class NSDraggingSource;
 class NSViewController;
 class NSWindow;
 
@@ -70,7 +73,15 @@ class NSView : public NSObject {
   virtual void mouseDown(const NSEvent* event);
   virtual void mouseDragged(const NSEvent* event);
   virtual void mouseUp(const NSEvent* event);
+  /// Hook: the press that went to this view sees no release.
+  virtual void mouseCancelled();
   virtual void keyDown(const NSEvent* event);
+
+  /// Turns the press that the event belongs to into a drag; the press ends, without a release for
+  /// the view. Null, with nothing changed, when no drag can begin.
+  std::shared_ptr<NSDraggingSession> beginDraggingSessionWithItems_event_source(
+      std::vector<std::shared_ptr<NSDraggingItem>> items, const NSEvent* event,
+      std::shared_ptr<NSDraggingSource> source);
 
   // Full screen
   bool isInFullScreenMode() const { return inFullScreenMode_; }
