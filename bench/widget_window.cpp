@@ -1,0 +1,191 @@
+// The widget as the program composes it, measured from the inside.
+//
+//   widget-window start            first frame and peak memory, with the player on the bus
+//   widget-window idle SECONDS     processor time while shown and playing, with the demo player
+//   widget-window refresh COUNT    full refreshes on the demo player
+//   widget-window signals COUNT    from a player's signal to the finished repaint
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusInterface>
+#include <QtDBus/QDBusMessage>
+#include <QtGui/QGuiApplication>
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+#include <vector>
+
+#include "bench/measured_process.h"
+#include "desktop/card_window.h"
+#include "desktop/composition.h"
+#include "widget/widget_entry.h"
+
+namespace {
+
+using Milliseconds = double;
+
+Milliseconds percentile(std::vector<Milliseconds> values, double fraction) {
+  if (values.empty()) return 0;
+  std::sort(values.begin(), values.end());
+  const auto index = static_cast<std::size_t>(fraction * static_cast<double>(values.size() - 1));
+  return values[index];
+}
+
+Milliseconds since(std::int64_t started) {
+  return static_cast<double>(bench::nowNanoseconds() - started) / 1e6;
+}
+
+void refresh() {
+  platform::current().distributedCenter.postNotification(
+      platform::NSNotification(desktop::kPlayerInfoNotification));
+}
+
+int start(desktop::CardWindow& window) {
+  double firstFrame = -1;
+  window.setPaintObserver([&](const QRegion&) {
+    if (firstFrame >= 0) return;
+    firstFrame = bench::millisecondsSinceStart();
+    constexpr int settling = 1000;  // milliseconds until the peak of memory is behind
+    QTimer::singleShot(settling, [&] {
+      std::printf("first-frame %.3f peak %ld\n", firstFrame, bench::peakMemory());
+      QCoreApplication::quit();
+    });
+  });
+  window.open();
+  return QGuiApplication::exec();
+}
+
+int idle(desktop::CardWindow& window, int seconds) {
+  int paints = 0;
+  int largePaints = 0;
+  double before = 0;
+  bool counting = false;
+  window.setPaintObserver([&](const QRegion& region) {
+    if (!counting) return;
+    ++paints;
+    // A heartbeat touches the bar, 320 × 7, and the time label, 80 × 15.
+    constexpr int largest = 320 * 7 + 80 * 15;
+    int area = 0;
+    for (const QRect& rect : region) area += rect.width() * rect.height();
+    if (area > largest) ++largePaints;
+  });
+  constexpr int settling = 2000;  // milliseconds
+  QTimer::singleShot(settling, [&] {
+    counting = true;
+    before = bench::processorTime();
+  });
+  QTimer::singleShot(settling + seconds * 1000, [&] {
+    const double used = bench::processorTime() - before;
+    std::printf("processor %.4f %% of one core over %d s, %d repaints, %d beyond bar and time\n",
+                100 * used / seconds, seconds, paints, largePaints);
+    QCoreApplication::quit();
+  });
+  window.open();
+  return QGuiApplication::exec();
+}
+
+int refreshes(desktop::CardWindow& window, demo::DemoPlayer& player, int count) {
+  window.open();
+  QTimer::singleShot(500, [&] {
+    std::vector<Milliseconds> times;
+    player.clearLog();
+    for (int i = 0; i < count; ++i) {
+      const std::int64_t started = bench::nowNanoseconds();
+      refresh();
+      times.push_back(since(started));
+    }
+    std::printf("full refresh, simulated player: median %.4f ms, 95 %% %.4f ms, %.1f requests\n",
+                percentile(times, 0.5), percentile(times, 0.95),
+                static_cast<double>(player.requestCount()) / count);
+    QCoreApplication::quit();
+  });
+  return QGuiApplication::exec();
+}
+
+/// Makes the player jump now and then, and measures what its signal sets off.
+class Signals final : public QObject {
+  Q_OBJECT
+
+ public:
+  Signals(desktop::CardWindow& window, int count) : window_(window), left_(count) {}
+
+  int run() {
+    auto bus = QDBusConnection::sessionBus();
+    const QString path = QStringLiteral("/org/mpris/MediaPlayer2");
+    const QString interface = QStringLiteral("org.mpris.MediaPlayer2.Player");
+    bus.connect({}, path, interface, QStringLiteral("Seeked"), this, SLOT(seeked()));
+    window_.setPaintObserver([this](const QRegion&) {
+      if (signalled_ == 0) return;
+      repaints_.push_back(since(signalled_));
+      signalled_ = 0;
+      QTimer::singleShot(100, this, &Signals::next);
+    });
+    window_.open();
+    QTimer::singleShot(1000, this, &Signals::next);
+    return QGuiApplication::exec();
+  }
+
+ private slots:
+  void seeked() {
+    if (signalled_ != 0) return;
+    signalled_ = bench::nowNanoseconds();
+  }
+
+ private:
+  void next() {
+    if (left_-- <= 0) {
+      std::printf("signal to finished repaint: median %.3f ms, 95 %% %.3f ms\n",
+                  percentile(repaints_, 0.5), percentile(repaints_, 0.95));
+      std::printf("full refresh, player on the bus: median %.3f ms\n", percentile(refreshes_, 0.5));
+      QCoreApplication::quit();
+      return;
+    }
+    // A command makes the bridge forget what it knew, so this refresh asks the player anew.
+    auto* scripting = platform::current().scripting;
+    scripting->send({.bundleIdentifier = desktop::kPlayerBundleIdentifier,
+                     .kind = platform::ScriptingRequest::Kind::set,
+                     .path = {{platform::code("pPos"), std::nullopt}},
+                     .value = 10.0 + left_});
+    const std::int64_t started = bench::nowNanoseconds();
+    refresh();
+    refreshes_.push_back(since(started));
+    signalled_ = 0;
+  }
+
+  desktop::CardWindow& window_;
+  int left_;
+  std::int64_t signalled_ = 0;
+  std::vector<Milliseconds> repaints_;
+  std::vector<Milliseconds> refreshes_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string_view what = argc > 1 ? argv[1] : "";
+  const int number = argc > 2 ? std::atoi(argv[2]) : 0;
+  const QGuiApplication application(argc, argv);
+  desktop::Composition composition;
+  if (!composition.openBundle(VIRELUNE_BENCH_BUNDLE)) return EXIT_FAILURE;
+  composition.useNetwork();
+  const bool usesBus = what == "start" || what == "signals";
+  demo::DemoPlayer* player = nullptr;
+  if (usesBus) {
+    if (!composition.useBus(QDBusConnection::sessionBus(), std::nullopt)) {
+      std::fprintf(stderr, "widget-window: no player is on the bus\n");
+      return EXIT_FAILURE;
+    }
+  } else {
+    player = &composition.useDemo();
+    player->launch(demo::kPlaying);
+  }
+  desktop::Card* card = composition.makeCard(virelune::principalClasses());
+  if (card == nullptr) return EXIT_FAILURE;
+  desktop::CardWindow window(*card, composition.graphics(), QStringLiteral("bench"), false);
+  if (what == "start") return start(window);
+  if (what == "idle") return idle(window, number);
+  if (what == "refresh") return refreshes(window, *player, number);
+  if (what == "signals") return Signals(window, number).run();
+  std::fprintf(stderr, "widget-window: start, idle, refresh or signals\n");
+  return EXIT_FAILURE;
+}
+
+#include "widget_window.moc"
