@@ -67,7 +67,9 @@ Color mountains(double x, double y) {
   const std::array<Color, 4> ranges = {rgb(0x9fb4c2), rgb(0x6a8aa3), rgb(0x3b5f7d), rgb(0x18324a)};
   for (std::size_t i = 0; i < ranges.size(); ++i) {
     const auto step = static_cast<double>(i);
-    const double ridge = 0.46 + 0.135 * step - 0.09 * std::sin(x * (5.2 + step) + step * 2.1) -
+    const double height = 0.46 + 0.135 * step;
+    if (y < height - 0.15) break;  // above the highest peak of this range and those before it
+    const double ridge = height - 0.09 * std::sin(x * (5.2 + step) + step * 2.1) -
                          0.035 * std::sin(x * (17 + 3 * step) + step) -
                          0.012 * std::abs(std::sin(x * (41 + 7 * step)));
     color = mix(color, mix(ranges[i], rgb(0xf7e3c8), (y - ridge) * 0.9), inside(ridge - y));
@@ -108,7 +110,9 @@ Color waves(double x, double y) {
   Color color = mix(rgb(0xfdf3dc), rgb(0xf9c99a), y * 2.2);
   color = mix(color, rgb(0xf0684c), inside(std::hypot(x - 0.3, y - 0.27) - 0.12));
   for (int i = 0; i < 7; ++i) {
-    const double crest = 0.36 + 0.095 * i + 0.028 * std::sin(x * (7 + i % 3) + i * 1.9);
+    const double level = 0.36 + 0.095 * i;
+    if (y < level - 0.04) break;  // above this wave and those before it
+    const double crest = level + 0.028 * std::sin(x * (7 + i % 3) + i * 1.9);
     const Color water = mix(rgb(0x8fd3d1), rgb(0x0c2f55), i / 6.0);
     color = mix(color, mix(mix(water, rgb(0xffffff), 0.35), water, (y - crest) * 22),
                 inside(crest - y));
@@ -151,7 +155,7 @@ Bytes rowsOf(CoverDesign design) {
     for (std::uint32_t column = 0; column < kSide; ++column) {
       const Color color = colorAt(design, (column + 0.5) / kSide, (row + 0.5) / kSide);
       for (const double part : {color.red, color.green, color.blue}) {
-        rows.push_back(static_cast<std::uint8_t>(std::clamp(std::lround(part), 0L, 255L)));
+        rows.push_back(static_cast<std::uint8_t>(std::clamp(part, 0.0, 255.0) + 0.5));
       }
     }
   }
@@ -175,10 +179,17 @@ Bytes zlibStream(std::span<const std::uint8_t> bytes) {
   }
   std::uint32_t a = 1;
   std::uint32_t b = 0;
-  for (const std::uint8_t byte : bytes) {
-    a = (a + byte) % 65521;
-    b = (b + a) % 65521;
+  constexpr std::size_t kSafeRun = 5552;  // so many bytes cannot overflow the sums
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    a += bytes[i];
+    b += a;
+    if ((i + 1) % kSafeRun == 0) {
+      a %= 65521;
+      b %= 65521;
+    }
   }
+  a %= 65521;
+  b %= 65521;
   append32(stream, b << 16 | a);
   return stream;
 }
