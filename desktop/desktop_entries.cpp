@@ -114,8 +114,8 @@ void forEachEntryFile(Visit visit) {
   for (const fs::path& data : dataFolders()) {
     const fs::path applications = data / "applications";
     std::error_code error;
-    fs::recursive_directory_iterator files(
-        applications, fs::directory_options::skip_permission_denied, error);
+    fs::recursive_directory_iterator files(applications,
+                                           fs::directory_options::skip_permission_denied, error);
     std::vector<fs::path> found;
     for (; !error && files != fs::recursive_directory_iterator(); files.increment(error)) {
       if (files->path().extension() == ".desktop") found.push_back(files->path());

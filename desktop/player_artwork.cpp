@@ -46,8 +46,8 @@ Data dataFrom(const QByteArray& bytes) {
 Data decodedDataAddress(const QString& address) {
   const qsizetype comma = address.indexOf(QLatin1Char(','));
   if (comma < 0 || static_cast<std::size_t>(address.size()) > kMaximumLength / 3 * 4) return {};
-  const QByteArray content = QByteArray::fromPercentEncoding(
-      QStringView(address).mid(comma + 1).toLatin1());
+  const QByteArray content =
+      QByteArray::fromPercentEncoding(QStringView(address).mid(comma + 1).toLatin1());
   const bool isBase64 =
       QStringView(address).left(comma).endsWith(QLatin1String(";base64"), Qt::CaseInsensitive);
   return dataFrom(isBase64 ? QByteArray::fromBase64(content) : content);
@@ -157,16 +157,16 @@ void PlayerArtwork::startTransfer(Entry& entry) {
   if (entry.missingSince && runLoop->now() - *entry.missingSince < kRetryAfter) return;
   const std::weak_ptr<PlayerArtwork*> weak = self_;
   const std::uint64_t number = entry.transferNumber = ++transferCount_;
-  entry.transfer = http->start(
-      {.url = QUrl(entry.address).toEncoded().toStdString(),
-       .headers = {},
-       .timeout = kTransferTimeout,
-       .maximumLength = kMaximumLength},
-      [weak, runLoop, number](platform::HTTPResult result) {
-        runLoop->dispatchAsync([weak, number, result = std::move(result)] {
-          if (const auto self = weak.lock()) (*self)->completeTransfer(number, result);
-        });
-      });
+  entry.transfer = http->start({.url = QUrl(entry.address).toEncoded().toStdString(),
+                                .headers = {},
+                                .timeout = kTransferTimeout,
+                                .maximumLength = kMaximumLength},
+                               [weak, runLoop, number](platform::HTTPResult result) {
+                                 runLoop->dispatchAsync([weak, number, result = std::move(result)] {
+                                   if (const auto self = weak.lock())
+                                     (*self)->completeTransfer(number, result);
+                                 });
+                               });
 }
 
 void PlayerArtwork::completeTransfer(std::uint64_t number, const platform::HTTPResult& result) {

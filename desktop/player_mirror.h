@@ -100,7 +100,7 @@ class PlayerMirror final : public QObject {
 
   std::shared_ptr<const PlayerSnapshot> snapshot_;
   QElapsedTimer snapshotAge_;
-  double position_ = 0;  ///< seconds
+  double position_ = 0;           ///< seconds
   bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
   bool isPrompt_ = false;         ///< answers fast enough to be waited for
 

@@ -19,9 +19,7 @@ QDBusMessage busCall(const char* member) {
       QStringLiteral("org.freedesktop.DBus"), QLatin1String(member));
 }
 
-bool isEqual(const QString& a, const QString& b) {
-  return a.compare(b, Qt::CaseInsensitive) == 0;
-}
+bool isEqual(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
 
 }  // namespace
 

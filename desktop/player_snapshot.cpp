@@ -143,8 +143,8 @@ std::string lengthText(double seconds) {
   };
   const long long hours = whole / 3600;
   const long long minutes = whole / 60 % 60;
-  const std::string start = hours > 0 ? std::to_string(hours) + ":" + twoDigits(minutes)
-                                      : std::to_string(minutes);
+  const std::string start =
+      hours > 0 ? std::to_string(hours) + ":" + twoDigits(minutes) : std::to_string(minutes);
   return start + ":" + twoDigits(whole % 60);
 }
 

@@ -52,8 +52,8 @@ qint64 microsecondsFromSeconds(double seconds);
 std::string lengthText(double seconds);
 
 /// Three short helpers for values in whatever wrapping a player sends them.
-QString textFromVariant(const QVariant& value);           ///< lists are joined with ", "
+QString textFromVariant(const QVariant& value);                  ///< lists are joined with ", "
 std::optional<double> numberFromVariant(const QVariant& value);  ///< finite numbers only
-QVariantMap mapFromVariant(const QVariant& value);        ///< empty for anything but a{sv}
+QVariantMap mapFromVariant(const QVariant& value);               ///< empty for anything but a{sv}
 
 }  // namespace desktop

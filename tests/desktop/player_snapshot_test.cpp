@@ -49,9 +49,15 @@ TEST(PlayerSnapshot, OnlyFiniteNumbersAreNumbers) {
 }
 
 TEST(PlayerSnapshot, LengthTextHasHoursOnlyWhenThereAreAny) {
-  const std::pair<double, const char*> cases[] = {
-      {0, ""},        {-3, ""},           {0.4, "0:00"},         {59.9, "0:59"}, {65, "1:05"},
-      {3599, "59:59"}, {3600, "1:00:00"}, {36'061, "10:01:01"}, {std::numeric_limits<double>::quiet_NaN(), ""}};
+  const std::pair<double, const char*> cases[] = {{0, ""},
+                                                  {-3, ""},
+                                                  {0.4, "0:00"},
+                                                  {59.9, "0:59"},
+                                                  {65, "1:05"},
+                                                  {3599, "59:59"},
+                                                  {3600, "1:00:00"},
+                                                  {36'061, "10:01:01"},
+                                                  {std::numeric_limits<double>::quiet_NaN(), ""}};
   for (const auto& [seconds, expected] : cases) EXPECT_EQ(lengthText(seconds), expected) << seconds;
 }
 

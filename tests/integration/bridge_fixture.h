@@ -52,10 +52,11 @@ class BridgeFixture : public testing::Test {
   }
 
   static std::string state() {
-    return platform::textFromCode(
-        app()->propertyWithCode(platform::code("pPlS"))->enumCodeValue());
+    return platform::textFromCode(app()->propertyWithCode(platform::code("pPlS"))->enumCodeValue());
   }
-  static double position() { return app()->propertyWithCode(platform::code("pPos"))->doubleValue(); }
+  static double position() {
+    return app()->propertyWithCode(platform::code("pPos"))->doubleValue();
+  }
   static std::shared_ptr<platform::SBObject> track() {
     return app()->propertyWithCode(platform::code("pTrk"));
   }

@@ -179,14 +179,18 @@ class ProgramWindow : public testing::Test {
   }
 
   double height() const {
-    const QString geometry = xdotool(
-        {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window_});
-    return QRegularExpression(QStringLiteral("HEIGHT=(\\d+)")).match(geometry).captured(1).toDouble();
+    const QString geometry =
+        xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window_});
+    return QRegularExpression(QStringLiteral("HEIGHT=(\\d+)"))
+        .match(geometry)
+        .captured(1)
+        .toDouble();
   }
 
   bool waitForWitness(const char* question, const std::function<bool(const QString&)>& expected) {
-    return waitUntil([&] { return expected(bus.playerctl(
-        QString::fromLatin1(question).split(QLatin1Char(' ')))); });
+    return waitUntil([&] {
+      return expected(bus.playerctl(QString::fromLatin1(question).split(QLatin1Char(' '))));
+    });
   }
 
   const PrivateBus bus;

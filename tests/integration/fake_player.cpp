@@ -42,8 +42,8 @@ FakePlayer::~FakePlayer() {
 }
 
 void FakePlayer::signalChange(const QVariantMap& changed) {
-  QDBusMessage signal = QDBusMessage::createSignal(kPath, kPropertiesInterface,
-                                                   QStringLiteral("PropertiesChanged"));
+  QDBusMessage signal =
+      QDBusMessage::createSignal(kPath, kPropertiesInterface, QStringLiteral("PropertiesChanged"));
   signal << kPlayerInterface << changed << QStringList();
   connection_.send(signal);
 }
@@ -83,9 +83,9 @@ QDBusMessage FakePlayer::Object::answer(const QDBusMessage& message) {
     return message.createReply(QVariant::fromValue(QDBusVariant(*found)));
   }
   if (message.member() == QLatin1String("Introspect")) {
-    return message.createReply(QStringLiteral(
-        "<node><interface name='org.mpris.MediaPlayer2.Player'>"
-        "<property name='Rating' type='d' access='readwrite'/></interface></node>"));
+    return message.createReply(
+        QStringLiteral("<node><interface name='org.mpris.MediaPlayer2.Player'>"
+                       "<property name='Rating' type='d' access='readwrite'/></interface></node>"));
   }
   QStringList words = {message.member()};
   for (const QVariant& argument : arguments) words << textOf(argument);

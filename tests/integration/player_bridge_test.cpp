@@ -80,10 +80,9 @@ TEST_F(PlayerBridge, FollowsThePlayersStopEndAndReturn) {
 
 TEST_F(PlayerBridge, FollowsTheNamedPlayerElseTheOneThatPlays) {
   const auto player = [](const char* status, const char* title) {
-    return QVariantMap{
-        {QStringLiteral("PlaybackStatus"), QLatin1String(status)},
-        {QStringLiteral("Metadata"),
-         QVariantMap{{QStringLiteral("xesam:title"), QLatin1String(title)}}}};
+    return QVariantMap{{QStringLiteral("PlaybackStatus"), QLatin1String(status)},
+                       {QStringLiteral("Metadata"),
+                        QVariantMap{{QStringLiteral("xesam:title"), QLatin1String(title)}}}};
   };
   FakePlayer first(bus, QStringLiteral("first"), player("Paused", "one"));
   FakePlayer second(bus, QStringLiteral("second.instance7"), player("Playing", "two"));
@@ -102,7 +101,8 @@ TEST_F(PlayerBridge, FollowsTheNamedPlayerElseTheOneThatPlays) {
   first.setProperties(player("Playing", "one"));
   first.signalChange(player("Playing", "one"));
   second.setProperties(player("Paused", "two"));
-  EXPECT_TRUE(waitUntil([&] { return announced->changes > 0 || trackText(code("pnam")) == "two"; }));
+  EXPECT_TRUE(
+      waitUntil([&] { return announced->changes > 0 || trackText(code("pnam")) == "two"; }));
   second.signalChange(player("Paused", "two"));
   EXPECT_TRUE(waitUntil([&] { return trackText(code("pnam")) == "one"; }));
   // It leaves: the last one is still there, and nothing has terminated.

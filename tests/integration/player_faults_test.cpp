@@ -74,8 +74,8 @@ TEST_F(PlayerFaults, AHangingPlayerIsGivenUpOnAndCountsAgainWhenItAnswers) {
   EXPECT_TRUE(waitUntil([&] { return announced->changes > changes; }));
   EXPECT_EQ(trackText(code("pnam")), "First Light");
   const QString status = bus.playerctl({QStringLiteral("status")});
-  EXPECT_TRUE(waitUntil(
-      [&] { return state() == (status == QLatin1String("Paused") ? "kPSp" : "kPSP"); }));
+  EXPECT_TRUE(
+      waitUntil([&] { return state() == (status == QLatin1String("Paused") ? "kPSp" : "kPSP"); }));
 }
 
 TEST_F(PlayerFaults, AKilledPlayerIsGoneAndTheNextOneIsFollowed) {
