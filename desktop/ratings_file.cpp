@@ -24,18 +24,19 @@ constexpr auto waitingPeriod = std::chrono::seconds(5);
 constexpr auto longestWait = std::chrono::milliseconds(500);
 constexpr auto waitingStep = std::chrono::milliseconds(5);
 
-// Marks lie apart from the names they belong to, so that reading them touches few pages however
-// many there are. The names are for people and for exports, from which keys are made again.
+// Marks lie apart from the names they belong to, and under a digest of the key, so that reading
+// them touches few pages however many there are. The names are for people and for exports, from
+// which keys are made again.
 constexpr std::array schemaSteps = {
     "CREATE TABLE marks ("
-    "  key TEXT PRIMARY KEY NOT NULL,"
+    "  digest BLOB PRIMARY KEY NOT NULL,"
     "  rating INTEGER,"          // 0 to 100
     "  rating_changed INTEGER,"  // seconds since 1970, UTC
     "  loved INTEGER,"           // 0 or 1
     "  loved_changed INTEGER"
     ") WITHOUT ROWID;"
     "CREATE TABLE names ("
-    "  key TEXT PRIMARY KEY NOT NULL,"
+    "  digest BLOB PRIMARY KEY NOT NULL,"
     "  kind INTEGER NOT NULL,"  // 0 track, 1 album
     "  address TEXT NOT NULL,"
     "  artist TEXT NOT NULL,"

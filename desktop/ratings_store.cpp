@@ -1,5 +1,7 @@
 #include "desktop/ratings_store.h"
 
+#include <QtCore/QByteArray>
+#include <QtCore/QCryptographicHash>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -15,13 +17,13 @@ namespace {
 using Kind = StoreTrouble::Kind;
 
 constexpr const char* readMarks =
-    "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE key = ?1";
+    "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE digest = ?1";
 
 // A mark that is not given stays; an entry that has all given marks already is not written.
 constexpr const char* writeMarks =
-    "INSERT INTO marks (key, rating, rating_changed, loved, loved_changed)"
+    "INSERT INTO marks (digest, rating, rating_changed, loved, loved_changed)"
     " VALUES (?1, ?2, ?3, ?4, ?5)"
-    " ON CONFLICT (key) DO UPDATE SET"
+    " ON CONFLICT (digest) DO UPDATE SET"
     "  rating = coalesce(excluded.rating, rating),"
     "  rating_changed = coalesce(excluded.rating_changed, rating_changed),"
     "  loved = coalesce(excluded.loved, loved),"
@@ -31,14 +33,14 @@ constexpr const char* writeMarks =
 
 constexpr const char* writeNames =
     "INSERT OR REPLACE INTO names"
-    " (key, kind, address, artist, album, album_artist, title, length)"
+    " (digest, kind, address, artist, album, album_artist, title, length)"
     " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
 
 constexpr const char* readAll =
     "SELECT kind, address, artist, album, album_artist, title, length,"
     "       rating, rating_changed, loved, loved_changed"
-    " FROM names JOIN marks USING (key)"
-    " ORDER BY kind, artist, album_artist, album, title, address, length, key";
+    " FROM names JOIN marks USING (digest)"
+    " ORDER BY kind, artist, album_artist, album, title, address, length, digest";
 
 int limitedRating(std::int64_t rating) {
   return static_cast<int>(std::clamp<std::int64_t>(rating, 0, 100));
@@ -47,6 +49,12 @@ int limitedRating(std::int64_t rating) {
 std::optional<std::string> keyOf(const RatingsRecord& record) {
   return record.kind == RatingsRecord::Kind::track ? trackKey(record.identity)
                                                    : albumKey(record.identity);
+}
+
+/// Sixteen bytes that stand for a key: among a million of them, two are the same once in 10^26.
+QByteArray digestOf(const std::string& key) {
+  const QByteArrayView bytes(key.data(), static_cast<qsizetype>(key.size()));
+  return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_160).first(16);
 }
 
 /// What a player tells, as entries keep it: well-formed texts, whole seconds, and only what the
@@ -122,8 +130,9 @@ struct RatingsStore::Connection {
 
   /// The marks of a key; the record stays as it is when it has none.
   int read(const std::string& key, RatingsRecord& record) {
+    const QByteArray digest = digestOf(key);
     const StatementRun run(readingMarks);
-    readingMarks.bind(1, key);
+    readingMarks.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
     const int result = readingMarks.step();
     if (result == SQLITE_ROW) readMarksFromRow(readingMarks, 0, record);
     return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
@@ -131,16 +140,17 @@ struct RatingsStore::Connection {
 
   /// Within a transaction.
   int write(const std::string& key, const RatingsRecord& record) {
-    const int result = writeMarksOf(key, record);
+    const QByteArray digest = digestOf(key);
+    const int result = writeMarksOf(digest, record);
     // What was not changed was written with its names before.
     if (result != SQLITE_OK || sqlite3_changes(database.handle()) == 0) return result;
-    return writeNamesOf(key, record);
+    return writeNamesOf(digest, record);
   }
 
-  int writeMarksOf(const std::string& key, const RatingsRecord& record) {
+  int writeMarksOf(QByteArrayView digest, const RatingsRecord& record) {
     const StatementRun run(writingMarks);
     const Marks& marks = record.marks;
-    writingMarks.bind(1, key);
+    writingMarks.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
     if (marks.rating) {
       writingMarks.bind(2, limitedRating(*marks.rating));
       writingMarks.bind(3, record.ratingChanged);
@@ -152,10 +162,10 @@ struct RatingsStore::Connection {
     return resultOfWriting(writingMarks);
   }
 
-  int writeNamesOf(const std::string& key, const RatingsRecord& record) {
+  int writeNamesOf(QByteArrayView digest, const RatingsRecord& record) {
     const StatementRun run(writingNames);
     const TrackIdentity identity = storedIdentity(record.kind, record.identity);
-    writingNames.bind(1, key);
+    writingNames.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
     writingNames.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
     writingNames.bind(3, identity.address);
     writingNames.bind(4, identity.artist);

@@ -16,6 +16,10 @@ void Statement::bind(int parameter, std::string_view text) {
   sqlite3_bind_text64(statement_.get(), parameter, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
+void Statement::bindBytes(int parameter, std::string_view bytes) {
+  sqlite3_bind_blob64(statement_.get(), parameter, bytes.data(), bytes.size(), SQLITE_STATIC);
+}
+
 void Statement::bind(int parameter, std::optional<std::int64_t> number) {
   if (!number) {
     sqlite3_bind_null(statement_.get(), parameter);

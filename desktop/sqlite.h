@@ -19,8 +19,9 @@ class Statement {
   /// Answers SQLITE_OK, or why the text cannot be prepared.
   int prepare(sqlite3* database, const char* sql);
 
-  // Parameters are numbered from 1. A text must stay alive until the run ends.
+  // Parameters are numbered from 1. Texts and bytes must stay alive until the run ends.
   void bind(int parameter, std::string_view text);
+  void bindBytes(int parameter, std::string_view bytes);
   void bind(int parameter, std::optional<std::int64_t> number);  ///< none binds NULL
 
   /// SQLITE_ROW, SQLITE_DONE, or why it failed.
