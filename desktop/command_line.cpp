@@ -21,7 +21,7 @@ struct Option {
   std::optional<std::string> CommandLine::*text = nullptr;
 };
 
-constexpr std::array<Option, 9> options{{
+constexpr std::array<Option, 11> options{{
     {"--player", "NAME", "follow this player (bus name or shown name)", nullptr,
      &CommandLine::player},
     {"--list-players", "", "list the players on the session bus", &CommandLine::listPlayers},
@@ -30,6 +30,10 @@ constexpr std::array<Option, 9> options{{
      &CommandLine::snapshot},
     {"--tour", "FOLDER", "write one PNG for each state of the demo player", nullptr,
      &CommandLine::tour},
+    {"--export-ratings", "FILE", "write all ratings and love marks as JSON Lines", nullptr,
+     &CommandLine::exportRatings},
+    {"--import-ratings", "FILE", "take ratings and love marks over from such a file", nullptr,
+     &CommandLine::importRatings},
     {"--on-top", "", "keep the card above other windows", &CommandLine::onTop},
     {"--scale", "N", "pixels per point, from 1 to 4"},
     {"--help", "", "show this help", &CommandLine::help},
@@ -52,6 +56,9 @@ std::string conflict(const CommandLine& line) {
   if (line.player && line.demo) return "--player and --demo exclude each other";
   if (line.player && line.tour) return "--player and --tour exclude each other";
   if (line.snapshot && line.tour) return "--snapshot and --tour exclude each other";
+  if (line.exportRatings && line.importRatings) {
+    return "--export-ratings and --import-ratings exclude each other";
+  }
   return {};
 }
 
@@ -102,7 +109,7 @@ std::string helpText() {
   std::string text =
       "Usage: virelune-widget [OPTION]...\n"
       "Shows what a music player plays, and controls it.\n\n";
-  constexpr std::size_t column = 21;
+  constexpr std::size_t column = 25;
   for (const Option& option : options) {
     std::string entry = "  " + std::string(option.name);
     if (!option.valueName.empty()) entry += ' ' + std::string(option.valueName);

@@ -9,10 +9,12 @@
 namespace desktop {
 
 struct CommandLine {
-  std::optional<std::string> player;    ///< --player NAME
-  std::optional<std::string> snapshot;  ///< --snapshot FILE
-  std::optional<std::string> tour;      ///< --tour FOLDER
-  std::optional<double> scale;          ///< --scale N, from 1 to 4
+  std::optional<std::string> player;         ///< --player NAME
+  std::optional<std::string> snapshot;       ///< --snapshot FILE
+  std::optional<std::string> tour;           ///< --tour FOLDER
+  std::optional<std::string> exportRatings;  ///< --export-ratings FILE
+  std::optional<std::string> importRatings;  ///< --import-ratings FILE
+  std::optional<double> scale;               ///< --scale N, from 1 to 4
   bool listPlayers = false;
   bool demo = false;
   bool onTop = false;

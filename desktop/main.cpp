@@ -4,6 +4,7 @@
 
 #include "desktop/command_line.h"
 #include "desktop/program.h"
+#include "desktop/ratings_exchange.h"
 #include "widget/widget_entry.h"
 
 int main(int argc, char** argv) {
@@ -22,6 +23,11 @@ int main(int argc, char** argv) {
   if (commandLine.version) {
     std::cout << "virelune-widget " << VIRELUNE_VERSION << '\n';
     return EXIT_SUCCESS;
+  }
+  if (commandLine.exportRatings || commandLine.importRatings) {
+    desktop::RatingsStore ratings(desktop::RatingsStore::defaultFile());
+    return commandLine.exportRatings ? exportRatings(ratings, *commandLine.exportRatings)
+                                     : importRatings(ratings, *commandLine.importRatings);
   }
   return desktop::runProgram(commandLine, argc, argv, virelune::principalClasses());
 }
