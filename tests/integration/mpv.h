@@ -33,7 +33,7 @@ class Mpv {
  public:
   explicit Mpv(const PrivateBus& bus);
 
-  Program& program() { return program_; }
+  const Program& program() const { return program_; }
 
  private:
   Program program_;

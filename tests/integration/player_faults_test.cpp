@@ -55,7 +55,7 @@ class PlayerFaults : public BridgeFixture {
 };
 
 TEST_F(PlayerFaults, AHangingPlayerIsGivenUpOnAndCountsAgainWhenItAnswers) {
-  Mpv mpv(bus);
+  const Mpv mpv(bus);
   follow();
   refresh();
   mpv.program().send(SIGSTOP);
@@ -80,7 +80,7 @@ TEST_F(PlayerFaults, AHangingPlayerIsGivenUpOnAndCountsAgainWhenItAnswers) {
 
 TEST_F(PlayerFaults, AKilledPlayerIsGoneAndTheNextOneIsFollowed) {
   {
-    Mpv mpv(bus);
+    const Mpv mpv(bus);
     follow();
     mpv.program().send(SIGKILL);
     EXPECT_LT(refresh(), 1000);
