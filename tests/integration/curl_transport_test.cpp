@@ -228,6 +228,7 @@ TEST(CurlTransport, FollowsTenRedirectsAndOnlyOverHTTP) {
                                                         {"/loop", "/loop"},
                                                         {"/none", "http://127.0.0.1:1/"}};
   LoopbackServer server([&](Exchange& exchange) {
+    exchange.keepAlive();
     const std::string target = exchange.target();
     if (elsewhere.contains(target)) {
       exchange.send(redirect(elsewhere.at(target)));

@@ -94,7 +94,7 @@ void LoopbackServer::serve(int socket) {
     }
     const std::size_t end = received.find("\r\n\r\n");
     if (end == std::string::npos) break;
-    Exchange exchange(socket, received.substr(0, end + 2), stopping_);
+    Exchange exchange(socket, received.substr(0, end + 2), host(), stopping_);
     received.erase(0, end + 4);
     ++requestCount_;
     handler_(exchange);

@@ -15,10 +15,15 @@ namespace tests {
 /// One request on a connection. Everything is raw: the test writes status line and headers too.
 class Exchange {
  public:
-  Exchange(int socket, std::string received, const std::atomic<bool>& stopping)
-      : head(std::move(received)), socket_(socket), stopping_(stopping) {}
+  Exchange(int socket, std::string received, std::string serverHost,
+           const std::atomic<bool>& stopping)
+      : head(std::move(received)),
+        host(std::move(serverHost)),
+        socket_(socket),
+        stopping_(stopping) {}
 
   const std::string head;  ///< the request line and the header lines
+  const std::string host;  ///< the server's
   std::string target() const;
 
   /// False when the client has gone or the test is over.

@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "demo/demo_station.h"
+#include "platform/curl_transport.h"
+#include "radio/beats1_info_loader.h"
+#include "tests/integration/loopback_server.h"
+#include "tests/radio/segments.h"
+#include "tests/support/widget_fixture.h"
+
+using tests::Exchange;
+using tests::LoopbackServer;
+using tests::reply;
+using virelune::VLBeats1InfoLoader;
+
+namespace {
+
+const std::string folder = "/streams/hub02/session02/64k/";
+
+/// The loader over real HTTP; only the clock stands still.
+class LiveRadio : public tests::WidgetFixture {
+ protected:
+  LiveRadio() { platform_.http = &transport; }
+
+  void listenTo(const std::string& host) {
+    bundle->setInfoDictionaryEntry("VLStreamHost", host);
+    loader = platform::make<VLBeats1InfoLoader>();
+    ASSERT_TRUE(loader->start(nullptr));
+  }
+  /// Turns the run loop until the loader waits for its next cycle.
+  bool waitForCycle() {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (std::chrono::steady_clock::now() < end) {
+      clock.settle();
+      if (loader->contentTimer() != nullptr) return true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return false;
+  }
+
+  platform::CurlTransport transport;
+  std::shared_ptr<VLBeats1InfoLoader> loader;
+};
+
+std::string contents(const std::filesystem::path& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  return bytes.str();
+}
+
+}  // namespace
+
+TEST_F(LiveRadio, ReadsSegmentsThatAnEncoderWrote) {
+  const auto file =
+      std::filesystem::temp_directory_path() / ("segment-" + std::to_string(getpid()) + ".aac");
+  std::string segment;
+  LoopbackServer server([&](Exchange& exchange) {
+    const std::string target = exchange.target();
+    if (target == folder + "prog.m3u8") {
+      exchange.send(reply("#EXTM3U\n#EXT-X-TARGETDURATION:10\nlive-20160305T140709Z.aac\n"));
+    } else if (target == folder + "live-20160305T140709Z.aac") {
+      const bool ranged = exchange.head.find("Range: bytes=0-8192\r\n") != std::string::npos;
+      exchange.send(reply(ranged ? segment.substr(0, 8193) : "", "206 Partial Content"));
+    } else if (target == "/cover.jpg") {
+      exchange.send(reply("image:cover"));
+    }
+  });
+  const std::vector<std::vector<std::string>> programmes = {
+      {"夜明けの交差点", "水色レイディオ", "夏の終わりの地図"},
+      {"Το φως στο λιμάνι", "Νεφέλη Αύρα", "Μικρά ταξίδια"},
+  };
+  for (const auto& texts : programmes) {
+    const std::string command =
+        "ffmpeg -loglevel error -y -f lavfi -i sine=frequency=440 -t 4 -c:a aac -b:a 64k -f adts "
+        "-write_id3v2 1 -metadata title='" +
+        texts[0] + "' -metadata artist='" + texts[1] + "' -metadata album='" + texts[2] +
+        "' -metadata artwork='" + server.address("/cover.jpg") + "' " + file.string();
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+    segment = contents(file);
+    ASSERT_GT(segment.size(), 8193U);
+    listenTo(server.host());
+    ASSERT_TRUE(waitForCycle());
+    EXPECT_EQ(loader->infoTrackName(), texts[0]);
+    EXPECT_EQ(loader->infoTrackArtist(), texts[1]);
+    EXPECT_EQ(loader->infoTrackAlbum(), texts[2]);
+    EXPECT_EQ(tests::nameOf(loader->infoTrackArtwork()), "cover");
+    EXPECT_DOUBLE_EQ(loader->contentTimer()->timeInterval(), 11);
+  }
+  std::filesystem::remove(file);
+}
+
+TEST_F(LiveRadio, FollowsTheDemoStation) {
+  const auto station = demo::DemoStation::start({.segmentDuration = 1, .segmentsPerProgramme = 1});
+  ASSERT_NE(station, nullptr);
+  listenTo(station->host());
+  std::set<std::string> titles;
+  for (int cycle = 0; cycle < 100 && titles.size() < 2; ++cycle) {
+    ASSERT_TRUE(waitForCycle());
+    ASSERT_TRUE(loader->infoTrackName());
+    EXPECT_TRUE(loader->infoTrackArtist() && loader->infoTrackAlbum());
+    EXPECT_EQ(tests::nameOf(loader->infoTrackArtwork()), "cover");
+    EXPECT_GT(loader->infoPlaylistDuration(), 0);
+    titles.insert(*loader->infoTrackName());
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    clock.advance(loader->contentTimer()->timeInterval());
+  }
+  EXPECT_EQ(titles.size(), 2U) << "the programme moves on";
+}
+
+TEST_F(LiveRadio, RecoversFromEveryFaultOfTheServer) {
+  const std::vector<std::string> faults = {"", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc",
+                                           reply("<html></html>", "500 Internal Server Error"),
+                                           tests::redirect("file:///etc/hostname"),
+                                           tests::redirect("/elsewhere")};
+  std::atomic<std::size_t> served = 0;
+  LoopbackServer server([&](Exchange& exchange) {
+    const std::string target = exchange.target();
+    if (target.ends_with("m3u8")) {
+      const bool sound = served == faults.size();
+      exchange.send(sound ? reply("#EXT-X-TARGETDURATION:10\nx-20160305T140709Z.aac\n")
+                          : faults.at(served++));
+      if (!sound) exchange.reset();
+    } else if (target.ends_with("aac")) {
+      exchange.send(
+          reply(tests::segmentHead("Title", "", "", "http://" + exchange.host + "/cover.jpg")));
+    } else {
+      exchange.send(reply("not found", "404 Not Found"));
+    }
+  });
+  listenTo(server.host());
+  for (std::size_t cycle = 0; cycle < faults.size(); ++cycle) {
+    ASSERT_TRUE(waitForCycle());
+    EXPECT_EQ(served, cycle + 1);
+    EXPECT_EQ(loader->contentTimer()->timeInterval(), 5);
+    clock.advance(5);
+  }
+  ASSERT_TRUE(waitForCycle());
+  EXPECT_EQ(loader->infoTrackName(), "Title");
+  EXPECT_EQ(loader->infoTrackArtwork(), nullptr) << "a page in place of the artwork";
+}
+
+TEST_F(LiveRadio, LoadersStartedStoppedAndReplacedAtRandomMomentsStayQuiet) {
+  LoopbackServer server([&](Exchange& exchange) {
+    exchange.keepAlive();
+    const std::string target = exchange.target();
+    if (target.ends_with("m3u8")) {
+      exchange.send(reply("#EXT-X-TARGETDURATION:10\nx-20160305T140709Z.aac\n"));
+    } else if (target.ends_with("aac")) {
+      exchange.send(
+          reply(tests::segmentHead("Title", "A", "B", "http://" + exchange.host + "/cover.jpg")));
+    } else {
+      exchange.send(reply("image:cover"));
+    }
+  });
+  std::mt19937 random(20160305);
+  for (int round = 0; round < 10'000; ++round) {
+    switch (random() % 4) {
+      case 0:
+        listenTo(server.host());  // a fresh loader; the one before is destroyed
+        break;
+      case 1:
+        if (loader != nullptr) loader->stop(nullptr);
+        break;
+      case 2:
+        if (loader != nullptr) loader->start(nullptr);
+        break;
+      default:
+        clock.settle();
+    }
+    if (random() % 8 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 400));
+    if (round % 1000 == 0) {
+      listenTo(server.host());
+      ASSERT_TRUE(waitForCycle());
+      EXPECT_EQ(loader->infoTrackName(), "Title");
+    }
+  }
+  loader.reset();
+  clock.settle();
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+}
