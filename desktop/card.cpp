@@ -1,5 +1,6 @@
 #include "desktop/card.h"
 
+#include <QtGui/QPainterPath>
 #include <cmath>
 
 #include "desktop/card_style.h"
@@ -52,12 +53,6 @@ Card::~Card() {
   window_->setMarkHandler(nullptr);
 }
 
-QPainterPath cardOutline(QSizeF size) {
-  QPainterPath outline;
-  outline.addRoundedRect(QRectF(QPointF(0, 0), size), kCardCornerRadius, kCardCornerRadius);
-  return outline;
-}
-
 platform::NCWidgetProviding* Card::widget() const {
   return dynamic_cast<platform::NCWidgetProviding*>(controller_.get());
 }
@@ -104,7 +99,9 @@ void Card::paintBackground(QPainter& painter, platform::Appearance appearance) c
   } else {
     painter.fillRect(area, Qt::transparent);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(cardOutline(area.size()), color);
+    QPainterPath outline;
+    outline.addRoundedRect(area, kCardCornerRadius, kCardCornerRadius);
+    painter.fillPath(outline, color);
   }
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }

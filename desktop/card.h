@@ -3,7 +3,6 @@
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
 #include <QtGui/QRegion>
 #include <functional>
 #include <memory>
@@ -17,9 +16,6 @@
 #include "platform/window.h"
 
 namespace desktop {
-
-/// The shape of a card of a size.
-QPainterPath cardOutline(QSizeF size);
 
 /// A header above the widget's view, in one window of views. The card is as wide as the widget
 /// and as high as its preferred content size and the header together.

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 
+#include "desktop/card_style.h"
 #include "desktop/compositing.h"
 #include "desktop/window_placement.h"
 
@@ -16,6 +17,21 @@ constexpr int firstPlaceMargin = 24;  // from the screen's upper right corner
 
 /// Only there does a window know, and choose, its place.
 bool canChoosePlace() { return QGuiApplication::platformName() == "xcb"; }
+
+/// The pixels of a card that lie within its corners.
+QRegion cardMask(QSize size) {
+  const int rows = static_cast<int>(kCardCornerRadius);
+  QRegion mask(0, rows, size.width(), size.height() - 2 * rows);
+  for (int row = 0; row < rows; ++row) {
+    const double rise = kCardCornerRadius - row - 0.5;
+    const double run = std::sqrt(kCardCornerRadius * kCardCornerRadius - rise * rise);
+    const int inset = qRound(kCardCornerRadius - run);
+    const int width = size.width() - 2 * inset;
+    mask += QRect(inset, row, width, 1);
+    mask += QRect(inset, size.height() - 1 - row, width, 1);
+  }
+  return mask;
+}
 
 }  // namespace
 
@@ -89,7 +105,7 @@ void CardWindow::fitCard() {
 void CardWindow::updateCompositing() {
   const bool isComposited = isScreenComposited();
   card_.setTranslucent(isComposited);
-  setMask(isComposited ? QRegion() : QRegion(cardOutline(size()).toFillPolygon().toPolygon()));
+  setMask(isComposited ? QRegion() : cardMask(size()));
 }
 
 void CardWindow::updateVisibility() {

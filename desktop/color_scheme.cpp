@@ -2,6 +2,7 @@
 
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusPendingReply>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
 #include <utility>
@@ -36,8 +37,11 @@ void ColorScheme::ask() {
   QDBusMessage question =
       QDBusMessage::createMethodCall(portalService, portalPath, portalInterface, "Read");
   question << settingGroup << settingKey;
-  // Without a portal there is no answer, and no preference.
-  QDBusConnection::sessionBus().callWithCallback(question, this, SLOT(settingRead(QDBusVariant)));
+  question_.emplace(QDBusConnection::sessionBus().asyncCall(question));
+  connect(&*question_, &QDBusPendingCallWatcher::finished, this, [this] {
+    const QDBusPendingReply<QDBusVariant> reply = *question_;
+    if (reply.isValid()) setPreference(unwrapped(reply.value().variant()));
+  });
 }
 
 platform::Appearance ColorScheme::appearance() const {
@@ -57,10 +61,6 @@ platform::Appearance ColorScheme::appearance() const {
 }
 
 void ColorScheme::paletteChanged() { report(); }
-
-void ColorScheme::settingRead(const QDBusVariant& value) {
-  setPreference(unwrapped(value.variant()));
-}
 
 void ColorScheme::settingChanged(const QString& group, const QString& key,
                                  const QDBusVariant& value) {

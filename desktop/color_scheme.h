@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QtCore/QObject>
+#include <QtDBus/QDBusPendingCallWatcher>
 #include <QtDBus/QDBusVariant>
 #include <functional>
+#include <optional>
 
 #include "platform/color.h"
 
@@ -25,7 +27,6 @@ class ColorScheme final : public QObject {
   void paletteChanged();
 
  private slots:
-  void settingRead(const QDBusVariant& value);
   void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
  private:
@@ -36,6 +37,7 @@ class ColorScheme final : public QObject {
   enum class Preference { none, dark, light };
   Preference preference_ = Preference::none;
   platform::Appearance reported_;
+  std::optional<QDBusPendingCallWatcher> question_;
   std::function<void()> changeHandler_;
 };
 

@@ -1,5 +1,6 @@
 #include "desktop/composition.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
 
 namespace desktop {
@@ -24,6 +25,8 @@ Composition::Composition() {
 
 Composition::~Composition() {
   card_.reset();
+  platform_.drag = nullptr;
+  drag_.reset();
   // Tasks and transfers under way end before what they use.
   workers_.reset();
   http_.reset();
@@ -53,9 +56,7 @@ bool Composition::useBus(const QDBusConnection& bus, const std::optional<std::st
     return false;
   }
   desktopWorkspace_ = std::make_unique<DesktopWorkspace>(bridge_.get());
-  workspace_ = std::make_unique<platform::NSWorkspace>(*desktopWorkspace_);
-  platform_.workspace = workspace_.get();
-  platform_.scripting = bridge_.get();
+  install(*desktopWorkspace_, *bridge_);
   return true;
 }
 
@@ -63,10 +64,20 @@ demo::DemoPlayer& Composition::useDemo() {
   demoPlayer_ = std::make_unique<demo::DemoPlayer>();
   desktopWorkspace_ = std::make_unique<DesktopWorkspace>(nullptr);
   demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, desktopWorkspace_.get());
-  workspace_ = std::make_unique<platform::NSWorkspace>(*demoWorkspace_);
-  platform_.workspace = workspace_.get();
-  platform_.scripting = demoPlayer_.get();
+  install(*demoWorkspace_, *demoPlayer_);
   return *demoPlayer_;
+}
+
+void Composition::install(platform::WorkspaceBackend& workspace,
+                          platform::ScriptingTransport& player) {
+  workspace_ = std::make_unique<platform::NSWorkspace>(workspace);
+  loginItems_ = std::make_unique<LoginItems>(
+      LoginItems::Options{.folder = LoginItems::defaultFolder(),
+                          .bundlePath = bundle_ ? bundle_->bundlePath() : std::string(),
+                          .executablePath = QCoreApplication::applicationFilePath().toStdString()},
+      &player);
+  platform_.workspace = workspace_.get();
+  platform_.scripting = loginItems_.get();
 }
 
 Card* Composition::makeCard(const platform::PrincipalClasses& classes) {
@@ -75,6 +86,11 @@ Card* Composition::makeCard(const platform::PrincipalClasses& classes) {
   card_ = std::make_unique<Card>(std::move(controller), displayName());
   card_->update();
   return card_.get();
+}
+
+void Composition::useDrag(QWindow& window) {
+  drag_ = std::make_unique<DragSource>(window, graphics_);
+  platform_.drag = drag_.get();
 }
 
 std::string Composition::displayName() {

@@ -11,6 +11,8 @@
 #include "demo/demo_workspace.h"
 #include "desktop/card.h"
 #include "desktop/desktop_workspace.h"
+#include "desktop/drag_source.h"
+#include "desktop/login_items.h"
 #include "desktop/player_bridge.h"
 #include "desktop/qt_graphics.h"
 #include "desktop/qt_run_loop.h"
@@ -41,12 +43,16 @@ class Composition {
 
   /// Makes the widget and lays it on its card; null when the bundle names no widget.
   Card* makeCard(const platform::PrincipalClasses& classes);
+  /// Lets things be dragged out of the window that shows the card.
+  void useDrag(QWindow& window);
 
   QtGraphics& graphics() { return graphics_; }
   /// The widget's name as the user sees it.
   std::string displayName();
 
  private:
+  void install(platform::WorkspaceBackend& workspace, platform::ScriptingTransport& player);
+
   platform::Platform platform_;
   platform::PlatformScope scope_{platform_};
   QtRunLoop driver_;
@@ -56,11 +62,13 @@ class Composition {
   std::unique_ptr<RatingsStore> ratings_;
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;
+  std::unique_ptr<LoginItems> loginItems_;
   std::unique_ptr<DesktopWorkspace> desktopWorkspace_;
   std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;
   std::unique_ptr<platform::NSWorkspace> workspace_;
   std::unique_ptr<platform::CurlTransport> http_;
   std::unique_ptr<platform::WorkerPool> workers_;
+  std::unique_ptr<DragSource> drag_;
   std::unique_ptr<Card> card_;
 };
 

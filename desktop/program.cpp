@@ -94,6 +94,7 @@ int snapshot(const CommandLine& commandLine, Card& card) {
 int showWindow(const CommandLine& commandLine, Composition& composition, Card& card) {
   CardWindow window(card, composition.graphics(), QString::fromStdString(composition.displayName()),
                     commandLine.onTop);
+  composition.useDrag(window);
   window.open();
   return QGuiApplication::exec();
 }
@@ -102,8 +103,9 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Card& c
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const platform::PrincipalClasses& classes) {
-  // Images and players speak for themselves; what Qt has to say of them helps nobody.
-  QLoggingCategory::setFilterRules("qt.gui.imageio*=false\nqt.svg*=false");
+  // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
+  // would only bury the one line that counts.
+  QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");
   if (commandLine.listPlayers) {
     const QCoreApplication application(argc, argv);
     return listPlayers();

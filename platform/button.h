@@ -52,6 +52,7 @@ class NSButton : public NSView {
   void mouseDown(const NSEvent* event) override;
   void mouseDragged(const NSEvent* event) override;
   void mouseUp(const NSEvent* event) override;
+  void mouseCancelled() override { setHighlighted(false); }
 
  protected:
   bool isHighlighted() const { return highlighted_; }

@@ -141,6 +141,7 @@ bool NSView::acceptsFirstMouse(const NSEvent*) { return false; }
 void NSView::mouseDown(const NSEvent*) {}
 void NSView::mouseDragged(const NSEvent*) {}
 void NSView::mouseUp(const NSEvent*) {}
+void NSView::mouseCancelled() {}
 
 void NSView::keyDown(const NSEvent* event) {
   if (superview_ != nullptr) superview_->keyDown(event);

@@ -80,9 +80,9 @@ void NSWindow::sendEvent(const NSEvent& event) {
 }
 
 void NSWindow::cancelMouseTracking() {
-  pressedView_.reset();
   NSApplication& application = current().application;
   application.setPressedMouseButtons(application.pressedMouseButtons() & ~std::uint64_t{1});
+  if (const auto view = std::exchange(pressedView_, {}).lock()) view->mouseCancelled();
 }
 
 }  // namespace platform
