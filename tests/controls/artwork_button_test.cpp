@@ -1,0 +1,232 @@
+#include "controls/artwork_button.h"
+
+#include "tests/support/widget_fixture.h"
+#include "widget/constants.h"
+
+namespace virelune {
+namespace {
+
+using platform::Array;
+using platform::Data;
+using platform::Dictionary;
+using platform::NSEventType;
+using platform::NSMakeRect;
+using platform::Value;
+using tests::nameOf;
+
+class Target : public platform::NSObject {
+ public:
+  bool clicked(platform::NSObject*) {
+    ++clicks;
+    return true;
+  }
+  int clicks = 0;
+};
+
+class ArtworkButton : public tests::WidgetFixture {
+ protected:
+  ArtworkButton() {
+    root->addSubview(button);
+    window->setContentView(root);
+    button->setTarget(target);
+    button->setAction(&Target::clicked);
+  }
+  /// Shows the placeholder and starts a look-up.
+  void lookUp(const std::string& artist = "Foo", const std::string& album = "Bar") {
+    button->setArtwork_forArtist_withAlbum_download(image("placeholder"), artist, album, true);
+  }
+  static std::shared_ptr<platform::NSImage> image(const std::string& name) {
+    return platform::make<tests::TestImage>(name, platform::NSSize{10, 10});
+  }
+  static Dictionary entry(const std::string& artist, const std::string& album,
+                          const std::string& cover) {
+    return {{"artistName", artist}, {"collectionName", album}, {"artworkUrl100", cover}};
+  }
+  static std::string reply(const std::string& cover = "https://img.example/100x100.jpg") {
+    return R"({"resultCount":1,"results":[{"artistName":"foo","collectionName":"BAR",)"
+           R"("artworkUrl100":")" +
+           cover + R"("}]})";
+  }
+  std::string shown() const { return nameOf(button->image()); }
+
+  std::shared_ptr<platform::NSView> root =
+      platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64));
+  std::shared_ptr<VLArtworkButton> button =
+      platform::make<VLArtworkButton>(NSMakeRect(6, 9, 50, 50));
+  std::shared_ptr<Target> target = platform::make<Target>();
+};
+
+TEST_F(ArtworkButton, OnlyAReleaseInsideTheBoundsClicks) {
+  click({6, 9});
+  EXPECT_EQ(target->clicks, 1);
+  sendMouse(NSEventType::leftMouseDown, {30, 30});
+  EXPECT_EQ(target->clicks, 1);
+  sendMouse(NSEventType::leftMouseUp, {56, 30});
+  EXPECT_EQ(target->clicks, 1);
+  EXPECT_TRUE(button->acceptsFirstMouse(nullptr));
+}
+
+// The look-up
+
+TEST_F(ArtworkButton, SearchAsksForArtistAndAlbum) {
+  lookUp();
+  ASSERT_EQ(http.count(), 1U);
+  EXPECT_EQ(http.last().request.url, "https://itunes.apple.com/search?term=Foo+Bar&entity=album");
+  EXPECT_NE(button->contentURLSessionDataTask(), nullptr);
+}
+
+TEST_F(ArtworkButton, TermKeepsQuerySyntaxAndEscapesTheRest) {
+  lookUp("A & B = C+D", "50% \"Ü\" #1 👋 e\u0301");
+  EXPECT_EQ(http.last().request.url,
+            "https://itunes.apple.com/search?term=A+&+B+=+C+D+50%25+%22%C3%9C%22+%231+"
+            "%F0%9F%91%8B+e%CC%81&entity=album");
+}
+
+TEST_F(ArtworkButton, CoverArrivesInTheLargeSize) {
+  lookUp();
+  http.answer(0, reply("https://img.example/100x100/a-100x100.jpg"));
+  ASSERT_EQ(http.count(), 2U);
+  EXPECT_EQ(http.at(1).request.url, "https://img.example/1000x1000/a-1000x1000.jpg");
+  EXPECT_EQ(shown(), "placeholder");
+  http.answer(1, tests::imageBytes("cover"));
+  EXPECT_EQ(button->contentURLSessionDataTask(), nullptr);
+  EXPECT_EQ(shown(), "placeholder");  // shown on the main thread, in its next pass
+  clock.settle();
+  EXPECT_EQ(shown(), "cover");
+  EXPECT_FALSE(button->cancelDownload(nullptr));
+}
+
+TEST_F(ArtworkButton, CoverThatIsNoImageBringsThePlaceholder) {
+  for (const auto& body : {Data(), Data::fromText("<html>")}) {
+    lookUp();
+    http.answer(http.lastIndex(), reply());
+    http.answer(http.lastIndex(), body);
+    clock.settle();
+    EXPECT_EQ(shown(), VLImageArtworkBackground);
+  }
+  lookUp();
+  http.answer(http.lastIndex(), reply());
+  http.fail(http.lastIndex());
+  clock.settle();
+  EXPECT_EQ(shown(), VLImageArtworkBackground);
+}
+
+TEST_F(ArtworkButton, ReplyWithoutAUsableCoverEndsTheLookUpQuietly) {
+  const std::string bad[] = {
+      "",
+      "nonsense",
+      "7",
+      "null",
+      "[]",
+      "{}",
+      R"({"results":[]})",
+      R"({"results":{}})",
+      R"({"results":[null,7,"Foo",[],{}]})",
+      R"({"results":[{"artistName":7,"collectionName":"Bar","artworkUrl100":"https://x/"}]})",
+      R"({"results":[{"artistName":"The Foo","collectionName":"Bar","artworkUrl100":"https://x/"}]})",
+      R"({"results":[{"artistName":"Foo","collectionName":"Ba","artworkUrl100":"https://x/"}]})",
+      R"({"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":""}]})",
+      R"({"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":"not an address"}]})",
+      "{\"results\":[{\"artistName\":\"Foo\xFF\"}]}"};
+  std::size_t requests = 0;
+  for (const std::string& body : bad) {
+    lookUp();
+    http.answer(http.lastIndex(), body);
+    clock.settle();
+    EXPECT_EQ(http.count(), ++requests) << body;
+    EXPECT_EQ(button->contentURLSessionDataTask(), nullptr);
+    EXPECT_EQ(shown(), "placeholder");
+  }
+  lookUp();
+  http.fail(http.lastIndex());
+  clock.settle();
+  EXPECT_EQ(shown(), "placeholder");
+}
+
+TEST_F(ArtworkButton, WithoutArtistOrAlbumOrDownloadNothingIsAsked) {
+  EXPECT_FALSE(button->startDownloadForArtist_withAlbum(std::nullopt, "Bar"));
+  EXPECT_FALSE(button->startDownloadForArtist_withAlbum("Foo", ""));
+  button->setArtwork_forArtist_withAlbum_download(image("own"), "Foo", "Bar", false);
+  EXPECT_EQ(http.count(), 0U);
+  lookUp();
+  EXPECT_FALSE(button->startDownloadForArtist_withAlbum("", "Bar"));
+  EXPECT_TRUE(http.at(0).cancelled);
+}
+
+TEST_F(ArtworkButton, ExactAlbumGoesBeforeAPartialOneAndTheArtistMustMatchWhole) {
+  const Array items{Value(7), entry("Foo Fighters", "Bar", "wrong artist"),
+                    entry("FOO", "Bar (Deluxe Edition)", "partial"), entry("foo", "bar", "exact"),
+                    entry("Foo", "Bar", "second")};
+  const auto address = [&](const std::string& album, std::size_t count) {
+    return VLArtworkButton::iTMSfindArtworkAddressForArtist_withAlbum_inItems(
+        "Foo", album, Array(items.begin(), items.begin() + static_cast<std::ptrdiff_t>(count)));
+  };
+  EXPECT_EQ(address("Bar", 2), std::nullopt);
+  EXPECT_EQ(address("Bar", 3), "partial");
+  EXPECT_EQ(address("Bar", 5), "exact");
+  EXPECT_EQ(address("deluxe", 5), "partial");
+  EXPECT_EQ(
+      VLArtworkButton::iTMSfindValueForArtist_withAlbum_inItems_withKey("Foo", "Bar", items, ""),
+      std::nullopt);
+}
+
+// Orderings: what was superseded changes nothing.
+
+TEST_F(ArtworkButton, NewImageOrLookUpCancelsTheOneInFlight) {
+  lookUp();
+  button->setImage(image("own"));
+  EXPECT_TRUE(http.at(0).cancelled);
+  http.fail(0);
+  lookUp("Foo", "Other");
+  lookUp();
+  EXPECT_TRUE(http.at(1).cancelled);
+  http.fail(1);
+  EXPECT_NE(button->contentURLSessionDataTask(), nullptr);
+  http.answer(2, reply());
+  lookUp();
+  EXPECT_TRUE(http.at(3).cancelled);
+  http.fail(3);  // no bytes, which must not bring the placeholder of the bundle back
+  clock.settle();
+  EXPECT_EQ(shown(), "placeholder");
+  EXPECT_EQ(http.inFlight(), 1U);
+  EXPECT_NE(button->contentURLSessionDataTask(), nullptr);
+}
+
+TEST_F(ArtworkButton, CoverThatWaitsForTheMainThreadGivesWayToANewerImage) {
+  lookUp();
+  http.answer(0, reply());
+  http.answer(1, tests::imageBytes("stale"));
+  button->setImage(image("newer"));
+  clock.settle();
+  EXPECT_EQ(shown(), "newer");
+
+  lookUp();
+  http.answer(2, reply());
+  http.answer(3, tests::imageBytes("stale"));
+  lookUp();
+  clock.settle();
+  EXPECT_EQ(shown(), "placeholder");
+  EXPECT_EQ(http.inFlight(), 1U);
+}
+
+TEST_F(ArtworkButton, ReplyOfARequestLeftBehindStartsNothing) {
+  lookUp();
+  button->setImage(image("newer"));
+  constexpr VLArtworkButton::Request leftBehind = 0;
+  const Data late = Data::fromText(reply());
+  EXPECT_FALSE(button->handleIncomingJSONData_forArtist_withAlbum(late, "Foo", "Bar", leftBehind));
+  EXPECT_FALSE(button->startDownloadForArtwork("https://img.example/a", leftBehind));
+  EXPECT_EQ(http.count(), 1U);
+}
+
+TEST_F(ArtworkButton, DestructionEndsTheLookUp) {
+  lookUp();
+  button->removeFromSuperview();
+  button = nullptr;
+  EXPECT_TRUE(http.at(0).cancelled);
+  http.fail(0);
+  clock.settle();
+}
+
+}  // namespace
+}  // namespace virelune

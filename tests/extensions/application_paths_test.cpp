@@ -1,0 +1,152 @@
+#include "extensions/application_paths.h"
+
+#include <cstdlib>
+#include <fstream>
+
+#include "extensions/login_items.h"
+#include "extensions/store_search.h"
+#include "tests/support/temporary_data_home.h"
+#include "tests/support/widget_fixture.h"
+
+namespace virelune {
+namespace {
+
+using platform::Dictionary;
+using platform::ScriptingReply;
+using platform::ScriptingRequest;
+using platform::Value;
+using testing::ElementsAre;
+
+class ApplicationPaths : public tests::WidgetFixture {
+ protected:
+  bool nothingWasMade() const { return std::filesystem::is_empty(folder.path()); }
+
+  const tests::TemporaryDataHome folder;
+  const std::filesystem::path support =
+      folder.path() / "VRLN7K2M4Q.org.virelune.Virelune/Library/Application Support";
+};
+
+TEST_F(ApplicationPaths, AskingForThePreferencesMakesTheirFolderButNotTheFile) {
+  bundle->setInfoDictionaryEntry("CFBundleShortVersionString", "2.1");
+  ASSERT_TRUE(vl_applicationSupportDirectoryURLForApp());
+  EXPECT_TRUE(nothingWasMade());
+  const auto url = vl_applicationPreferencesURLForPlistGeneral();
+  ASSERT_TRUE(url);
+  EXPECT_EQ(url->filePath(), support / "2.1/Preferences/General.plist");
+  EXPECT_TRUE(std::filesystem::is_directory(support / "2.1/Preferences"));
+  EXPECT_FALSE(std::filesystem::exists(*url->filePath()));
+  EXPECT_EQ(vl_applicationInfoURLForItemWithName("a log")->filePath(), support / "2.1/Info/a log");
+}
+
+TEST_F(ApplicationPaths, WithoutAVersionOrANameNothingIsMade) {
+  for (const Value& version : {Value(""), Value(2.1)}) {
+    bundle->setInfoDictionaryEntry("CFBundleShortVersionString", version);
+    EXPECT_FALSE(vl_applicationSupportDirectoryURLForVersion());
+    EXPECT_FALSE(vl_applicationOrganizerURL());
+    EXPECT_FALSE(vl_applicationPreferencesURLForPlistGeneral());
+  }
+  bundle->setInfoDictionaryEntry("CFBundleShortVersionString", "2.1");
+  EXPECT_FALSE(vl_applicationPreferencesURLForItemWithName(""));
+  EXPECT_FALSE(vl_applicationPreferencesURLForPlistWithName(""));
+  EXPECT_FALSE(vl_applicationSupportDirectoryURLForVersionWithItem(""));
+  EXPECT_TRUE(nothingWasMade());
+}
+
+TEST_F(ApplicationPaths, FolderThatCannotBeMadeIsNone) {
+  std::filesystem::create_directories(support.parent_path());
+  std::ofstream(support) << "a file in the way";
+  EXPECT_FALSE(vl_applicationPreferencesURL());
+  EXPECT_FALSE(vl_applicationSupportDirectoryURLForVersion());
+}
+
+TEST_F(ApplicationPaths, RelativeDataFolderIsIgnored) {
+  ::setenv("XDG_DATA_HOME", "relative", 1);
+  const auto url = vl_applicationSupportDirectoryURLForApp();
+  const char* home = std::getenv("HOME");
+  EXPECT_EQ(url.has_value(), home != nullptr && *home == '/');
+  if (url) {
+    EXPECT_TRUE(url->filePath()->starts_with(std::string(home) + "/.local/share/"));
+  }
+}
+
+TEST_F(ApplicationPaths, StoreHostComesFromTheInformationDictionary) {
+  bundle->setInfoDictionaryEntry("VLStoreSearchHost", "127.0.0.1:8443");
+  EXPECT_EQ(storeSearchURL("term=a")->absoluteString(), "https://127.0.0.1:8443/search?term=a");
+  bundle->setInfoDictionaryEntry("VLStoreSearchHost", "no host");
+  EXPECT_FALSE(storeSearchURL("term=a"));
+}
+
+/// Keeps login items in memory and writes down what is asked of them.
+class LoginItems final : public platform::ScriptingTransport {
+ public:
+  std::optional<ScriptingReply> send(const ScriptingRequest& request) override {
+    using Kind = ScriptingRequest::Kind;
+    if (request.bundleIdentifier != "com.apple.systemevents" || !answers) return std::nullopt;
+    const auto step = request.path.front();
+    EXPECT_EQ(platform::textFromCode(step.code), "logi");
+    const auto at = step.index ? paths.begin() + *step.index : paths.end();
+    switch (request.kind) {
+      case Kind::count:
+        return Value(paths.size());
+      case Kind::get:
+        EXPECT_EQ(platform::textFromCode(request.path.at(1).code), "ppth");
+        reads.push_back(*step.index);
+        return Value(*at);
+      case Kind::make: {
+        const auto* properties = request.value.get<Dictionary>();
+        paths.push_back(*properties->at("path").as<std::string>());
+        changes.push_back(*properties->at("hidden").as<bool>() ? "add hidden" : "add");
+        return Value();
+      }
+      case Kind::remove:
+        paths.erase(at);
+        changes.push_back("remove " + std::to_string(*step.index));
+        return Value();
+      default:
+        return std::nullopt;
+    }
+  }
+  bool answers = true;
+  std::vector<std::string> paths;
+  std::vector<std::int64_t> reads;
+  std::vector<std::string> changes;
+};
+
+class LaunchAtLogin : public tests::WidgetFixture {
+ protected:
+  LaunchAtLogin() { platform_.scripting = &items; }
+  LoginItems items;
+};
+
+TEST_F(LaunchAtLogin, SwitchesOnHiddenOnceAndOffAgain) {
+  EXPECT_TRUE(vl_setLaunchingAtLogin(false));
+  EXPECT_TRUE(vl_setLaunchingAtLogin(true));
+  EXPECT_TRUE(vl_setLaunchingAtLogin(true));
+  EXPECT_THAT(items.paths, ElementsAre(bundle->bundlePath()));
+  EXPECT_THAT(items.changes, ElementsAre("add hidden"));
+  EXPECT_TRUE(vl_setLaunchingAtLogin(false));
+  EXPECT_THAT(items.changes, ElementsAre("add hidden", "remove 0"));
+}
+
+TEST_F(LaunchAtLogin, FirstItemWhosePathDiffersOnlyInCaseIsTheOneRemoved) {
+  items.paths = {"", "/Apps/Other", "/apps/WIDGET", "/Apps/Widget"};
+  EXPECT_TRUE(vl_hasLoginItemWithPath("/Apps/Widget"));
+  EXPECT_THAT(items.reads, ElementsAre(0, 1, 2));
+  EXPECT_TRUE(vl_removeLoginItemWithPath("/Apps/Widget"));
+  EXPECT_THAT(items.paths, ElementsAre("", "/Apps/Other", "/Apps/Widget"));
+  EXPECT_FALSE(vl_removeLoginItemWithPath("/Apps/Wid"));
+  EXPECT_FALSE(vl_hasLoginItemWithPath(""));
+  EXPECT_FALSE(vl_addLoginItemWithPath_hidden("", true));
+}
+
+TEST_F(LaunchAtLogin, WithoutAnAnswerNothingIsSwitchedButItCountsAsTried) {
+  items.answers = false;
+  EXPECT_FALSE(vl_addLoginItemWithPath_hidden("/Apps/Widget", false));
+  EXPECT_TRUE(vl_setLaunchingAtLogin(true));
+  EXPECT_FALSE(vl_isLaunchingAtLogin());
+  platform_.mainBundle = nullptr;
+  EXPECT_FALSE(vl_setLaunchingAtLogin(true));
+}
+
+}  // namespace
+}  // namespace virelune

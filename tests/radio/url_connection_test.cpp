@@ -1,0 +1,76 @@
+#include "radio/url_connection.h"
+
+#include <atomic>
+#include <thread>
+
+#include "tests/support/instant_http.h"
+#include "tests/support/widget_fixture.h"
+
+namespace virelune {
+namespace {
+
+using platform::Data;
+using platform::NSURLRequest;
+using platform::URL;
+
+class URLConnection : public tests::WidgetFixture {
+ protected:
+  URLConnection() { platform_.http = &network; }
+
+  tests::InstantHTTP network;
+  const std::optional<NSURLRequest> request{*URL::fromText("https://example.org/")};
+};
+
+TEST_F(URLConnection, BodyCountsWhateverTheStatus) {
+  network.status = 404;
+  network.replies = {"<html>not found</html>"};
+  EXPECT_EQ(vl_sendSynchronousRequest(request), Data::fromText("<html>not found</html>"));
+}
+
+TEST_F(URLConnection, EmptyBodyErrorAndMissingPartsAreNone) {
+  network.replies = {"", std::nullopt};
+  EXPECT_EQ(vl_sendSynchronousRequest(request), std::nullopt);
+  EXPECT_EQ(vl_sendSynchronousRequest(request), std::nullopt);
+  EXPECT_EQ(network.requests.size(), 2U);
+  EXPECT_EQ(vl_sendSynchronousRequest(std::nullopt), std::nullopt);
+  EXPECT_EQ(network.requests.size(), 2U);
+  platform_.http = nullptr;
+  EXPECT_EQ(vl_sendSynchronousRequest(request), std::nullopt);
+}
+
+TEST_F(URLConnection, SecondCallForgetsTheFirstBody) {
+  network.replies = {"first", std::nullopt};
+  const auto connection = platform::make<VLURLConnection>();
+  EXPECT_EQ(connection->send(request), Data::fromText("first"));
+  EXPECT_EQ(connection->send(request), std::nullopt);
+  EXPECT_EQ(connection->contentData(), std::nullopt);
+}
+
+TEST_F(URLConnection, CallWaitsForAnAnswerFromAnotherThread) {
+  std::atomic<bool> returned = false;
+  struct Relay final : platform::HTTPTransport {
+    explicit Relay(std::atomic<bool>& returnedFlag) : returned(returnedFlag) {}
+    ~Relay() override { answering.join(); }
+    std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest,
+                                                  Completion completion) override {
+      answering = std::thread([this, completion = std::move(completion)] {
+        EXPECT_FALSE(returned);
+        completion({.body = Data::fromText("late"), .status = 200, .error = {}});
+      });
+      struct Transfer final : platform::HTTPTransfer {
+        void cancel() override {}
+      };
+      return std::make_shared<Transfer>();
+    }
+    std::atomic<bool>& returned;
+    std::thread answering;
+  };
+  Relay relay(returned);
+  platform_.http = &relay;
+  const auto body = vl_sendSynchronousRequest(request);
+  returned = true;
+  EXPECT_EQ(body, Data::fromText("late"));
+}
+
+}  // namespace
+}  // namespace virelune
