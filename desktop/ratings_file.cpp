@@ -21,7 +21,7 @@ using std::chrono::steady_clock;
 using Kind = StoreTrouble::Kind;
 
 constexpr auto waitingPeriod = std::chrono::seconds(5);
-constexpr auto longestWait = std::chrono::milliseconds(500);
+constexpr auto longestWait = std::chrono::milliseconds(400);
 constexpr auto waitingStep = std::chrono::milliseconds(5);
 
 // Marks lie apart from the names they belong to, and under a digest of the key, so that reading
@@ -49,20 +49,20 @@ constexpr std::array schemaSteps = {
 int waitForOthers(void* patience, int) { return static_cast<Patience*>(patience)->wait() ? 1 : 0; }
 
 /// Keeps other processes of this program from creating the file, or setting it aside, meanwhile.
+/// Where the file system has no such locks, work goes on without.
 class FolderLock {
  public:
   FolderLock(const std::filesystem::path& folder, Patience& patience)
       : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (!folder_) return;
     do {
-      held_ = ::flock(folder_.get(), LOCK_EX | LOCK_NB) == 0;
-    } while (!held_ && errno == EWOULDBLOCK && patience.wait());
+      isHeldByOther_ = ::flock(folder_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    } while (isHeldByOther_ && patience.wait());
   }
-  explicit operator bool() const { return held_; }
+  bool isHeldByOther() const { return isHeldByOther_; }
 
  private:
   FileDescriptor folder_;
-  bool held_ = false;
+  bool isHeldByOther_ = false;
 };
 
 std::filesystem::path withSuffix(const std::filesystem::path& file, const char* suffix) {
@@ -107,7 +107,7 @@ StoreTrouble prepareFile(const std::filesystem::path& file, Patience& patience,
   if (version == static_cast<std::int64_t>(schemaSteps.size())) return {};
 
   const FolderLock lock(file.parent_path(), patience);
-  if (!lock) return {Kind::busy, "another program holds its folder"};
+  if (lock.isHeldByOther()) return {Kind::busy, "another program holds its folder"};
   if (const int result = database.execute("PRAGMA journal_mode = WAL"); result != SQLITE_OK) {
     return troubleWithResult(database, result);
   }
@@ -144,7 +144,6 @@ StoreTrouble troubleWithResult(const Database& database, int result) {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
     case SQLITE_FORMAT:
-    case SQLITE_ERROR:  // a table or a column of ours is missing
       return {Kind::damaged, reason};
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -176,7 +175,7 @@ StoreTrouble openUnwritableRatingsFile(const std::filesystem::path& file, Databa
   std::error_code error;
   const auto logLength = std::filesystem::file_size(withSuffix(file, "-wal"), error);
   const auto url = platform::URL::fileURLWithPath(file.native());
-  if ((!error && logLength > 0) || !url) return {Kind::failed, "it cannot be opened"};
+  if ((!error && logLength > 0) || !url) return {Kind::failed, "its log cannot be read"};
   const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
   if (const int result = database.open(url->absoluteString() + "?immutable=1", flags);
       result != SQLITE_OK) {
@@ -193,7 +192,7 @@ StoreTrouble openUnwritableRatingsFile(const std::filesystem::path& file, Databa
 std::optional<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
                                                          Patience& patience, Database database) {
   const FolderLock lock(file.parent_path(), patience);
-  if (!lock) return std::nullopt;
+  if (lock.isHeldByOther()) return std::nullopt;
   if (database.hasMoved()) return std::filesystem::path();
   database.leaveLogOnClose();
   database.close();

@@ -11,8 +11,8 @@
 
 namespace desktop {
 
-/// How long the program may wait for others that hold the file: half a second in any five, so
-/// that a row of requests to a locked file does not add up to a frozen window.
+/// How long the program may wait for others that hold the file: 0.4 seconds in any five, so that
+/// a row of requests to a locked file does not add up to a frozen window.
 class Patience {
  public:
   /// Waits a moment; false, without waiting, when the time is used up.

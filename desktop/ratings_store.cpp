@@ -52,9 +52,9 @@ std::optional<std::string> keyOf(const RatingsRecord& record) {
 }
 
 /// Sixteen bytes that stand for a key: among a million of them, two are the same once in 10^26.
-QByteArray digestOf(const std::string& key) {
+std::string digestOf(const std::string& key) {
   const QByteArrayView bytes(key.data(), static_cast<qsizetype>(key.size()));
-  return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_160).first(16);
+  return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_160).first(16).toStdString();
 }
 
 /// What a player tells, as entries keep it: well-formed texts, whole seconds, and only what the
@@ -118,7 +118,7 @@ struct RatingsStore::Connection {
   Statement readingMarks;
   Statement writingMarks;
   Statement writingNames;
-  bool unwritable = false;
+  bool isUnwritable = false;
 
   int prepare() {
     sqlite3* handle = database.handle();
@@ -130,9 +130,9 @@ struct RatingsStore::Connection {
 
   /// The marks of a key; the record stays as it is when it has none.
   int read(const std::string& key, RatingsRecord& record) {
-    const QByteArray digest = digestOf(key);
+    const std::string digest = digestOf(key);
     const StatementRun run(readingMarks);
-    readingMarks.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
+    readingMarks.bindBytes(1, digest);
     const int result = readingMarks.step();
     if (result == SQLITE_ROW) readMarksFromRow(readingMarks, 0, record);
     return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
@@ -140,17 +140,17 @@ struct RatingsStore::Connection {
 
   /// Within a transaction.
   int write(const std::string& key, const RatingsRecord& record) {
-    const QByteArray digest = digestOf(key);
+    const std::string digest = digestOf(key);
     const int result = writeMarksOf(digest, record);
     // What was not changed was written with its names before.
     if (result != SQLITE_OK || sqlite3_changes(database.handle()) == 0) return result;
     return writeNamesOf(digest, record);
   }
 
-  int writeMarksOf(QByteArrayView digest, const RatingsRecord& record) {
+  int writeMarksOf(const std::string& digest, const RatingsRecord& record) {
     const StatementRun run(writingMarks);
     const Marks& marks = record.marks;
-    writingMarks.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
+    writingMarks.bindBytes(1, digest);
     if (marks.rating) {
       writingMarks.bind(2, limitedRating(*marks.rating));
       writingMarks.bind(3, record.ratingChanged);
@@ -162,10 +162,10 @@ struct RatingsStore::Connection {
     return resultOfWriting(writingMarks);
   }
 
-  int writeNamesOf(QByteArrayView digest, const RatingsRecord& record) {
+  int writeNamesOf(const std::string& digest, const RatingsRecord& record) {
     const StatementRun run(writingNames);
     const TrackIdentity identity = storedIdentity(record.kind, record.identity);
-    writingNames.bindBytes(1, {digest.data(), static_cast<std::size_t>(digest.size())});
+    writingNames.bindBytes(1, digest);
     writingNames.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
     writingNames.bind(3, identity.address);
     writingNames.bind(4, identity.artist);
@@ -287,7 +287,7 @@ bool RatingsStore::perform(Access access, const Work& work) {
     const bool connected = !trouble;
     if (connected) trouble = troubleWithResult(connection_->database, work(*connection_));
     if (!trouble) {
-      if (connection_->unwritable) connection_.reset();
+      if (connection_->isUnwritable) connection_.reset();
       if (access == Access::write) told_.clear();
       return true;
     }
@@ -308,11 +308,18 @@ StoreTrouble RatingsStore::connect(Access access) {
   StoreTrouble trouble =
       openRatingsFile(file_, access == Access::write, patience_, connection_->database);
   if (trouble.kind == Kind::failed && access == Access::read) {
-    connection_ = std::make_unique<Connection>();
-    connection_->unwritable = true;
-    trouble = openUnwritableRatingsFile(file_, connection_->database);
+    auto unwritable = std::make_unique<Connection>();
+    unwritable->isUnwritable = true;
+    if (!openUnwritableRatingsFile(file_, unwritable->database)) {
+      connection_ = std::move(unwritable);
+      trouble = {};
+    }
   }
-  if (!trouble) trouble = troubleWithResult(connection_->database, connection_->prepare());
+  if (trouble) return trouble;
+  const int result = connection_->prepare();
+  trouble = troubleWithResult(connection_->database, result);
+  // Statements that make no sense to it: tables of ours are missing.
+  if ((result & 0xFF) == SQLITE_ERROR) trouble.kind = Kind::damaged;
   return trouble;
 }
 

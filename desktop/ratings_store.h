@@ -42,7 +42,7 @@ struct RatingsRecord {
 /// A write that answers true is on the disk: each is one commit in write-ahead mode with full
 /// synchronisation, which neither the end of the process nor a power cut undoes. A write that
 /// cannot be done answers false and changes nothing; the reason is told once until one is done.
-/// Waiting for another process takes at most half a second in any five. Nothing read is kept: each
+/// Waiting for another process takes at most 0.4 seconds in any five. Nothing read is kept: each
 /// question asks the file. The file is opened at the first use and found again when it was moved
 /// away.
 ///

@@ -46,12 +46,14 @@ bool makeFolder(const std::filesystem::path& folder) {
   const std::filesystem::path parent = folder.parent_path();
   if (parent.empty() || parent == folder || !makeFolder(parent)) return false;
   if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) return false;
-  return synchroniseFolder(parent);
+  synchroniseFolder(parent);
+  return true;
 }
 
 bool synchroniseFolder(const std::filesystem::path& folder) {
   const FileDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  return opened && ::fsync(opened.get()) == 0;
+  // Some network file systems have nothing to wait for and refuse.
+  return opened && (::fsync(opened.get()) == 0 || errno == EINVAL);
 }
 
 }  // namespace desktop

@@ -133,9 +133,17 @@ TEST_F(RatingsStoreTest, AStoreOfANewerVersionIsLeftAlone) {
 TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
   RatingsStore(file, messages).setTrackRating(song, 60);
   const std::string sound = contents(file);
-  const std::string damages[] = {std::string(5000, 'x'), sound.substr(0, 600), "SQLite format 3",
-                                 sound.substr(0, 100) + std::string(sound.size() - 100, '\xFF')};
+  std::vector<std::string> damages = {
+      std::string(5000, 'x'), sound.substr(0, 600), "SQLite format 3",
+      sound.substr(0, 100) + std::string(sound.size() - 100, '\xFF')};
   std::size_t count = 0;
+  const fs::path foreignFile = folder.path() / "foreign";
+  {
+    Database foreign;
+    ASSERT_EQ(foreign.open(foreignFile, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
+    ASSERT_EQ(foreign.execute("CREATE TABLE t (a); PRAGMA user_version = 1"), SQLITE_OK);
+  }
+  damages.push_back(contents(foreignFile));
   for (const std::string& damaged : damages) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << damaged;
     messages.str("");
@@ -191,6 +199,21 @@ TEST_F(RatingsStoreTest, ALockedFileRefusesWritesWithoutBlocking) {
   EXPECT_EQ(lines(), 1) << messages.str();
   ASSERT_EQ(other.execute("COMMIT"), SQLITE_OK);
   EXPECT_TRUE(store.setTrackRating(song, 20));
+}
+
+TEST_F(RatingsStoreTest, AFileHeldByOneProgramAloneIsNotReadAndDoesNotBlock) {
+  RatingsStore(file, messages).setTrackRating(song, 20);
+  Database other;
+  ASSERT_EQ(other.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
+  ASSERT_EQ(other.execute("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"), SQLITE_OK);
+  RatingsStore store(file, messages);
+  const auto begin = std::chrono::steady_clock::now();
+  for (int refresh = 0; refresh < 10; ++refresh) EXPECT_EQ(store.trackMarks(song), Marks{});
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+  EXPECT_EQ(lines(), 1) << messages.str();
+  ASSERT_EQ(other.execute("COMMIT"), SQLITE_OK);
+  other.close();
+  EXPECT_EQ(store.trackMarks(song).rating, 20);
 }
 
 TEST_F(RatingsStoreTest, AFolderThatCannotBeMadeRefusesWrites) {
