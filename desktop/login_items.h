@@ -1,5 +1,5 @@
 // The login items of "com.apple.systemevents": the entries of the user's autostart folder (Desktop
-// Application Autostart Specification 0.5).
+// Application Autostart 0.5, freedesktop.org).
 #pragma once
 
 #include <filesystem>

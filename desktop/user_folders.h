@@ -1,4 +1,4 @@
-// Where the user's files of each kind are kept (XDG Base Directory Specification).
+// Where the user's files of each kind are kept (XDG Base Directories 0.8, freedesktop.org).
 #pragma once
 
 #include <filesystem>

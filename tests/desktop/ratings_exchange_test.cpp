@@ -66,13 +66,6 @@ TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
                               line("undated", R"("rating":60)") +
                               line("half", R"("loved":true,"lovedChanged":)" + late)),
             EXIT_SUCCESS);
-  ASSERT_EQ(import(store, line("newer here", R"("rating":20,"ratingChanged":)" + early) +
-                              line("OLDER HERE", R"("rating":20,"ratingChanged":)" + late) +
-                              line("undated", R"("rating":20)") +
-                              line("half", R"("rating":20,"loved":false)") + "\xEF\xBB\xBF\r\n" +
-                              line("new", R"("loved":false)")),
-            EXIT_FAILURE)
-      << "a byte order mark belongs to the beginning";
   ASSERT_EQ(
       import(store, "\xEF\xBB\xBF" + line("newer here", R"("rating":20,"ratingChanged":)" + early) +
                         line("OLDER HERE", R"("rating":20,"ratingChanged":)" + late) +
@@ -91,27 +84,19 @@ TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
 TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
   const std::string good = R"({"kind":"track","title":"good","rating":20})"
                            "\n\n";
-  for (const std::string& bad : {
-           std::string("{"),
-           std::string("[]"),
-           std::string("{} {}"),
-           std::string(9000, '['),
-           std::string(R"({"kind":"track","title":"\xFF","rating":20})"),
-           std::string(R"({"title":"C","rating":20})"),
-           std::string(R"({"kind":"song","title":"C","rating":20})"),
-           std::string(R"({"kind":"track","title":"C"})"),
-           std::string(R"({"kind":"track","title":7,"rating":20})"),
-           std::string(R"({"kind":"track","title":"C","rating":101})"),
-           std::string(R"({"kind":"track","title":"C","rating":18446744073709551615})"),
-           std::string(R"({"kind":"track","title":"C","rating":-1})"),
-           std::string(R"({"kind":"track","title":"C","rating":2.5})"),
-           std::string(R"({"kind":"track","title":"C","rating":"20"})"),
-           std::string(R"({"kind":"track","title":"C","loved":1})"),
-           std::string(R"({"kind":"track","title":"C","loved":true,"length":-1})"),
-           std::string(R"({"kind":"track","title":"C","loved":true,"lovedChanged":"today"})"),
-           std::string(R"({"kind":"track","address":"blob:1","rating":20})"),
-           std::string(R"({"kind":"album","artist":"A","title":"C","rating":20})"),
-       }) {
+  const auto track = [](const std::string& more) { return R"({"kind":"track",)" + more + '}'; };
+  for (const std::string& bad :
+       {std::string("{"), std::string("[]"), std::string("{} {}"), std::string(9000, '['),
+        std::string(R"({"title":"C","rating":20})"),
+        std::string(R"({"kind":"song","title":"C","rating":20})"),
+        std::string(R"({"kind":"album","artist":"A","title":"C","rating":20})"),
+        track("\"title\":\"\xFF\",\"rating\":20"), track(R"("title":"C")"),
+        track(R"("title":7,"rating":20)"), track(R"("title":"C","rating":101)"),
+        track(R"("title":"C","rating":18446744073709551615)"), track(R"("title":"C","rating":-1)"),
+        track(R"("title":"C","rating":2.5)"), track(R"("title":"C","rating":"20")"),
+        track(R"("title":"C","loved":1)"), track(R"("title":"C","loved":true,"length":-1)"),
+        track(R"("title":"C","loved":true,"lovedChanged":"today")"),
+        track(R"("address":"blob:1","rating":20)")}) {
     EXPECT_EQ(import(store, good + bad + '\n' + good), EXIT_FAILURE) << bad;
     EXPECT_NE(messages.str().find("line 3: "), std::string::npos) << messages.str();
     EXPECT_EQ(report.str(), "");
