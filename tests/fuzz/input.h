@@ -1,0 +1,24 @@
+// What fuzz targets share.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
+
+#include "platform/data.h"
+
+namespace fuzz {
+
+inline platform::Data data(const std::uint8_t* bytes, std::size_t length) {
+  return platform::Data(std::vector<std::uint8_t>(bytes, bytes + length));
+}
+
+/// Ends the program, which the fuzzer reports, unless the condition holds.
+inline void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+}  // namespace fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t length);
