@@ -84,11 +84,11 @@ class VLArtworkButton : public platform::NSButton,
   bool startDownloadForArtist_withAlbum(const std::optional<std::string>& artist,
                                         const std::optional<std::string>& album);
   /// Starts to load the cover that the reply to a search names for the album; false when it names
-  /// none. Session's thread.
+  /// none. Any thread.
   bool handleIncomingJSONData_forArtist_withAlbum(const platform::Data& data,
                                                   const std::string& artist,
                                                   const std::string& album, Request finished);
-  /// Starts to load an image; false when the text is not an address.
+  /// Starts to load an image; false when the text is not an address. Any thread.
   bool startDownloadForArtwork(const std::string& address, Request finished);
   /// Shows the image, the placeholder when the bytes are none. Answers true. Main thread.
   bool handleIncomingArtworkData(const platform::Data& data);

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "desktop/file_descriptor.h"
+#include "platform/file_manager.h"
 
 namespace desktop {
 
@@ -24,7 +25,7 @@ std::filesystem::path folderFromEnvironment(const char* variable, const char* be
 }  // namespace
 
 std::filesystem::path userDataFolder() {
-  return folderFromEnvironment("XDG_DATA_HOME", ".local/share");
+  return platform::userDataFolder().value_or(std::string());
 }
 
 std::filesystem::path userConfigFolder() {
