@@ -1,0 +1,155 @@
+#include "widget/widget_view_controller.h"
+
+#include "panels/about_view_controller.h"
+#include "panels/info_view_controller.h"
+#include "tests/support/widget_fixture.h"
+#include "track/track_view_controller.h"
+#include "widget/widget_entry.h"
+
+namespace virelune {
+namespace {
+
+using testing::ElementsAre;
+
+class Widget : public tests::WidgetFixture {
+ protected:
+  Widget() {
+    window->setContentView(widget->view());
+    widget->setPreferredContentSizeHandler(
+        [this](platform::NSSize size) { heights.push_back(size.height); });
+  }
+
+  void show() {
+    window->setVisible(true);
+    clock.settle();
+  }
+
+  /// Which panel is shown, once everything that a complete switch promises has been checked.
+  std::string panel() const {
+    const auto& controller = widget->contentViewController();
+    const auto& subviews = widget->view()->subviews();
+    if (!controller) return subviews.empty() ? "none" : "none, but a view";
+    EXPECT_THAT(subviews, ElementsAre(controller->view()));
+    EXPECT_EQ(widget->view()->frame().size, controller->view()->frame().size);
+    EXPECT_EQ(widget->preferredContentSize(), controller->view()->frame().size);
+    if (widget->isAboutViewControllerVisible()) return "about";
+    return widget->isTrackViewControllerVisible() ? "track" : "info";
+  }
+
+  std::shared_ptr<VLWidgetViewController> widget = platform::make<VLWidgetViewController>();
+  std::vector<double> heights;
+};
+
+TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
+  EXPECT_EQ(panel(), "none");
+  show();
+  EXPECT_EQ(panel(), "info");
+
+  const struct {
+    const char* event;
+    std::function<void()> happens;
+    const char* expected;
+    bool isSamePanel;
+  } steps[] = {
+      {"launched, stopped", [this] { player.launch(); }, "info", true},
+      {"plays", [this] { player.play(); }, "track", false},
+      {"pauses", [this] { player.pause(); }, "track", true},
+      {"next track", [this] { player.nextTrack(); }, "track", true},
+      {"stops", [this] { player.stop(); }, "info", false},
+      {"quits", [this] { player.quit(); }, "info", true},
+      {"launched, playing", [this] { player.launch(demo::kPlaying); }, "track", false},
+      {"quits while playing", [this] { player.quit(); }, "info", false},
+      {"editing begins", [this] { widget->widgetDidBeginEditing(); }, "about", false},
+      {"plays while editing", [this] { player.launch(demo::kPlaying); }, "about", true},
+      {"editing begins again", [this] { widget->widgetDidBeginEditing(); }, "about", false},
+      {"quits while editing", [this] { player.quit(); }, "about", true},
+      {"editing ends without player", [this] { widget->widgetDidEndEditing(); }, "info", false},
+      {"plays", [this] { player.launch(demo::kPlaying); }, "track", false},
+      {"editing begins over the track", [this] { widget->widgetDidBeginEditing(); }, "about",
+       false},
+      {"editing ends", [this] { widget->widgetDidEndEditing(); }, "track", false},
+      {"falls silent",
+       [this] {
+         player.setSilent(true);
+         player.announce();
+       },
+       "info", false},
+      {"speaks again",
+       [this] {
+         player.setSilent(false);
+         player.announce();
+       },
+       "track", false},
+  };
+  for (const auto& [event, happens, expected, isSamePanel] : steps) {
+    SCOPED_TRACE(event);
+    const auto before = widget->contentViewController();
+    happens();
+    clock.settle();
+    EXPECT_EQ(panel(), expected);
+    EXPECT_EQ(widget->contentViewController() == before, isSamePanel);
+  }
+}
+
+TEST_F(Widget, TheHeightFollowsThePanel) {
+  show();
+  startPlayer();
+  player.stop();
+  clock.settle();
+  widget->widgetDidBeginEditing();
+  EXPECT_THAT(heights, ElementsAre(30, 64, 30, 64));
+}
+
+TEST_F(Widget, AReplacedPanelIsGoneWithItsObserversAndTimers) {
+  show();
+  startPlayer(demo::kPaused);
+  const std::weak_ptr<VLViewController> track = widget->contentViewController();
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 1U) << "the heartbeat";
+  player.stop();
+  clock.settle();
+  EXPECT_TRUE(track.expired());
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+  EXPECT_EQ(platform_.distributedCenter.registrationCount(), 2U) << "widget and panel";
+  EXPECT_EQ(workspace.notificationCenter().registrationCount(), 4U);
+}
+
+TEST_F(Widget, NothingIsLeftBehindWhenItIsDestroyedWhileShown) {
+  show();
+  startPlayer(demo::kPaused);
+  widget = nullptr;
+  window->setContentView(nullptr);
+  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+  EXPECT_EQ(platform_.distributedCenter.registrationCount(), 0U);
+  EXPECT_EQ(workspace.notificationCenter().registrationCount(), 0U);
+}
+
+TEST_F(Widget, AnsweringTheHostAlwaysBringsNewDataOnceAndNoMargins) {
+  std::vector<platform::NCUpdateResult> results;
+  widget->widgetPerformUpdateWithCompletionHandler(
+      [&](platform::NCUpdateResult result) { results.push_back(result); });
+  EXPECT_THAT(results, ElementsAre(platform::NCUpdateResult::newData));
+  EXPECT_EQ(panel(), "info");
+  EXPECT_EQ(widget->widgetMarginInsetsForProposedMarginInsets({1, 2, 3, 4}),
+            platform::NSEdgeInsetsZero);
+}
+
+TEST_F(Widget, SettingNoPanelOrOneWithoutViewLeavesNone) {
+  class WithoutView : public VLViewController {
+    std::shared_ptr<platform::NSView> preparedView() override { return nullptr; }
+  };
+  show();
+  EXPECT_FALSE(widget->setViewController(platform::make<WithoutView>()));
+  EXPECT_EQ(panel(), "none");
+  widget->update(widget.get());
+  EXPECT_EQ(panel(), "info");
+  EXPECT_FALSE(widget->setViewController(nullptr));
+  EXPECT_EQ(panel(), "none");
+}
+
+TEST_F(Widget, TheBundleNamesItAsItsPrincipalClass) {
+  const auto controller = platform::NSExtensionMain(principalClasses());
+  EXPECT_NE(std::dynamic_pointer_cast<VLWidgetViewController>(controller), nullptr);
+}
+
+}  // namespace
+}  // namespace virelune
