@@ -35,7 +35,7 @@ class Composition {
   bool openBundle(const std::string& path);
   /// Lets the widget use the network.
   void useNetwork();
-  /// Follows a player on the bus: the named one, else the one that design prefers. False when it
+  /// Follows a player on the bus: the named one, else the one that plays, else the one heard from last. False when it
   /// is not there.
   bool useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName);
   /// Brings in the demo player, which does not run yet.

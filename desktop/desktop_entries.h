@@ -1,5 +1,5 @@
 // Installed applications: desktop entries, the defaults for types, icons, and starting programs
-// (Desktop Entry Specification 1.5, MIME Applications Associations 1.0, Icon Theme 0.13).
+// (freedesktop.org: Desktop Entry 1.5, MIME Applications Associations 1.0, Icon Theme 0.13).
 #pragma once
 
 #include <functional>

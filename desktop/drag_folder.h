@@ -6,7 +6,7 @@
 
 namespace desktop {
 
-/// A folder of the user alone in the session's runtime folder (XDG Base Directory Specification).
+/// A folder of the user alone in the session's runtime folder (XDG base directories).
 /// Nobody says when a receiver has read its file: files stay for an hour, and go when the program
 /// starts or drags again.
 class DragFolder {

@@ -1,5 +1,5 @@
 // The bridge to the music player: answers the scripting requests to "com.apple.iTunes" from a
-// player on the session bus that speaks MPRIS2 (MPRIS D-Bus Interface Specification 2.2).
+// player on the session bus that speaks MPRIS2 (the MPRIS D-Bus interface, version 2.2).
 #pragma once
 
 #include <QDBusConnection>

@@ -39,7 +39,7 @@ bool isSilence(const QDBusMessage& reply) {
 }
 
 /// The writable properties of the player interface in introspection data
-/// (D-Bus Specification, "Introspection Data Format").
+/// (D-Bus, "Introspection Data Format").
 QStringList writableProperties(const QString& introspection) {
   QStringList names;
   QString interface;

@@ -1,5 +1,5 @@
-// What a player told at one moment, translated from MPRIS properties (MPRIS D-Bus Interface
-// Specification 2.2, and the MPRIS metadata guidelines for the "xesam:" and "mpris:" keys).
+// What a player told at one moment, translated from MPRIS properties (the MPRIS D-Bus
+// interface, version 2.2, and the MPRIS metadata guidelines for the "xesam:" and "mpris:" keys).
 #pragma once
 
 #include <QString>

@@ -10,7 +10,7 @@
 namespace desktop {
 
 /// The file that keeps the place: "virelune-widget/position" under $XDG_STATE_HOME, else under
-/// ~/.local/state (XDG Base Directory Specification). Empty when neither is known.
+/// ~/.local/state (XDG base directories). Empty when neither is known.
 std::filesystem::path positionFile();
 
 /// The upper left corner that a file remembers; none when there is none or it is not one.

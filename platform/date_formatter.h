@@ -1,4 +1,4 @@
-// Dates as texts in a fixed pattern (Unicode Technical Standard 35, part 4).
+// Dates as texts in a fixed pattern (Unicode Technical Standard 35, Dates).
 #pragma once
 
 #include <optional>

@@ -11,8 +11,8 @@
 
 namespace platform {
 
-/// $XDG_DATA_HOME when it is an absolute path, else ~/.local/share (XDG Base Directory
-/// Specification); none when neither is known.
+/// $XDG_DATA_HOME when it is an absolute path, else ~/.local/share (XDG base
+/// directories); none when neither is known.
 std::optional<std::string> userDataFolder();
 
 /// The folder that the applications of a group share: named after the group, in the user's data
