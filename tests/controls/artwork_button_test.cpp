@@ -1,5 +1,8 @@
 #include "controls/artwork_button.h"
 
+#include <thread>
+
+#include "platform/dispatch.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"
 
@@ -217,6 +220,52 @@ TEST_F(ArtworkButton, ReplyOfARequestLeftBehindStartsNothing) {
   EXPECT_FALSE(button->handleIncomingJSONData_forArtist_withAlbum(late, "Foo", "Bar", leftBehind));
   EXPECT_FALSE(button->startDownloadForArtwork("https://img.example/a", leftBehind));
   EXPECT_EQ(http.count(), 1U);
+}
+
+/// Answers on a thread of its own: searches with a cover, everything else with an image.
+class ThreadedHTTP final : public platform::HTTPTransport {
+ public:
+  explicit ThreadedHTTP(std::string searchReply) : searchReply_(std::move(searchReply)) {}
+  std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest request,
+                                                Completion completion) override {
+    const bool search = request.url.find("/search?") != std::string::npos;
+    const Data body = search ? Data::fromText(searchReply_) : tests::imageBytes("found");
+    workers_.async([body, completion = std::move(completion)] {
+      completion({.body = body, .status = 200, .error = {}});
+    });
+    struct Transfer final : platform::HTTPTransfer {
+      void cancel() override {}
+    };
+    return std::make_shared<Transfer>();
+  }
+
+ private:
+  const std::string searchReply_;
+  platform::WorkerPool workers_{1};
+};
+
+TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
+  {
+    ThreadedHTTP network(reply());
+    platform_.http = &network;
+    for (int i = 0; i < 300; ++i) {
+      lookUp();
+      for (int pass = 0; pass < i % 40; ++pass) clock.runLoop().runPass();
+      button->setImage(image("own"));
+      clock.runLoop().runPass();
+      ASSERT_EQ(shown(), "own");
+    }
+    lookUp();
+    while (shown() != "found") {
+      std::this_thread::yield();
+      clock.runLoop().runPass();
+    }
+    lookUp();
+    button->removeFromSuperview();
+    button = nullptr;
+  }
+  platform_.http = &http;
+  clock.settle();
 }
 
 TEST_F(ArtworkButton, DestructionEndsTheLookUp) {
