@@ -24,18 +24,6 @@ TEST(WorkerPool, TasksThatBlockDoNotHoldEachOtherUp) {
   everyoneMet.get_future().wait();
 }
 
-TEST(WorkerPool, MoreTasksThanThreadsAllRunInTurn) {
-  std::promise<void> finished;
-  int ran = 0;  // one thread, so no two tasks meet
-  WorkerPool pool(1);
-  for (int task = 0; task < 100; ++task) {
-    pool.async([&] {
-      if (++ran == 100) finished.set_value();
-    });
-  }
-  finished.get_future().wait();
-}
-
 TEST(WorkerPool, GoingAwayWaitsForTheTaskUnderWay) {
   std::promise<void> begun;
   std::promise<void> release;

@@ -1,7 +1,5 @@
 #include "player/itunes.h"
 
-#include <thread>
-
 #include "player/process_queries.h"
 #include "tests/support/widget_fixture.h"
 
@@ -10,53 +8,7 @@ namespace {
 
 using platform::code;
 using platform::Value;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using ITunes = tests::WidgetFixture;
-
-TEST_F(ITunes, EveryReadWriteAndCommandIsOneRequestWithItsOwnCode) {
-  startPlayer();
-  player.setLogging(true);
-  const auto application = AEiTunesApplication::vl_iTunesApplication();
-  const auto track = AEiTunesApplication::vl_currentTrack();
-  EXPECT_THAT(player.log(), IsEmpty()) << "making objects sends nothing";
-
-  application->playerState();
-  application->playerPosition();
-  application->setPlayerPosition(12.5);
-  application->playpause();
-  application->nextTrack();
-  application->previousTrack();
-  application->activate();
-  track->name();
-  track->artist();
-  track->album();
-  track->albumArtist();
-  track->duration();
-  track->time();
-  track->rating();
-  track->setRating(40);
-  track->ratingKind();
-  track->loved();
-  track->setLoved(true);
-  track->albumRating();
-  track->setAlbumRating(60);
-  track->albumRatingKind();
-  track->albumLoved();
-  track->setAlbumLoved(false);
-  track->artworks().count();
-  track->artworks().objectAtIndex(0)->rawData();
-  track->reveal();
-  EXPECT_THAT(
-      player.log(),
-      ElementsAre("get pPlS", "get pPos", "set pPos 12.5", "command hook/PlPs", "command hook/Next",
-                  "command hook/Prev", "command misc/actv", "get pTrk.pnam", "get pTrk.pArt",
-                  "get pTrk.pAlb", "get pTrk.pAlA", "get pTrk.pDur", "get pTrk.pTim",
-                  "get pTrk.pRte", "set pTrk.pRte 40", "get pTrk.pRtk", "get pTrk.pLov",
-                  "set pTrk.pLov true", "get pTrk.pAlR", "set pTrk.pAlR 60", "get pTrk.pARk",
-                  "get pTrk.pALv", "set pTrk.pALv false", "count pTrk.cArt",
-                  "get pTrk.cArt[0].pRaw", "command pTrk hook/Revl"));
-}
 
 TEST_F(ITunes, ATrackResolvesToItsMostSpecificClass) {
   startPlayer();
@@ -92,17 +44,6 @@ TEST_F(ITunes, WhatAPlayerDoesNotAnswerOrGetsWrongReadsAsZero) {
     EXPECT_FALSE(track->loved());
     EXPECT_EQ(track->artworks().count(), 0);
   }
-}
-
-TEST_F(ITunes, TheCodeTablesAreOneForAllThreads) {
-  std::vector<const void*> tables(8);
-  std::vector<std::thread> threads;
-  for (const void*& table : tables) {
-    threads.emplace_back([&table] { table = &AEiTunesApplication::codesForPropertyNames(); });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_THAT(tables, testing::Each(tables.front()));
-  EXPECT_EQ(AEiTunesApplication::classNamesForCodes().at(code("cURT")), "AEiTunesURLTrack");
 }
 
 TEST_F(ITunes, APlayerThatDoesNotRunIsNeverAsked) {

@@ -1,8 +1,8 @@
 #include "player/love_rating.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "extensions/application_paths.h"
 #include "tests/support/temporary_data_home.h"
@@ -28,17 +28,16 @@ class LoveRating : public tests::WidgetFixture {
     writePreferences("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
   }
 
-  static void switchRuleOn(int threshold) {
-    writeRule("<key>UseAutoLove</key><true/><key>UseAutoLoveValue</key><integer>" +
-              std::to_string(threshold) + "</integer>");
+  static void switchRuleOn(const std::string& threshold) {
+    writeRule("<key>UseAutoLove</key><true/><key>UseAutoLoveValue</key><integer>" + threshold +
+              "</integer>");
   }
 
   std::string requests() const {
     std::string text;
     for (std::string entry : player.log()) {
-      if (const auto at = entry.find(" pTrk"); at != std::string::npos) {
-        entry.erase(at + 1, std::string("pTrk.").size());
-      }
+      if (entry == "resolve pTrk") entry = "resolve";
+      if (const auto at = entry.find("pTrk."); at != std::string::npos) entry.erase(at, 5);
       text += (text.empty() ? "" : ", ") + entry;
     }
     return text;
@@ -47,359 +46,98 @@ class LoveRating : public tests::WidgetFixture {
   tests::TemporaryDataHome dataHome;
 };
 
-struct Chain {
-  const char* what;
-  std::optional<int> threshold;  ///< none: the rule is off
-  bool (*command)();
-  Marks before;
-  bool isStream;
-  bool answer;
-  const char* requests;
-  std::int64_t rating;
-  bool loved;
-};
+// One chain a line: the threshold (off: no rule), the command, the marks before (U: rated by the
+// user, C: computed, N: not rated; the rating; + loved, - not), the kind of track, the answer, the
+// marks afterwards, and the requests in their order.
+constexpr const char* kTrackChains = R"(
+off toggle    U60- file   yes 60+  get pLov, set pLov true
+off toggle    U60+ file   yes 60-  get pLov, set pLov false
+off rate=80   N0-  file   yes 80-  set pRte 80
+off rate=-5   U60+ file   yes 0+   set pRte 0
+off rate=130  U60+ file   yes 100+ set pRte 100
+80  toggle    U60- file   yes 80+  get pLov, set pLov true, get pRtk, get pRte, get pLov, set pRte 80
+80  toggle    U80- file   yes 80+  get pLov, set pLov true, get pRtk, get pRte, get pLov
+80  toggle    C99- file   yes 80+  get pLov, set pLov true, get pRtk, get pLov, set pRte 80
+80  toggle    U99+ file   yes 70-  get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
+80  toggle    U70+ file   yes 70-  get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
+80  toggle    U60+ file   yes 60-  get pLov, set pLov false, get pRtk, get pRte, get pLov
+80  rate=80   N0-  file   yes 80+  set pRte 80, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
+80  rate=75   U99+ file   yes 70-  set pRte 75, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
+80  rate=60   U99+ file   yes 60-  set pRte 60, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov
+80  rate=100  N0-  stream yes 100- set pRte 100, resolve
+80  toggle    N0-  stream yes 80+  get pLov, set pLov true, get pRtk, get pLov, set pRte 80
+80  autolove  C99+ file   yes 99-  resolve, get pRtk, set pLov false, get pRtk, get pLov
+80  autolove  U99- stream no  99-  resolve
+80  autorate  U90+ file   no  90+  get pRtk, get pRte, get pLov
+0   rate=0    U60- file   yes 0+   set pRte 0, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
+0   toggle    U60+ file   yes 0-   get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 0
+5   toggle    N0+  file   yes 0-   get pLov, set pLov false, get pRtk, get pLov, set pRte 0
+5   toggle    N0-  file   yes 5+   get pLov, set pLov true, get pRtk, get pLov, set pRte 5
+100 rate=95   N0+  file   yes 90-  set pRte 95, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, set pRte 90
+100 rate=100  N0-  file   yes 100+ set pRte 100, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
+)";
+constexpr const char* kAlbumChains = R"(
+off toggle    U60- file   yes 60+  get pALv, set pALv true
+off rate=130  U60- file   yes 100- set pAlR 100
+80  toggle    C60- file   yes 80+  get pALv, set pALv true, get pARk, get pALv, set pAlR 80
+80  toggle    U99+ file   yes 70-  get pALv, set pALv false, get pARk, get pAlR, get pALv, set pAlR 70
+80  rate=80   N0-  stream yes 80+  set pAlR 80, get pARk, get pAlR, set pALv true, get pARk, get pAlR, get pALv
+80  autorate  U60- file   no  60-  get pARk, get pAlR, get pALv
+)";
 
-template <std::int64_t rating>
-bool rateTrack() {
-  return vl_setCurrentTrackRating(rating);
+Marks marksFrom(const std::string& text) {
+  const auto kind = text[0] == 'U' ? kRatedByUser : text[0] == 'C' ? kRatingComputed : kUnknownKind;
+  return {std::stoll(text.substr(1)), kind, text.back() == '+'};
 }
-template <std::int64_t rating>
-bool rateAlbum() {
-  return vl_setCurrentAlbumRating(rating);
-}
 
-const Chain chains[] = {
-    {"off: love",
-     {},
-     vl_toggleTrackLoved,
-     {60, kRatedByUser, false},
-     false,
-     true,
-     "get pLov, set pLov true",
-     60,
-     true},
-    {"off: end love",
-     {},
-     vl_toggleTrackLoved,
-     {60, kRatedByUser, true},
-     false,
-     true,
-     "get pLov, set pLov false",
-     60,
-     false},
-    {"off: rate",
-     {},
-     rateTrack<80>,
-     {0, kUnknownKind, false},
-     false,
-     true,
-     "set pRte 80",
-     80,
-     false},
-    {"off: rate below the scale",
-     {},
-     rateTrack<-5>,
-     {60, kRatedByUser, true},
-     false,
-     true,
-     "set pRte 0",
-     0,
-     true},
-    {"off: rate above the scale",
-     {},
-     rateTrack<130>,
-     {60, kRatedByUser, true},
-     false,
-     true,
-     "set pRte 100",
-     100,
-     true},
-
-    {"80: love below it",
-     80,
-     vl_toggleTrackLoved,
-     {60, kRatedByUser, false},
-     false,
-     true,
-     "get pLov, set pLov true, get pRtk, get pRte, get pLov, set pRte 80",
-     80,
-     true},
-    {"80: love at it",
-     80,
-     vl_toggleTrackLoved,
-     {80, kRatedByUser, false},
-     false,
-     true,
-     "get pLov, set pLov true, get pRtk, get pRte, get pLov",
-     80,
-     true},
-    {"80: love a computed 100",
-     80,
-     vl_toggleTrackLoved,
-     {100, kRatingComputed, false},
-     false,
-     true,
-     "get pLov, set pLov true, get pRtk, get pLov, set pRte 80",
-     80,
-     true},
-    {"80: end love above",
-     80,
-     vl_toggleTrackLoved,
-     {100, kRatedByUser, true},
-     false,
-     true,
-     "get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70",
-     70,
-     false},
-    {"80: end love at 70",
-     80,
-     vl_toggleTrackLoved,
-     {70, kRatedByUser, true},
-     false,
-     true,
-     "get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70",
-     70,
-     false},
-    {"80: end love below",
-     80,
-     vl_toggleTrackLoved,
-     {60, kRatedByUser, true},
-     false,
-     true,
-     "get pLov, set pLov false, get pRtk, get pRte, get pLov",
-     60,
-     false},
-    {"80: rate 80",
-     80,
-     rateTrack<80>,
-     {0, kUnknownKind, false},
-     false,
-     true,
-     "set pRte 80, resolve , get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov",
-     80,
-     true},
-    {"80: rate 75",
-     80,
-     rateTrack<75>,
-     {100, kRatedByUser, true},
-     false,
-     true,
-     "set pRte 75, resolve , get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, "
-     "set pRte 70",
-     70,
-     false},
-    {"80: rate 60",
-     80,
-     rateTrack<60>,
-     {100, kRatedByUser, true},
-     false,
-     true,
-     "set pRte 60, resolve , get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov",
-     60,
-     false},
-    {"80: rate a stream",
-     80,
-     rateTrack<100>,
-     {0, kUnknownKind, false},
-     true,
-     true,
-     "set pRte 100, resolve ",
-     100,
-     false},
-    {"80: love a stream",
-     80,
-     vl_toggleTrackLoved,
-     {0, kUnknownKind, false},
-     true,
-     true,
-     "get pLov, set pLov true, get pRtk, get pLov, set pRte 80",
-     80,
-     true},
-
-    {"0: rate 0",
-     0,
-     rateTrack<0>,
-     {60, kRatedByUser, false},
-     false,
-     true,
-     "set pRte 0, resolve , get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov",
-     0,
-     true},
-    {"0: end love",
-     0,
-     vl_toggleTrackLoved,
-     {60, kRatedByUser, true},
-     false,
-     true,
-     "get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 0",
-     0,
-     false},
-    {"5: end love",
-     5,
-     vl_toggleTrackLoved,
-     {0, kUnknownKind, true},
-     false,
-     true,
-     "get pLov, set pLov false, get pRtk, get pLov, set pRte 0",
-     0,
-     false},
-    {"5: love",
-     5,
-     vl_toggleTrackLoved,
-     {0, kUnknownKind, false},
-     false,
-     true,
-     "get pLov, set pLov true, get pRtk, get pLov, set pRte 5",
-     5,
-     true},
-    {"100: rate 95",
-     100,
-     rateTrack<95>,
-     {0, kUnknownKind, true},
-     false,
-     true,
-     "set pRte 95, resolve , get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, "
-     "set pRte 90",
-     90,
-     false},
-    {"100: rate 100",
-     100,
-     rateTrack<100>,
-     {0, kUnknownKind, false},
-     false,
-     true,
-     "set pRte 100, resolve , get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov",
-     100,
-     true},
-
-    {"automatic love of a computed rating",
-     80,
-     vl_setCurrentTrackAutoLoved,
-     {100, kRatingComputed, true},
-     false,
-     true,
-     "resolve , get pRtk, set pLov false, get pRtk, get pLov",
-     100,
-     false},
-    {"automatic love of a stream",
-     80,
-     vl_setCurrentTrackAutoLoved,
-     {100, kRatedByUser, false},
-     true,
-     false,
-     "resolve ",
-     100,
-     false},
-    {"automatic rating that fits",
-     80,
-     vl_setCurrentTrackAutoRating,
-     {90, kRatedByUser, true},
-     false,
-     false,
-     "get pRtk, get pRte, get pLov",
-     90,
-     true},
-};
-
-const Chain albumChains[] = {
-    {"off: love",
-     {},
-     vl_toggleAlbumLoved,
-     {60, kRatedByUser, false},
-     false,
-     true,
-     "get pALv, set pALv true",
-     60,
-     true},
-    {"off: rate above the scale",
-     {},
-     rateAlbum<130>,
-     {60, kRatedByUser, false},
-     false,
-     true,
-     "set pAlR 100",
-     100,
-     false},
-    {"80: love a computed 60",
-     80,
-     vl_toggleAlbumLoved,
-     {60, kRatingComputed, false},
-     false,
-     true,
-     "get pALv, set pALv true, get pARk, get pALv, set pAlR 80",
-     80,
-     true},
-    {"80: end love",
-     80,
-     vl_toggleAlbumLoved,
-     {100, kRatedByUser, true},
-     false,
-     true,
-     "get pALv, set pALv false, get pARk, get pAlR, get pALv, set pAlR 70",
-     70,
-     false},
-    {"80: rate the album of a stream",
-     80,
-     rateAlbum<80>,
-     {0, kUnknownKind, false},
-     true,
-     true,
-     "set pAlR 80, get pARk, get pAlR, set pALv true, get pARk, get pAlR, get pALv",
-     80,
-     true},
-    {"automatic rating that fits",
-     80,
-     vl_setCurrentAlbumAutoRating,
-     {60, kRatedByUser, false},
-     false,
-     false,
-     "get pARk, get pAlR, get pALv",
-     60,
-     false},
-};
-
-TEST_F(LoveRating, TrackCommandsAskAndChangeExactlyThisInThisOrder) {
-  for (const Chain& chain : chains) {
-    SCOPED_TRACE(chain.what);
-    chain.threshold ? switchRuleOn(*chain.threshold) : writeRule("");
-    startPlayer();
-    player.currentTrack()->isStream = chain.isStream;
-    player.currentTrack()->marks = chain.before;
-    player.setLogging(true);
-    player.clearLog();
-    EXPECT_EQ(chain.command(), chain.answer);
-    EXPECT_EQ(requests(), chain.requests);
-    EXPECT_EQ(player.currentTrack()->marks.rating, chain.rating);
-    EXPECT_EQ(player.currentTrack()->marks.loved, chain.loved);
+bool perform(const std::string& command, bool onAlbum) {
+  if (command == "toggle") return onAlbum ? vl_toggleAlbumLoved() : vl_toggleTrackLoved();
+  if (command == "autolove") return vl_setCurrentTrackAutoLoved();
+  if (command == "autorate") {
+    return onAlbum ? vl_setCurrentAlbumAutoRating() : vl_setCurrentTrackAutoRating();
   }
+  const std::int64_t rating = std::stoll(command.substr(command.find('=') + 1));
+  return onAlbum ? vl_setCurrentAlbumRating(rating) : vl_setCurrentTrackRating(rating);
 }
 
-TEST_F(LoveRating, AlbumCommandsDoTheSameToTheAlbumAlone) {
-  for (const Chain& chain : albumChains) {
-    SCOPED_TRACE(chain.what);
-    chain.threshold ? switchRuleOn(*chain.threshold) : writeRule("");
-    startPlayer();
-    player.currentTrack()->isStream = chain.isStream;
-    player.currentTrack()->marks = {30, kRatedByUser, true};
-    Marks& album = player.albumMarks(*player.currentTrack());
-    album = chain.before;
-    player.setLogging(true);
-    player.clearLog();
-    EXPECT_EQ(chain.command(), chain.answer);
-    EXPECT_EQ(requests(), chain.requests);
-    EXPECT_EQ(album.rating, chain.rating);
-    EXPECT_EQ(album.loved, chain.loved);
-    EXPECT_EQ(player.currentTrack()->marks.rating, 30);
-    EXPECT_TRUE(player.currentTrack()->marks.loved);
+TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
+  const Marks untouched{30, kRatedByUser, true};
+  for (const bool onAlbum : {false, true}) {
+    std::istringstream table(onAlbum ? kAlbumChains : kTrackChains);
+    for (std::string line; std::getline(table, line);) {
+      if (line.empty()) continue;
+      SCOPED_TRACE(line);
+      std::istringstream fields(line);
+      std::string threshold, command, before, kind, answer, after, requested;
+      fields >> threshold >> command >> before >> kind >> answer >> after >> std::ws;
+      std::getline(fields, requested);
+
+      threshold == "off" ? writeRule("") : switchRuleOn(threshold);
+      startPlayer();
+      player.currentTrack()->isStream = kind == "stream";
+      Marks& track = player.currentTrack()->marks;
+      Marks& album = player.albumMarks(*player.currentTrack());
+      track = onAlbum ? untouched : marksFrom(before);
+      album = onAlbum ? marksFrom(before) : untouched;
+      player.setLogging(true);
+      player.clearLog();
+      EXPECT_EQ(perform(command, onAlbum) ? "yes" : "no", answer);
+      EXPECT_EQ(requests(), requested);
+      const auto told = [](const Marks& marks) {
+        return std::to_string(marks.rating) + (marks.loved ? '+' : '-');
+      };
+      EXPECT_EQ(told(onAlbum ? album : track), after);
+      EXPECT_EQ(told(onAlbum ? track : album), told(untouched));
+    }
   }
 }
 
 TEST_F(LoveRating, TheRuleIsReadAfreshAtEveryStep) {
-  switchRuleOn(80);
+  switchRuleOn("80");
   startPlayer();
   player.currentTrack()->marks = {0, kRatedByUser, false};
   player.setRequestHook([](const platform::ScriptingRequest& request) {
-    if (request.kind == platform::ScriptingRequest::Kind::resolve) switchRuleOn(100);
+    if (request.kind == platform::ScriptingRequest::Kind::resolve) switchRuleOn("100");
     if (request.path.back().code == platform::code("pLov")) writeRule("");
   });
   vl_setCurrentTrackRating(90);
@@ -408,7 +146,7 @@ TEST_F(LoveRating, TheRuleIsReadAfreshAtEveryStep) {
 }
 
 TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothingLoops) {
-  switchRuleOn(80);
+  switchRuleOn("80");
   EXPECT_FALSE(vl_toggleTrackLoved());
   EXPECT_FALSE(vl_setCurrentAlbumRating(60));
   EXPECT_EQ(player.requestCount(), 0U) << "a command must not wake the player";

@@ -88,19 +88,6 @@ TEST_F(TrackReadout, TheRatingKindTellsWhoRated) {
   }
 }
 
-TEST_F(TrackReadout, ASilentPlayerReadsAsNothing) {
-  player.setSilent(true);
-  EXPECT_EQ(panel->infoApp(), nullptr);
-  EXPECT_EQ(panel->infoTrackName(), std::nullopt);
-  EXPECT_EQ(panel->infoTrackArtistWithAlbum(), std::nullopt);
-  EXPECT_EQ(panel->infoTrackTimeDescription(), std::nullopt);
-  EXPECT_EQ(panel->infoTrackDuration(), 0.0);
-  EXPECT_EQ(panel->infoTrackPlayerPosition(), 0.0);
-  EXPECT_EQ(panel->infoTrackRating(), 0);
-  EXPECT_EQ(panel->infoTrackRatingType(), VLRatingTypeUnknown);
-  EXPECT_FALSE(panel->infoTrackLoved());
-}
-
 TEST_F(TrackReadout, LiveTheProgrammeComesFirstAndTheStreamAfterIt) {
   playLiveStation();
   track().albumArtist = "Stream Artist";
