@@ -105,7 +105,8 @@ void CardWindow::fitCard() {
 void CardWindow::updateCompositing() {
   const bool isComposited = isScreenComposited();
   card_.setTranslucent(isComposited);
-  setMask(isComposited ? QRegion() : cardMask(size()));
+  const QRegion wanted = isComposited ? QRegion() : cardMask(size());
+  if (wanted != mask()) setMask(wanted);
 }
 
 void CardWindow::updateVisibility() {

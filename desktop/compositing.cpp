@@ -1,25 +1,29 @@
 #include "desktop/compositing.h"
 
-#include <QtCore/QLibrary>
+#include <xcb/xcb.h>
+
 #include <QtGui/QGuiApplication>
+#include <cstdint>
+#include <string_view>
+
+#include "desktop/x11_reply.h"
 
 namespace desktop {
 
 bool isScreenComposited() {
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (x11 == nullptr || x11->display() == nullptr) return true;
-
-  // Qt has this library loaded, and two of its calls are all that is needed.
-  using Atom = unsigned long;
-  using Window = unsigned long;
-  using InternAtom = Atom (*)(Display*, const char*, int);
-  using GetSelectionOwner = Window (*)(Display*, Atom);
-  QLibrary library("X11", 6);
-  const auto internAtom = reinterpret_cast<InternAtom>(library.resolve("XInternAtom"));
-  const auto getSelectionOwner =
-      reinterpret_cast<GetSelectionOwner>(library.resolve("XGetSelectionOwner"));
-  if (internAtom == nullptr || getSelectionOwner == nullptr) return true;
-  return getSelectionOwner(x11->display(), internAtom(x11->display(), "_NET_WM_CM_S0", 0)) != 0;
+  xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
+  if (connection == nullptr) return true;
+  constexpr std::string_view selection = "_NET_WM_CM_S0";
+  const auto atom = owned(xcb_intern_atom_reply(
+      connection,
+      xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(selection.size()),
+                      selection.data()),
+      nullptr));
+  if (!atom) return true;
+  const auto owner = owned(xcb_get_selection_owner_reply(
+      connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+  return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 }  // namespace desktop

@@ -3,6 +3,7 @@
 #include <QtCore/QBuffer>
 #include <QtGui/QImageReader>
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <span>
 
@@ -53,10 +54,26 @@ bool isWholeJPEG(Bytes bytes) {
   return false;
 }
 
+/// Whether the chunks lead up to the last one (RFC 2083, 3.2). The decoder would notice as well,
+/// but not without words of its own.
+bool isWholePNG(Bytes bytes) {
+  constexpr std::size_t overhead = 12;  // length, type and checksum
+  constexpr std::array<std::uint8_t, 4> lastType{'I', 'E', 'N', 'D'};
+  std::size_t position = 8;
+  while (position + overhead <= bytes.size()) {
+    if (std::ranges::equal(bytes.subspan(position + 4, 4), lastType)) return true;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < 4; ++i) length = length << 8 | bytes[position + i];
+    position += overhead + length;
+  }
+  return false;
+}
+
 bool isWhole(const QByteArray& format, Bytes bytes) {
   if (format == "jpeg") return isWholeJPEG(bytes);
+  if (format == "png") return isWholePNG(bytes);
   if (format == "gif") return bytes.back() == 0x3B;  // GIF89a, trailer
-  return format == "png" || format == "webp";        // their readers notice by themselves
+  return format == "webp";                           // its reader notices by itself
 }
 
 }  // namespace

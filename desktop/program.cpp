@@ -3,12 +3,15 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QIcon>
+#include <QtGui/QPixmap>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 
 #include "desktop/card_window.h"
 #include "desktop/composition.h"
+#include "desktop/qt_image.h"
 #include "desktop/tour.h"
 
 namespace desktop {
@@ -28,9 +31,7 @@ bool isSet(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-bool hasDisplay() {
-  return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
-}
+bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"); }
 
 std::string bundlePath() {
   const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
@@ -91,10 +92,18 @@ int snapshot(const CommandLine& commandLine, Card& card) {
   return isWritten ? EXIT_SUCCESS : fail("cannot write " + *commandLine.snapshot);
 }
 
+/// The icon that task switchers show for the card.
+void setWindowIcon() {
+  const auto icon = std::dynamic_pointer_cast<QtImage>(
+      platform::imageNamed(platform::NSImageNameApplicationIcon));
+  if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
+}
+
 int showWindow(const CommandLine& commandLine, Composition& composition, Card& card) {
   CardWindow window(card, composition.graphics(), QString::fromStdString(composition.displayName()),
                     commandLine.onTop);
   composition.useDrag(window);
+  setWindowIcon();
   window.open();
   return QGuiApplication::exec();
 }

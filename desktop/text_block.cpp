@@ -44,12 +44,13 @@ QFont systemFont(const platform::NSFont& wanted) {
   return font;
 }
 
-Qt::Alignment alignment(platform::NSTextAlignment alignment) {
+/// Natural is the side where the text's own direction begins.
+Qt::Alignment alignment(platform::NSTextAlignment alignment, bool isRightToLeft) {
   switch (alignment) {
     case platform::NSTextAlignment::left:
-      return Qt::AlignLeft | Qt::AlignAbsolute;
+      return Qt::AlignLeft;
     case platform::NSTextAlignment::right:
-      return Qt::AlignRight | Qt::AlignAbsolute;
+      return Qt::AlignRight;
     case platform::NSTextAlignment::center:
       return Qt::AlignHCenter;
     case platform::NSTextAlignment::justified:
@@ -57,7 +58,7 @@ Qt::Alignment alignment(platform::NSTextAlignment alignment) {
     case platform::NSTextAlignment::natural:
       break;
   }
-  return Qt::AlignLeft;  // where the text's own direction begins
+  return isRightToLeft ? Qt::AlignRight : Qt::AlignLeft;
 }
 
 QString layoutText(const std::string& text) {
@@ -77,7 +78,7 @@ TextBlock::TextBlock(const platform::NSAttributedString& text, double width)
                                platform::NSParagraphStyle());
   font_ = systemFont(font);
   equalDigits_ = font.monospacedDigits;
-  option_.setAlignment(alignment(style.alignment));
+  option_.setAlignment(alignment(style.alignment, text_.isRightToLeft()));
   option_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   option_.setTextDirection(Qt::LayoutDirectionAuto);
 
@@ -146,7 +147,7 @@ QList<QTextLayout::FormatRange> TextBlock::digitFormats(const QString& text) con
   const QFontMetricsF metrics(font_);
   std::array<double, 10> advances{};
   for (std::size_t digit = 0; digit < advances.size(); ++digit) {
-    advances[digit] = metrics.horizontalAdvance(QChar('0' + static_cast<int>(digit)));
+    advances[digit] = metrics.horizontalAdvance(QString(QChar('0' + static_cast<int>(digit))));
   }
   const double widest = *std::max_element(advances.begin(), advances.end());
   for (int i = 0; i < text.size(); ++i) {
