@@ -8,6 +8,8 @@
 #include <fstream>
 #include <memory>
 
+#include "platform/binary_property_list.h"
+
 namespace platform {
 
 namespace {
@@ -120,61 +122,8 @@ bool isNestedTooDeeply(std::string_view xml) {
   return false;
 }
 
-/// The big-endian number in these bytes; none when they reach past the end.
-std::optional<std::uint64_t> numberAt(std::string_view bytes, std::uint64_t offset,
-                                      std::uint64_t width) {
-  if (width == 0 || width > 8 || offset > bytes.size() || width > bytes.size() - offset) {
-    return std::nullopt;
-  }
-  std::uint64_t number = 0;
-  for (const char byte : bytes.substr(offset, width)) {
-    number = number << 8U | static_cast<unsigned char>(byte);
-  }
-  return number;
-}
-
-/// True when the object at an offset is a text with a zero character, or reaches past the end.
-bool isTextWithZero(std::string_view list, std::uint64_t offset) {
-  const auto marker = numberAt(list, offset, 1);
-  if (!marker) return true;
-  const std::uint64_t width = *marker >> 4U == 5 ? 1 : 2;  // 5: ASCII, 6: UTF-16
-  if (width == 2 && *marker >> 4U != 6) return false;
-  std::uint64_t length = *marker & 15U;
-  ++offset;
-  if (length == 15) {  // the length follows as a number of 2 to the power of its low bits
-    const auto kind = numberAt(list, offset, 1);
-    if (!kind || (*kind & 15U) > 3) return true;
-    const std::uint64_t size = std::uint64_t{1} << (*kind & 15U);
-    const auto number = numberAt(list, offset + 1, size);
-    if (!number) return true;
-    length = *number;
-    offset += 1 + size;
-  }
-  if (length > list.size()) return true;
-  for (; length > 0; --length, offset += width) {
-    if (numberAt(list, offset, width).value_or(0) == 0) return true;
-  }
-  return false;
-}
-
-/// The library gives up the whole program over a key with a zero character. Walks the table of
-/// objects that the last 32 bytes of a binary list describe.
-bool hasTextWithZero(std::string_view list) {
-  constexpr std::uint64_t trailer = 32;
-  if (list.size() < trailer) return true;
-  const std::uint64_t end = list.size() - trailer;
-  const std::uint64_t width = *numberAt(list, end + 6, 1);
-  const std::uint64_t count = *numberAt(list, end + 8, 8);
-  const std::uint64_t table = *numberAt(list, end + 24, 8);
-  if (count > list.size() || table > list.size()) return true;
-  for (std::uint64_t index = 0; index < count; ++index) {
-    const auto offset = numberAt(list, table + index * width, width);
-    if (!offset || isTextWithZero(list, *offset)) return true;
-  }
-  return false;
-}
-
-/// The same for an XML list: the byte, or a reference to the character such as "&#x0;".
+/// The library ends the whole program over a key with a zero character: the byte, or a reference
+/// such as "&#x0;".
 bool hasZeroCharacter(std::string_view xml) {
   if (xml.find('\0') != std::string_view::npos) return true;
   for (std::size_t at = xml.find("&#"); at != std::string_view::npos; at = xml.find("&#", at + 2)) {
@@ -195,7 +144,7 @@ std::optional<Value> propertyListFromData(const Data& data) {
   const auto length = static_cast<std::uint32_t>(bytes.size());
   plist_t root = nullptr;
   if (bytes.starts_with("bplist00")) {
-    if (!hasTextWithZero(bytes)) plist_from_bin(bytes.data(), length, &root);
+    if (isSoundBinaryPropertyList(bytes)) plist_from_bin(bytes.data(), length, &root);
   } else if (!isNestedTooDeeply(bytes) && !hasZeroCharacter(bytes)) {
     plist_from_xml(bytes.data(), length, &root);
   }

@@ -9,31 +9,26 @@
 
 namespace tests {
 
-std::string Exchange::target() const {
-  const std::size_t start = head.find(' ') + 1;
-  return head.substr(start, head.find(' ', start) - start);
-}
-
-bool Exchange::send(std::string_view bytes) {
-  while (!bytes.empty() && !stopping_) {
-    const ssize_t sent = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+bool Exchange::send(std::string_view bytes) const {
+  while (!bytes.empty() && !stopping) {
+    const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (sent <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(sent));
   }
-  return !stopping_;
-}
-
-void Exchange::reset() {
-  const linger atOnce{1, 0};
-  setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+  return !stopping;
 }
 
 bool Exchange::wait(double seconds) const {
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!stopping_ && std::chrono::steady_clock::now() < end) {
+  while (!stopping && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
-  return !stopping_;
+  return !stopping;
+}
+
+void Exchange::reset() const {
+  const linger atOnce{1, 0};
+  setsockopt(socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
 
 std::string reply(std::string_view body, std::string_view status) {
@@ -42,8 +37,7 @@ std::string reply(std::string_view body, std::string_view status) {
 }
 
 std::string redirect(std::string_view location) {
-  return "HTTP/1.1 302 Found\r\nLocation: " + std::string(location) +
-         "\r\nContent-Length: 0\r\n\r\n";
+  return reply("", "302 Found\r\nLocation: " + std::string(location));
 }
 
 LoopbackServer::LoopbackServer(Handler handler) : handler_(std::move(handler)) {
@@ -57,7 +51,7 @@ LoopbackServer::LoopbackServer(Handler handler) : handler_(std::move(handler)) {
       getsockname(listener_, plain, &length) != 0) {
     throw std::runtime_error("no port of loopback can be had");
   }
-  port_ = ntohs(address.sin_port);
+  host_ = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
   acceptor_ = std::thread([this] { accept(); });
 }
 
@@ -72,33 +66,27 @@ LoopbackServer::~LoopbackServer() {
 }
 
 void LoopbackServer::accept() {
-  while (!stopping_) {
+  while (true) {
     const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     if (socket < 0) return;
-    {
-      const std::lock_guard lock(mutex_);
-      sockets_.push_back(socket);
-    }
+    const std::lock_guard lock(mutex_);
+    sockets_.push_back(socket);
     std::thread([this, socket] { serve(socket); }).detach();
   }
 }
 
 void LoopbackServer::serve(int socket) {
-  std::string received;
-  char bytes[4096];
-  for (bool more = true; more && !stopping_;) {
-    while (received.find("\r\n\r\n") == std::string::npos) {
-      const ssize_t length = recv(socket, bytes, sizeof bytes, 0);
-      if (length <= 0) break;
-      received.append(bytes, static_cast<std::size_t>(length));
-    }
-    const std::size_t end = received.find("\r\n\r\n");
-    if (end == std::string::npos) break;
-    Exchange exchange(socket, received.substr(0, end + 2), host(), stopping_);
-    received.erase(0, end + 4);
-    ++requestCount_;
+  std::string head;
+  char byte = 0;
+  while (!stopping_ && recv(socket, &byte, 1, 0) == 1) {
+    head += byte;
+    if (!head.ends_with("\r\n\r\n")) continue;
+    const std::size_t start = head.find(' ') + 1;
+    Exchange exchange{head.substr(start, head.find(' ', start) - start), head, host_, socket,
+                      stopping_};
     handler_(exchange);
-    more = exchange.isKeptAlive();
+    if (!exchange.keepsAlive) break;
+    head.clear();
   }
   const std::lock_guard lock(mutex_);
   std::erase(sockets_, socket);
