@@ -11,7 +11,7 @@
 
 namespace platform {
 
-/// $XDG_DATA_HOME when it is an absolute path, else ~/.local/share (XDG base
+/// $XDG_DATA_HOME when it is an absolute path, else ~/.local/share (freedesktop.org's base
 /// directories); none when neither is known.
 std::optional<std::string> userDataFolder();
 

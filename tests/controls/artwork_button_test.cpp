@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "platform/dispatch.h"
+#include "tests/support/instant_http.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"
 
@@ -222,31 +222,12 @@ TEST_F(ArtworkButton, ReplyOfARequestLeftBehindStartsNothing) {
   EXPECT_EQ(http.count(), 1U);
 }
 
-/// Answers on a thread of its own: searches with a cover, everything else with an image.
-class ThreadedHTTP final : public platform::HTTPTransport {
- public:
-  explicit ThreadedHTTP(std::string searchReply) : searchReply_(std::move(searchReply)) {}
-  std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest request,
-                                                Completion completion) override {
-    const bool search = request.url.find("/search?") != std::string::npos;
-    const Data body = search ? Data::fromText(searchReply_) : tests::imageBytes("found");
-    workers_.async([body, completion = std::move(completion)] {
-      completion({.body = body, .status = 200, .error = {}});
-    });
-    struct Transfer final : platform::HTTPTransfer {
-      void cancel() override {}
-    };
-    return std::make_shared<Transfer>();
-  }
-
- private:
-  const std::string searchReply_;
-  platform::WorkerPool workers_{1};
-};
-
 TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
   {
-    ThreadedHTTP network(reply());
+    tests::ThreadedHTTP network([](const std::string& url) {
+      const bool isSearch = url.find("/search?") != std::string::npos;
+      return isSearch ? Data::fromText(reply()) : tests::imageBytes("found");
+    });
     platform_.http = &network;
     for (int i = 0; i < 300; ++i) {
       lookUp();

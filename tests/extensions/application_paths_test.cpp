@@ -1,6 +1,5 @@
 #include "extensions/application_paths.h"
 
-#include <cstdlib>
 #include <fstream>
 
 #include "extensions/login_items.h"
@@ -57,16 +56,6 @@ TEST_F(ApplicationPaths, FolderThatCannotBeMadeIsNone) {
   std::ofstream(support) << "a file in the way";
   EXPECT_FALSE(vl_applicationPreferencesURL());
   EXPECT_FALSE(vl_applicationSupportDirectoryURLForVersion());
-}
-
-TEST_F(ApplicationPaths, RelativeDataFolderIsIgnored) {
-  ::setenv("XDG_DATA_HOME", "relative", 1);
-  const auto url = vl_applicationSupportDirectoryURLForApp();
-  const char* home = std::getenv("HOME");
-  EXPECT_EQ(url.has_value(), home != nullptr && *home == '/');
-  if (url) {
-    EXPECT_TRUE(url->filePath()->starts_with(std::string(home) + "/.local/share/"));
-  }
 }
 
 TEST_F(ApplicationPaths, StoreHostComesFromTheInformationDictionary) {

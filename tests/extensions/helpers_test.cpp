@@ -91,15 +91,5 @@ TEST_F(Helpers, RemovingSubviewsLeavesNoneAndTellsWhetherThereWereAny) {
   EXPECT_TRUE(parent->subviews().empty());
 }
 
-TEST_F(Helpers, ScrollViewTakesThePlaceOfTheViewItEmbeds) {
-  const auto view = platform::make<NSView>(platform::NSMakeRect(3, 4, 10, 20));
-  const auto scrollView = vl_embededInScrollView(view);
-  EXPECT_EQ(scrollView->frame(), platform::NSMakeRect(3, 4, 10, 20));
-  EXPECT_EQ(view->frame(), platform::NSMakeRect(0, 0, 10, 20));
-  EXPECT_EQ(scrollView->documentView(), view);
-  EXPECT_EQ(vl_image(view)->size(), (platform::NSSize{10, 20}));
-  EXPECT_EQ(vl_image(platform::make<NSView>()), nullptr);
-}
-
 }  // namespace
 }  // namespace virelune

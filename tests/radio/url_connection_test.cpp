@@ -1,8 +1,5 @@
 #include "radio/url_connection.h"
 
-#include <atomic>
-#include <thread>
-
 #include "tests/support/instant_http.h"
 #include "tests/support/widget_fixture.h"
 
@@ -47,29 +44,9 @@ TEST_F(URLConnection, SecondCallForgetsTheFirstBody) {
 }
 
 TEST_F(URLConnection, CallWaitsForAnAnswerFromAnotherThread) {
-  std::atomic<bool> returned = false;
-  struct Relay final : platform::HTTPTransport {
-    explicit Relay(std::atomic<bool>& returnedFlag) : returned(returnedFlag) {}
-    ~Relay() override { answering.join(); }
-    std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest,
-                                                  Completion completion) override {
-      answering = std::thread([this, completion = std::move(completion)] {
-        EXPECT_FALSE(returned);
-        completion({.body = Data::fromText("late"), .status = 200, .error = {}});
-      });
-      struct Transfer final : platform::HTTPTransfer {
-        void cancel() override {}
-      };
-      return std::make_shared<Transfer>();
-    }
-    std::atomic<bool>& returned;
-    std::thread answering;
-  };
-  Relay relay(returned);
-  platform_.http = &relay;
-  const auto body = vl_sendSynchronousRequest(request);
-  returned = true;
-  EXPECT_EQ(body, Data::fromText("late"));
+  tests::ThreadedHTTP threaded([](const std::string&) { return Data::fromText("late"); });
+  platform_.http = &threaded;
+  EXPECT_EQ(vl_sendSynchronousRequest(request), Data::fromText("late"));
 }
 
 }  // namespace

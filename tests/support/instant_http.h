@@ -1,15 +1,22 @@
-// A network that answers while it is asked.
+// Networks that answer by themselves.
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/dispatch.h"
 #include "platform/http.h"
 
 namespace tests {
+
+/// A transfer that takes no notice of its cancellation.
+struct DeafTransfer final : platform::HTTPTransfer {
+  void cancel() override {}
+};
 
 /// Completes each request at once with the next of its replies; with a transport error when it
 /// has none left or the reply is none. For code that waits for an answer.
@@ -26,17 +33,30 @@ class InstantHTTP final : public platform::HTTPTransport {
     }
     if (!result.body) result.error = "connection lost";
     completion(std::move(result));
-    return std::make_shared<Transfer>();
+    return std::make_shared<DeafTransfer>();
   }
 
   std::deque<std::optional<std::string>> replies;
   int status = 200;
   std::vector<platform::HTTPRequest> requests;
+};
+
+/// Completes each request, also a cancelled one, on a thread of its own.
+class ThreadedHTTP final : public platform::HTTPTransport {
+ public:
+  using Answer = std::function<platform::Data(const std::string& url)>;
+  explicit ThreadedHTTP(Answer answer) : answer_(std::move(answer)) {}
+  std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest request,
+                                                Completion completion) override {
+    worker_.async([body = answer_(request.url), completion = std::move(completion)] {
+      completion({.body = body, .status = 200, .error = {}});
+    });
+    return std::make_shared<DeafTransfer>();
+  }
 
  private:
-  struct Transfer final : platform::HTTPTransfer {
-    void cancel() override {}
-  };
+  const Answer answer_;
+  platform::WorkerPool worker_{1};
 };
 
 }  // namespace tests
