@@ -4,11 +4,10 @@
 #include <QtGui/QGuiApplication>
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 
+#include "desktop/x11_reply.h"
 #include "platform/url.h"
 
 namespace desktop {
@@ -19,14 +18,6 @@ constexpr std::uint32_t longestAddress = 64 * 1024;  // bytes
 constexpr std::uint32_t protocolVersion = 5;
 // A refusal may answer what was said before the offer, so it is given some time.
 constexpr auto offerInterval = std::chrono::milliseconds(500);
-
-struct Freed {
-  void operator()(void* reply) const { std::free(reply); }
-};
-template <class T>
-std::unique_ptr<T, Freed> owned(T* reply) {
-  return std::unique_ptr<T, Freed>(reply);
-}
 
 /// The path of a file on this machine, which its address may call by name.
 std::optional<std::string> localPath(std::string_view address) {

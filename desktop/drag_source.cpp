@@ -5,6 +5,7 @@
 #include <QtGui/QDrag>
 #include <QtGui/QGuiApplication>
 
+#include "desktop/compositing.h"
 #include "desktop/drag_mime_data.h"
 #include "desktop/qt_image.h"
 
@@ -13,6 +14,17 @@ namespace desktop {
 namespace {
 
 constexpr double cornerRadius = 3;  // points
+
+/// Where the whole picture of an item lies, scaled to its frame.
+platform::NSRect pictureRect(const platform::NSDraggingItem& item) {
+  const platform::NSRect frame = item.draggingFrame();
+  const platform::NSSize full = item.contents()->size();
+  const QSizeF size = QSizeF(full.width, full.height)
+                          .scaled(frame.size.width, frame.size.height, Qt::KeepAspectRatio);
+  return platform::NSMakeRect(frame.minX() + (frame.size.width - size.width()) / 2,
+                              frame.minY() + (frame.size.height - size.height()) / 2, size.width(),
+                              size.height());
+}
 
 }  // namespace
 
@@ -32,17 +44,17 @@ bool DragSource::begin(std::shared_ptr<platform::NSDraggingSession> session) {
 
 void DragSource::run(const std::shared_ptr<platform::NSDraggingSession>& session) {
   folder_.removeOldFiles();
-  const auto place = sessions_.insert(sessions_.end(), session);
+  const auto entry = sessions_.insert(sessions_.end(), session);
   auto data = std::make_unique<DragMimeData>(session, folder_, directSave_.get());
-  connect(data.get(), &QObject::destroyed, this, [this, place] { sessions_.erase(place); });
+  connect(data.get(), &QObject::destroyed, this, [this, entry] { sessions_.erase(entry); });
 
   const platform::NSDraggingItem& item = *session->items().front();
+  const platform::NSRect place = pictureRect(item);
   const platform::NSPoint location = session->draggingLocation();
   auto drag = std::make_unique<QDrag>(window_);
   drag->setMimeData(data.release());  // which it owns
-  drag->setPixmap(picture(item));
-  drag->setHotSpot({qRound(location.x - item.draggingFrame().minX()),
-                    qRound(item.draggingFrame().maxY() - location.y)});
+  drag->setPixmap(picture(*item.contents(), place.size));
+  drag->setHotSpot({qRound(location.x - place.minX()), qRound(place.maxY() - location.y)});
   const auto mask = session->source().draggingSession_sourceOperationMaskForDraggingContext(
       session.get(), platform::NSDraggingContext::outsideApplication);
   if (directSave_) QTimer::singleShot(0, this, [this] { started(); });
@@ -70,22 +82,16 @@ void DragSource::suggestName() {
   if (name) directSave_->suggestName(*name);
 }
 
-QPixmap DragSource::picture(const platform::NSDraggingItem& item) {
-  const platform::NSSize frame = item.draggingFrame().size;
-  const platform::NSSize full = item.contents()->size();
-  const QSizeF size =
-      QSizeF(full.width, full.height).scaled(frame.width, frame.height, Qt::KeepAspectRatio);
-  const platform::NSRect place =
-      platform::NSMakeRect((frame.width - size.width()) / 2, (frame.height - size.height()) / 2,
-                           size.width(), size.height());
-  const auto image = graphics_.render(frame, [&](platform::Canvas& canvas) {
-    canvas.clip(place, cornerRadius);
-    canvas.drawImage(*item.contents(), place, 1);
+QPixmap DragSource::picture(const platform::NSImage& image, platform::NSSize size) {
+  const platform::NSRect whole{{0, 0}, size};
+  const auto rendered = graphics_.render(size, [&](platform::Canvas& canvas) {
+    canvas.clip(whole, isScreenComposited() ? cornerRadius : 0);
+    canvas.drawImage(image, whole, 1);
   });
-  const auto* rendered = dynamic_cast<const QtImage*>(image.get());
-  if (rendered == nullptr) return {};
-  QPixmap picture = QPixmap::fromImage(rendered->pixels());
-  picture.setDevicePixelRatio(picture.width() / frame.width);
+  const auto* pixels = dynamic_cast<const QtImage*>(rendered.get());
+  if (pixels == nullptr) return {};
+  QPixmap picture = QPixmap::fromImage(pixels->pixels());
+  picture.setDevicePixelRatio(picture.width() / size.width);
   return picture;
 }
 

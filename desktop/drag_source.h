@@ -30,7 +30,7 @@ class DragSource final : public QObject, public platform::DragBackend {
   void run(const std::shared_ptr<platform::NSDraggingSession>& session);
   void started();
   void suggestName();
-  QPixmap picture(const platform::NSDraggingItem& item);
+  QPixmap picture(const platform::NSImage& image, platform::NSSize size);
 
   const QPointer<QWindow> window_;
   QtGraphics& graphics_;

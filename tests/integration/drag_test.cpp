@@ -1,0 +1,151 @@
+// Dragging the artwork out of the program into other programs, with a pointer, on an X display of
+// the test's own.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <QtGui/QImage>
+#include <QtGui/QImageReader>
+#include <cstdlib>
+#include <set>
+
+#include "demo/demo_cover.h"
+#include "demo/demo_library.h"
+#include "desktop/qt_graphics.h"
+#include "desktop/qt_image.h"
+#include "tests/integration/processes.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::MatchesRegex;
+
+constexpr const char* kNamePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}-[0-9]{2}-[0-9]{2}\\.jpg";
+
+std::set<std::string> filesIn(const std::filesystem::path& folder) {
+  std::set<std::string> names;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    names.insert(entry.path().filename().string());
+  }
+  return names;
+}
+
+/// How far apart two pictures are, from 0 to 255 on average; 255 when their sizes differ.
+double difference(const QImage& one, const QImage& other) {
+  if (one.size() != other.size()) return 255;
+  double sum = 0;
+  for (int y = 0; y < one.height(); ++y) {
+    for (int x = 0; x < one.width(); ++x) {
+      sum += std::abs(qGray(one.pixel(x, y)) - qGray(other.pixel(x, y)));
+    }
+  }
+  return sum / one.width() / one.height();
+}
+
+class DragOut : public testing::Test {
+ protected:
+  DragOut()
+      : display_(QStringLiteral("Xvfb"),
+                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                  QStringLiteral("0"), QStringLiteral("1000x600x24")}),
+        environment_(bus.environment()) {
+    for (const auto& path : {home, runtime, target}) std::filesystem::create_directory(path);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
+    const auto text = [](const std::filesystem::path& path) {
+      return QString::fromStdString(path.string());
+    };
+    environment_[QStringLiteral("DISPLAY")] = QLatin1Char(':') + display_.readLine();
+    environment_[QStringLiteral("QT_QPA_PLATFORM")] = QStringLiteral("xcb");
+    environment_[QStringLiteral("GDK_BACKEND")] = QStringLiteral("x11");
+    environment_[QStringLiteral("NO_AT_BRIDGE")] = QStringLiteral("1");
+    environment_[QStringLiteral("HOME")] = text(home);
+    environment_[QStringLiteral("XDG_DATA_HOME")] = text(home / "data");
+    environment_[QStringLiteral("XDG_CONFIG_HOME")] = text(home / "config");
+    environment_[QStringLiteral("XDG_STATE_HOME")] = text(home / "state");
+    environment_[QStringLiteral("XDG_RUNTIME_DIR")] = text(runtime);
+    // What the bus starts is to find its settings there, too.
+    outputOf(QStringLiteral("dbus-update-activation-environment"), {QStringLiteral("--all")},
+             environment_);
+    widget_ = start("virelune-widget", VIRELUNE_PROGRAM, {"--demo", "--scale=1"});
+  }
+
+  /// Starts a program and waits for its window of that class.
+  std::unique_ptr<Program> start(const char* windowClass, const char* name,
+                                 const QStringList& arguments) {
+    auto program = std::make_unique<Program>(QString::fromUtf8(name), arguments, environment_);
+    xdotool(QStringLiteral("search --sync --onlyvisible --class ") +
+            QString::fromUtf8(windowClass));
+    return program;
+  }
+
+  QString xdotool(const QString& commands) const {
+    return outputOf(QStringLiteral("xdotool"), commands.split(QLatin1Char(' ')), environment_);
+  }
+
+  /// Drags the artwork to the middle of the other program's window until something comes of it.
+  bool drop(const std::function<bool()>& isDone) const {
+    // A program that is not ready yet refuses the drop, which then leaves no trace.
+    constexpr int attempts = 5;
+    const QString card = xdotool(QStringLiteral("search --onlyvisible --class virelune-widget"))
+                             .section(QLatin1Char('\n'), -1);
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+      xdotool(QStringLiteral("mousemove --window %1 30 60 mousedown 1 mousemove_relative 2 2 "
+                             "sleep 0.2 mousemove 600 300 sleep 0.1 mousemove 450 330 sleep 0.3 "
+                             "mousemove 400 300 sleep 0.3 mousemove 401 301 sleep 0.5 mouseup 1")
+                  .arg(card));
+      if (waitUntil(isDone, std::chrono::seconds(4))) return true;
+    }
+    return false;
+  }
+
+  static void expectCover(const std::filesystem::path& file) {
+    const QString path = QString::fromStdString(file.string());
+    EXPECT_EQ(QImageReader(path).format(), "jpeg");
+    desktop::QtGraphics graphics;
+    const auto cover = graphics.decode(demo::library().at(demo::kPlainTrack).cover->bytes());
+    const QImage expected = dynamic_cast<const desktop::QtImage&>(*cover).pixels();
+    EXPECT_GE(expected.width(), 300);
+    EXPECT_LT(difference(QImage(path), expected), 4) << file;
+  }
+
+  const PrivateBus bus;
+  const TemporaryFolder folder;
+  const std::filesystem::path home = folder.path() / "home";
+  const std::filesystem::path runtime = folder.path() / "runtime";
+  const std::filesystem::path target = folder.path() / "target";
+  const std::filesystem::path waiting = runtime / "virelune-widget-drops";
+
+ private:
+  Program display_;
+  Environment environment_;
+  std::unique_ptr<Program> widget_;
+};
+
+TEST_F(DragOut, AFileManagerHasTheCoverSavedIntoItsFolderAndNowhereElse) {
+  const auto manager = start("thunar", "thunar", {QString::fromStdString(target.string())});
+  ASSERT_TRUE(drop([&] { return !filesIn(target).empty(); }));
+  ASSERT_THAT(filesIn(target), ElementsAre(MatchesRegex(kNamePattern)));
+  expectCover(target / *filesIn(target).begin());
+  EXPECT_FALSE(std::filesystem::exists(waiting));
+}
+
+TEST_F(DragOut, AReceiverOfAddressesIsGivenAFileInAPrivateFolder) {
+  const auto player = start("mpv", "mpv",
+                            {"--no-config", "--idle", "--force-window", "--vo=x11", "--ao=null",
+                             "--image-display-duration=inf", "--geometry=500x500+100+50",
+                             "--script=/usr/lib/mpv-mpris/mpris.so"});
+  const auto address = [&] {
+    return bus.playerctl({QStringLiteral("metadata"), QStringLiteral("xesam:url")});
+  };
+  ASSERT_TRUE(drop([&] { return address().startsWith(QLatin1String("file:")); }));
+  ASSERT_THAT(filesIn(waiting), ElementsAre(MatchesRegex(kNamePattern)));
+  expectCover(waiting / *filesIn(waiting).begin());
+  struct stat found {};
+  ASSERT_EQ(::stat(waiting.c_str(), &found), 0);
+  EXPECT_EQ(found.st_mode & 0777U, 0700U);
+}
+
+}  // namespace
+}  // namespace tests
