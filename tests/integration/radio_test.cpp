@@ -19,7 +19,29 @@ using virelune::VLBeats1InfoLoader;
 
 namespace {
 
-const std::string folder = "/streams/hub02/session02/64k/";
+const std::string playlist = "#EXT-X-TARGETDURATION:10\nlive-20160305T140709Z.aac\n";
+
+/// A station of the test: it sends these replies, whole and raw.
+LoopbackServer::Handler station(std::function<std::string(Exchange&)> playlistReply,
+                                std::function<std::string(const Exchange&)> segmentReply,
+                                std::string artworkReply) {
+  return [=](Exchange& exchange) {
+    exchange.keepsAlive = true;
+    if (exchange.target == "/streams/hub02/session02/64k/prog.m3u8") {
+      exchange.send(playlistReply(exchange));
+    } else if (exchange.target == "/streams/hub02/session02/64k/live-20160305T140709Z.aac") {
+      exchange.send(segmentReply(exchange));
+    } else {
+      exchange.send(artworkReply);
+    }
+  };
+}
+
+std::string playlistReply(const Exchange&) { return reply(playlist); }
+
+std::string segmentReply(const Exchange& exchange) {
+  return reply(tests::segmentHead("Title", "", "", "http://" + exchange.host + "/cover.jpg"));
+}
 
 /// The loader over real HTTP; only the clock stands still.
 class LiveRadio : public tests::WidgetFixture {
@@ -57,18 +79,11 @@ std::string contents(const std::filesystem::path& path) {
 TEST_F(LiveRadio, ReadsSegmentsThatAnEncoderWrote) {
   const auto file =
       std::filesystem::temp_directory_path() / ("segment-" + std::to_string(getpid()) + ".aac");
-  std::string segment;
-  LoopbackServer server([&](Exchange& exchange) {
-    const std::string target = exchange.target();
-    if (target == folder + "prog.m3u8") {
-      exchange.send(reply("#EXTM3U\n#EXT-X-TARGETDURATION:10\nlive-20160305T140709Z.aac\n"));
-    } else if (target == folder + "live-20160305T140709Z.aac") {
-      const bool ranged = exchange.head.find("Range: bytes=0-8192\r\n") != std::string::npos;
-      exchange.send(reply(ranged ? segment.substr(0, 8193) : "", "206 Partial Content"));
-    } else if (target == "/cover.jpg") {
-      exchange.send(reply("image:cover"));
-    }
-  });
+  const auto fileReply = [&](const Exchange& exchange) {
+    const bool ranged = exchange.head.find("Range: bytes=0-8192\r\n") != std::string::npos;
+    return reply(ranged ? contents(file).substr(0, 8193) : "", "206 Partial Content");
+  };
+  LoopbackServer server(station(playlistReply, fileReply, reply("image:cover")));
   const std::vector<std::vector<std::string>> programmes = {
       {"夜明けの交差点", "水色レイディオ", "夏の終わりの地図"},
       {"Το φως στο λιμάνι", "Νεφέλη Αύρα", "Μικρά ταξίδια"},
@@ -80,8 +95,7 @@ TEST_F(LiveRadio, ReadsSegmentsThatAnEncoderWrote) {
         texts[0] + "' -metadata artist='" + texts[1] + "' -metadata album='" + texts[2] +
         "' -metadata artwork='" + server.address("/cover.jpg") + "' " + file.string();
     ASSERT_EQ(std::system(command.c_str()), 0) << command;
-    segment = contents(file);
-    ASSERT_GT(segment.size(), 8193U);
+    ASSERT_GT(contents(file).size(), 8193U);
     listenTo(server.host());
     ASSERT_TRUE(waitForCycle());
     EXPECT_EQ(loader->infoTrackName(), texts[0]);
@@ -117,20 +131,13 @@ TEST_F(LiveRadio, RecoversFromEveryFaultOfTheServer) {
                                            tests::redirect("file:///etc/hostname"),
                                            tests::redirect("/elsewhere")};
   std::atomic<std::size_t> served = 0;
-  LoopbackServer server([&](Exchange& exchange) {
-    const std::string target = exchange.target();
-    if (target.ends_with("m3u8")) {
-      const bool sound = served == faults.size();
-      exchange.send(sound ? reply("#EXT-X-TARGETDURATION:10\nx-20160305T140709Z.aac\n")
-                          : faults.at(served++));
-      if (!sound) exchange.reset();
-    } else if (target.ends_with("aac")) {
-      exchange.send(
-          reply(tests::segmentHead("Title", "", "", "http://" + exchange.host + "/cover.jpg")));
-    } else {
-      exchange.send(reply("not found", "404 Not Found"));
-    }
-  });
+  const auto faultyReply = [&](Exchange& exchange) {
+    if (served == faults.size()) return reply(playlist);
+    exchange.keepsAlive = false;
+    exchange.reset();
+    return faults.at(served++);
+  };
+  LoopbackServer server(station(faultyReply, segmentReply, reply("not found", "404 Not Found")));
   listenTo(server.host());
   for (std::size_t cycle = 0; cycle < faults.size(); ++cycle) {
     ASSERT_TRUE(waitForCycle());
@@ -144,33 +151,14 @@ TEST_F(LiveRadio, RecoversFromEveryFaultOfTheServer) {
 }
 
 TEST_F(LiveRadio, LoadersStartedStoppedAndReplacedAtRandomMomentsStayQuiet) {
-  LoopbackServer server([&](Exchange& exchange) {
-    exchange.keepAlive();
-    const std::string target = exchange.target();
-    if (target.ends_with("m3u8")) {
-      exchange.send(reply("#EXT-X-TARGETDURATION:10\nx-20160305T140709Z.aac\n"));
-    } else if (target.ends_with("aac")) {
-      exchange.send(
-          reply(tests::segmentHead("Title", "A", "B", "http://" + exchange.host + "/cover.jpg")));
-    } else {
-      exchange.send(reply("image:cover"));
-    }
-  });
+  LoopbackServer server(station(playlistReply, segmentReply, reply("image:cover")));
   std::mt19937 random(20160305);
   for (int round = 0; round < 10'000; ++round) {
-    switch (random() % 4) {
-      case 0:
-        listenTo(server.host());  // a fresh loader; the one before is destroyed
-        break;
-      case 1:
-        if (loader != nullptr) loader->stop(nullptr);
-        break;
-      case 2:
-        if (loader != nullptr) loader->start(nullptr);
-        break;
-      default:
-        clock.settle();
-    }
+    const auto choice = round == 0 ? 0 : random() % 4;
+    if (choice == 0) listenTo(server.host());  // the loader before is destroyed
+    if (choice == 1) loader->stop(nullptr);
+    if (choice == 2) loader->start(nullptr);
+    if (choice == 3) clock.settle();
     if (random() % 8 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 400));
     if (round % 1000 == 0) {
       listenTo(server.host());

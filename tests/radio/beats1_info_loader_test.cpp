@@ -103,11 +103,7 @@ TEST_F(LiveProgramme, ChoosesTheSegmentNearTheLiveEdge) {
       {"a.aac\nb.aac\nc.aac", "c.aac"},
       {"a.aac\nb.aac", "b.aac"},
       {"#EXTM3U\r\nonly.AAC\r\nnot.aac?x\r\nnot.aac \r\nnot.aacp\r\n", "only.AAC"},
-      {"a.aac\xE2\x80\xA8"
-       "b.aac\xC2\x85"
-       "c.aac\x0B"
-       "d.aac\xE2\x80\xA9#end",
-       "b.aac"},
+      {"0.aac\xE2\x80\xA8z.aac\xC2\x85y.aac\x0Bx.aac\xE2\x80\xA9#end", "z.aac"},
       {"sub/a.aac\n.aac", ".aac"},
   };
   for (const auto& [playlist, name] : chosen) {
@@ -119,9 +115,8 @@ TEST_F(LiveProgramme, ChoosesTheSegmentNearTheLiveEdge) {
 
 TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsLater) {
   const std::vector<std::vector<std::string>> failures = {
-      {""},  // an empty playlist, as of a transport error
-      {"\xFF"
-       "a.aac"},                                      // not UTF-8
+      {""},                                           // an empty playlist, as of a transport error
+      {"\xFFz.aac"},                                  // not UTF-8
       {"<html>404 Not Found</html>"},                 // no segment
       {"a b.aac"},                                    // no address
       {playlist(), ""},                               // no segment head
@@ -145,17 +140,6 @@ TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsL
   }
 }
 
-TEST_F(LiveProgramme, MissingTextsAndABrokenArtworkDoNotFailTheCycle) {
-  loader->start(nullptr);
-  receive(playlist());
-  receive("artwork" + cover);
-  receive("<html>404 Not Found</html>");
-  EXPECT_EQ(listener->titles, std::vector{"-"s});
-  EXPECT_EQ(loader->artworkWebAddress(), cover);
-  EXPECT_EQ(loader->infoTrackArtwork(), nullptr);
-  EXPECT_DOUBLE_EQ(secondsToNextCycle(), 11) << "the cycle has succeeded";
-}
-
 TEST_F(LiveProgramme, TheNextCycleIsDueASecondAfterTheDistanceToTheSegmentsEnd) {
   const std::string duration = "#EXT-X-TARGETDURATION:10\n";
   const std::string now = "x-20160305T140709";
@@ -173,17 +157,16 @@ TEST_F(LiveProgramme, TheNextCycleIsDueASecondAfterTheDistanceToTheSegmentsEnd) 
       {"#EXT-X-TARGETDURATION:inf\n#EXT-X-TARGETDURATION:1e999\n" + now + "Z.aac", 5},
       {duration + "x-.aac", 5},
       {duration + "x-20160305T140709Z-5.aac", 5},
-      {duration + "x-20160230T140709Z.aac", 5},
-      {duration + "x-20160305T240709Z.aac", 5},
       {duration + "x-20160305T140709.aac", 5},
-      {duration + "x-20160305T140709Zulu.aac", 5},
   };
   for (const auto& [playlist, delay] : delays) {
     loader->start(nullptr);
     receive(playlist);
     receive("artwork" + cover);
-    receive("image:cover");
+    receive("<html>404 Not Found</html>");
     EXPECT_DOUBLE_EQ(secondsToNextCycle(), delay) << playlist;
+    EXPECT_EQ(loader->artworkWebAddress(), cover) << "missing texts and artwork fail no cycle";
+    EXPECT_EQ(loader->infoTrackArtwork(), nullptr);
   }
 }
 
@@ -213,20 +196,15 @@ TEST_F(LiveProgramme, AStoppedLoaderChangesNothingHoweverLateItsBytesArrive) {
   EXPECT_EQ(http.count(), requests);
 }
 
-TEST_F(LiveProgramme, BytesOnTheirWayToTheMainThreadAreDroppedToo) {
+TEST_F(LiveProgramme, OnlyTheTransferThatIsRecordedNowIsHeard) {
   loader->start(nullptr);
   http.answer(0, playlist());  // has arrived, but the run loop has not turned yet
-  loader->stop(nullptr);
-  clock.settle();
-  EXPECT_EQ(http.count(), 1U);
-}
-
-TEST_F(LiveProgramme, ARestartIsNotDisturbedByTheTransferItReplaced) {
   loader->start(nullptr);
   loader->start(nullptr);
-  EXPECT_TRUE(http.at(0).cancelled);
-  http.fail(0);
+  EXPECT_TRUE(http.at(1).cancelled);
+  http.fail(1);
   clock.settle();
+  EXPECT_EQ(http.count(), 3U);
   EXPECT_TRUE(listener->titles.empty());
   receiveCycle("Title");
   EXPECT_EQ(listener->titles, std::vector{"Title"s});
