@@ -125,7 +125,11 @@ class DragOut : public testing::Test {
 
 TEST_F(DragOut, AFileManagerHasTheCoverSavedIntoItsFolderAndNowhereElse) {
   const auto manager = start("thunar", "thunar", {QString::fromStdString(target.string())});
-  ASSERT_TRUE(drop([&] { return !filesIn(target).empty(); }));
+  const auto isSaved = [&] {
+    const auto files = filesIn(target);
+    return !files.empty() && !files.begin()->starts_with('.');  // which is being written
+  };
+  ASSERT_TRUE(drop(isSaved));
   ASSERT_THAT(filesIn(target), ElementsAre(MatchesRegex(kNamePattern)));
   expectCover(target / *filesIn(target).begin());
   EXPECT_FALSE(std::filesystem::exists(waiting));
