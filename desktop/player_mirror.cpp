@@ -109,6 +109,7 @@ void PlayerMirror::giveUp() {
   isPrompt_ = false;
   snapshot_.reset();
   probe();
+  emit changed();
 }
 
 std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
@@ -213,9 +214,9 @@ void PlayerMirror::probeAnswered(const QDBusMessage& reply) {
 void PlayerMirror::probeFailed(const QDBusError&, const QDBusMessage&) {
   isProbing_ = false;
   isPrompt_ = false;
-  snapshot_.reset();
   nextProbe_.start(probeDelay_);
   probeDelay_ = std::min(probeDelay_ * 2, kLongestProbeDelay);
+  if (std::exchange(snapshot_, nullptr)) emit changed();
 }
 
 void PlayerMirror::described(const QDBusMessage& reply) {

@@ -72,7 +72,7 @@ class PlayerMirror final : public QObject {
   void receivedSeeked();
 
  signals:
-  void changed();  ///< there is something new to ask for, or it answers again
+  void changed();  ///< there is something new to ask for, or it answers no more or again
 
  private slots:  // called by the bus
   void probeAnswered(const QDBusMessage& reply);

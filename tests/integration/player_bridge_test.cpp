@@ -137,5 +137,31 @@ TEST_F(PlayerBridge, WritesTheRatingThatThePlayerKeepsItself) {
                           QStringLiteral("SetPosition /track/1 30000000")));
 }
 
+TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
+  const TemporaryFolder folder;
+  desktop::RatingsStore ratings(folder.path() / "ratings.sqlite");
+  const Mpv mpv(bus);
+  follow({.ratings = &ratings});
+  const auto of = [](platform::FourCharCode property) {
+    return track()->propertyWithCode(property);
+  };
+  EXPECT_EQ(of(code("pRtk"))->enumCodeValue(), platform::FourCharCode{});
+  of(code("pRte"))->setTo(130);
+  of(code("pLov"))->setTo(true);
+  of(code("pAlR"))->setTo(40);
+  of(code("pALv"))->setTo(true);
+  follow({.ratings = &ratings});
+  EXPECT_EQ(of(code("pRte"))->integerValue(), 100);
+  EXPECT_EQ(platform::textFromCode(of(code("pRtk"))->enumCodeValue()), "kRtU");
+  EXPECT_TRUE(of(code("pLov"))->boolValue());
+  EXPECT_EQ(of(code("pAlR"))->integerValue(), 40);
+  // The next track of the album has the album's marks and none of its own.
+  command(code("Next"));
+  ASSERT_TRUE(waitUntil([&] { return trackText(code("pnam")) == "夜の海"; }));
+  EXPECT_FALSE(of(code("pLov"))->boolValue());
+  EXPECT_EQ(of(code("pRte"))->integerValue(), 0);
+  EXPECT_TRUE(of(code("pALv"))->boolValue());
+}
+
 }  // namespace
 }  // namespace tests
