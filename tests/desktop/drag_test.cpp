@@ -1,0 +1,104 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "desktop/drag_folder.h"
+#include "desktop/drag_mime_data.h"
+#include "platform/file_manager.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+/// Writes a file of the next number wherever it is told to.
+class Source final : public platform::NSDraggingSource,
+                     public platform::NSPasteboardItemDataProvider {
+ public:
+  platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
+      platform::NSDraggingSession*, platform::NSDraggingContext) override {
+    return platform::NSDragOperationCopy;
+  }
+  std::optional<std::string> draggingSession_fileNameForPromise(
+      platform::NSDraggingSession*) override {
+    return std::nullopt;
+  }
+  void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
+                                          platform::NSPasteboardItem* item,
+                                          const std::string& type) override {
+    if (type == platform::NSPasteboardTypePNG) {
+      item->setString_forType("PNG", type);
+      return;
+    }
+    const std::string path = *pasteboard->pasteLocation() + "/" + std::to_string(++files) + ".jpg";
+    platform::writeToFileAtomically(path, "JPEG");
+    item->setString_forType(platform::URL::fileURLWithPath(path)->absoluteString(), type);
+  }
+
+  int files = 0;
+};
+
+class Drag : public testing::Test {
+ protected:
+  Drag() { setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1); }
+  ~Drag() override { unsetenv("XDG_RUNTIME_DIR"); }
+
+  std::shared_ptr<platform::NSDraggingSession> session() {
+    const auto item = platform::make<platform::NSPasteboardItem>();
+    item->setDataProvider_forTypes(
+        source, {platform::NSPasteboardTypePNG, platform::NSPasteboardTypePromisedFileURL});
+    return platform::make<platform::NSDraggingSession>(
+        std::vector{platform::make<platform::NSDraggingItem>(item)}, source, platform::NSPoint{});
+  }
+
+  const tests::TemporaryFolder runtime;
+  const std::filesystem::path waiting = runtime.path() / "virelune-widget-drops";
+  const std::shared_ptr<Source> source = std::make_shared<Source>();
+};
+
+TEST_F(Drag, ReceiversAreAnsweredWhileTheSessionLastsAndOneFileServesAllQuestions) {
+  const DragFolder folder;
+  auto dragged = session();
+  const DragMimeData data(dragged, folder, nullptr);
+  EXPECT_EQ(data.formats(), QStringList({"image/png", "text/uri-list"}));
+  EXPECT_EQ(data.data("image/png"), "PNG");
+  EXPECT_EQ(data.data("XdndDirectSave0"), QByteArray());
+  EXPECT_EQ(source->files, 0);
+  const QByteArray address = QByteArray::fromStdString("file://" + waiting.string() + "/1.jpg\r\n");
+  EXPECT_EQ(data.data("text/uri-list"), address);
+  EXPECT_EQ(data.data("text/uri-list"), address);
+  std::filesystem::remove(waiting / "1.jpg");
+  EXPECT_TRUE(data.data("text/uri-list").endsWith("/2.jpg\r\n"));
+  dragged = nullptr;
+  EXPECT_EQ(data.data("image/png"), QByteArray());
+  EXPECT_EQ(data.data("text/uri-list"), QByteArray());
+}
+
+TEST_F(Drag, FilesWaitInAFolderOfTheUserAloneOrNowhere) {
+  const DragFolder folder;
+  ASSERT_EQ(folder.path(), waiting);
+  ::chmod(waiting.c_str(), 0755);
+  EXPECT_EQ(folder.path(), std::nullopt);
+  std::filesystem::remove(waiting);
+  const tests::TemporaryFolder elsewhere;
+  std::filesystem::create_symlink(elsewhere.path(), waiting);
+  EXPECT_EQ(folder.path(), std::nullopt);
+  setenv("XDG_RUNTIME_DIR", "relative", 1);
+  EXPECT_EQ(DragFolder().path(), std::nullopt);
+}
+
+TEST_F(Drag, FilesOfTheLastHourStayAndOlderOnesGo) {
+  std::filesystem::create_directory(waiting);
+  const auto now = std::filesystem::file_time_type::clock::now();
+  for (const auto& [name, age] : {std::pair("old.jpg", 61), std::pair("new.jpg", 59)}) {
+    std::ofstream(waiting / name) << "JPEG";
+    std::filesystem::last_write_time(waiting / name, now - std::chrono::minutes(age));
+  }
+  const DragFolder folder;
+  EXPECT_FALSE(std::filesystem::exists(waiting / "old.jpg"));
+  EXPECT_TRUE(std::filesystem::exists(waiting / "new.jpg"));
+}
+
+}  // namespace
+}  // namespace desktop
