@@ -17,6 +17,9 @@ namespace {
 constexpr std::size_t maximumBytes = 4096;
 constexpr double lineHeightOfSize = 1.2;
 constexpr QChar ellipsis(0x2026);
+constexpr int narrowest = 75;  // per cent
+constexpr double anyWidth =
+    std::numeric_limits<int>::max() / 256;  // the layout's numbers end there
 
 template <class T>
 T attribute(const platform::Dictionary& attributes, const char* key, T otherwise) {
@@ -82,9 +85,29 @@ TextBlock::TextBlock(const platform::NSAttributedString& text, double width)
   option_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   option_.setTextDirection(Qt::LayoutDirectionAuto);
 
+  if (equalDigits_) narrowFigures();
   const QFontMetricsF metrics(font_);
   lineHeight_ = font.size * lineHeightOfSize;
   baseline_ = (lineHeight_ - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent();
+}
+
+void TextBlock::narrowFigures() {
+  TextBlock line = *this;
+  line.width_ = anyWidth;
+  const auto naturalWidth = [&line] {
+    QTextLayout layout(line.text_, line.font_);
+    return line.layOut(layout, 1);
+  };
+  const double whole = naturalWidth();
+  if (whole <= width_) return;
+  // Not every font gives way evenly.
+  const int expected = static_cast<int>(width_ / whole * QFont::Unstretched);
+  for (int stretch = expected; stretch >= narrowest; --stretch) {
+    line.font_.setStretch(stretch);
+    if (naturalWidth() > width_) continue;
+    font_.setStretch(stretch);
+    return;
+  }
 }
 
 platform::NSSize TextBlock::measure(double height) const {
@@ -172,7 +195,7 @@ QString TextBlock::elided(QString text) const {
   QTextLayout whole(text, font_);
   line.layOut(whole, 1);
   int length = whole.lineCount() > 0 ? whole.lineAt(0).textLength() : 0;
-  line.width_ = std::numeric_limits<int>::max() / 256;  // the layout's numbers end there
+  line.width_ = anyWidth;
   for (; length > 0; length = whole.previousCursorPosition(length)) {
     QString start = text.left(length);
     while (!start.isEmpty() && start.back().isSpace()) start.chop(1);

@@ -14,6 +14,8 @@
 namespace desktop {
 
 /// A text in one font, wrapped at word boundaries, right-to-left where its characters ask for it.
+/// Figures (a font with monospaced digits) are narrowed by up to a quarter before they are wrapped
+/// or cut, because a number that lacks its end is another number.
 /// Lines follow each other at 1.2 times the font's size, whatever fonts stand in for characters
 /// that the system font lacks, so that no text moves another.
 class TextBlock {
@@ -30,6 +32,7 @@ class TextBlock {
             const QColor& color) const;
 
  private:
+  void narrowFigures();
   /// Lays out at most maximumLines lines of a text; answers the lines' common width.
   double layOut(QTextLayout& layout, int maximumLines) const;
   QList<QTextLayout::FormatRange> digitFormats(const QString& text) const;

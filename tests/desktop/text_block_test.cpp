@@ -162,4 +162,17 @@ TEST(TextBlock, AllDigitsTakeTheSameRoomAlsoWhereTheFontsDoNot) {
   if (uneven == 0) GTEST_SKIP() << "no installed font has digits of different widths";
 }
 
+TEST(TextBlock, FiguresGiveWayBeforeTheyAreCutAndOnlyFigures) {
+  const auto heightOf = [](const std::string& text, double width, bool monospaced) {
+    return desktop::QtGraphics()
+        .measure(styled(text, NSTextAlignment::left, monospaced), {width, anyHeight}, truncating)
+        .height;
+  };
+  const std::string time = "01:00:02 | 1:12:40";
+  const double whole = measured(time, 1000).width;
+  EXPECT_DOUBLE_EQ(heightOf(time, 0.8 * whole, true), line);
+  EXPECT_DOUBLE_EQ(heightOf(time, 0.8 * whole, false), 2 * line);
+  EXPECT_GT(heightOf(time, 0.4 * whole, true), line);
+}
+
 }  // namespace
