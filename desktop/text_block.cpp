@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t maximumBytes = 4096;
 constexpr double lineHeightOfSize = 1.2;
 constexpr QChar ellipsis(0x2026);
-constexpr int narrowest = 75;  // per cent
+constexpr int narrowest = 75;  // per cent of a font's own width
 constexpr double anyWidth =
     std::numeric_limits<int>::max() / 256;  // the layout's numbers end there
 
@@ -101,7 +101,7 @@ void TextBlock::narrowFigures() {
   const double whole = naturalWidth();
   if (whole <= width_) return;
   // Not every font gives way evenly.
-  const int expected = static_cast<int>(width_ / whole * QFont::Unstretched);
+  const int expected = static_cast<int>(width_ / whole * 100);
   for (int stretch = expected; stretch >= narrowest; --stretch) {
     line.font_.setStretch(stretch);
     if (naturalWidth() > width_) continue;
