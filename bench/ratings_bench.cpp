@@ -146,13 +146,15 @@ void measureWriting(const BenchFolder& folder, Figures& figures) {
 }
 
 double readingTime(const BenchFolder& folder, std::size_t tracks) {
-  RatingsStore store(folder.file(std::to_string(tracks) + ".sqlite"));
+  const std::filesystem::path file = folder.file(std::to_string(tracks) + ".sqlite");
   std::vector<desktop::RatingsRecord> records(tracks);
   for (std::size_t i = 0; i < tracks; ++i) {
     records[i].identity = track(i);
     records[i].marks = {.rating = static_cast<int>(i % 101), .loved = i % 2 == 0};
   }
-  if (!store.merge(records)) giveUp("the tracks were not written");
+  if (!RatingsStore(file).merge(records)) giveUp("the tracks were not written");
+  records = {};
+  RatingsStore store(file);
   std::mt19937 random(1);
   constexpr std::size_t readsAtOnce = 100;
   std::vector<TrackIdentity> played(readsAtOnce);

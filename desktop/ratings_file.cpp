@@ -99,8 +99,8 @@ StoreTrouble prepareFile(const std::filesystem::path& file, Patience& patience,
     return {Kind::newer, "it was written by a newer version of this program"};
   }
   // EXTRA also waits for the folder, should the file not be in write-ahead mode. The cache (in
-  // KiB) holds the upper pages of a million entries.
-  if (const int result = database.execute("PRAGMA synchronous = EXTRA; PRAGMA cache_size = -16384");
+  // KiB) holds the marks of a million entries, and grows only as they are read.
+  if (const int result = database.execute("PRAGMA synchronous = EXTRA; PRAGMA cache_size = -32768");
       result != SQLITE_OK) {
     return troubleWithResult(database, result);
   }
