@@ -23,9 +23,9 @@ constexpr auto offerInterval = std::chrono::milliseconds(500);
 std::optional<std::string> localPath(std::string_view address) {
   const auto url = platform::URL::fromText(address);
   if (!url) return std::nullopt;
-  if (url->scheme() == "file" && url->host() == QSysInfo::machineHostName().toLower().toStdString())
-    return url->path();
-  return url->filePath();
+  const bool isNamed = QSysInfo::machineHostName().compare(QString::fromStdString(url->host()),
+                                                           Qt::CaseInsensitive) == 0;
+  return url->scheme() == "file" && isNamed ? url->path() : url->filePath();
 }
 
 }  // namespace
@@ -68,21 +68,22 @@ void DirectSave::suggestName(const std::string& name) {
   xcb_flush(connection_);
 }
 
-std::optional<std::string> DirectSave::destination() const {
+QByteArray DirectSave::save(platform::NSPasteboard& pasteboard) const {
   const auto reply = owned(
       xcb_get_property_reply(connection_,
                              xcb_get_property(connection_, 0, source_, directSave_,
                                               XCB_GET_PROPERTY_TYPE_ANY, 0, longestAddress / 4),
                              nullptr));
-  if (!reply || reply->format != 8) return std::nullopt;
-  return localPath({static_cast<const char*>(xcb_get_property_value(reply.get())),
-                    static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))});
+  if (!reply || reply->format != 8) return "F";
+  return saveAtAddress(pasteboard,
+                       {static_cast<const char*>(xcb_get_property_value(reply.get())),
+                        static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))});
 }
 
-QByteArray DirectSave::save(platform::NSPasteboard& pasteboard) const {
-  const auto wanted = destination();
-  if (!wanted) return "F";
-  const std::filesystem::path file(*wanted);
+QByteArray DirectSave::saveAtAddress(platform::NSPasteboard& pasteboard, std::string_view address) {
+  const auto path = localPath(address);
+  if (!path) return "F";
+  const std::filesystem::path file(*path);
   const auto saved = pasteboard.receivePromisedFileInDirectory(file.parent_path().string());
   if (!saved) return "E";
   if (*saved == file) return "S";

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/pasteboard.h"
 
@@ -39,13 +40,14 @@ class DirectSave final : private QAbstractNativeEventFilter {
   /// Writes the promised file where the receiver wants it. "S" for success; "F" when it is to go
   /// where files cannot be written to from here; "E" for an error.
   QByteArray save(platform::NSPasteboard& pasteboard) const;
+  /// The same with the address at hand.
+  static QByteArray saveAtAddress(platform::NSPasteboard& pasteboard, std::string_view address);
 
  private:
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
   xcb_atom_t atom(const char* name) const;
   std::optional<std::uint32_t> value(xcb_window_t window, xcb_atom_t property,
                                      xcb_atom_t type) const;
-  std::optional<std::string> destination() const;
   void offerAddress(xcb_window_t target);
 
   xcb_connection_t* const connection_;  // Qt's

@@ -5,10 +5,10 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 
 #include "desktop/file_descriptor.h"
 #include "desktop/user_folders.h"
+#include "platform/file_manager.h"
 
 namespace desktop {
 
@@ -55,24 +55,12 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file,
 bool writeWholeFile(const std::filesystem::path& file, std::string_view contents) {
   const std::filesystem::path place = placeOf(file);
   struct stat found {};
-  const bool exists = ::stat(place.c_str(), &found) == 0;
-  if (exists && !S_ISREG(found.st_mode)) {
+  if (::stat(place.c_str(), &found) == 0 && !S_ISREG(found.st_mode)) {
     const FileDescriptor opened(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
     return opened && writeAll(opened.get(), contents);
   }
-  std::string temporary = place.native() + ".XXXXXX";
-  const FileDescriptor opened(::mkostemp(temporary.data(), O_CLOEXEC));
-  if (!opened) return false;
-  constexpr mode_t readableForAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
-  const mode_t mode = exists ? found.st_mode & 0777U : readableForAll;
-  if (writeAll(opened.get(), contents) && ::fchmod(opened.get(), mode) == 0 &&
-      ::fsync(opened.get()) == 0 && ::rename(temporary.c_str(), place.c_str()) == 0) {
-    return synchroniseFolder(place.parent_path());
-  }
-  const int error = errno;
-  ::unlink(temporary.c_str());
-  errno = error;
-  return false;
+  return platform::writeToFileAtomically(place.string(), contents) &&
+         synchroniseFolder(place.parent_path());
 }
 
 }  // namespace desktop

@@ -1,5 +1,6 @@
 #include "platform/file_manager.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,8 +21,8 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Makes a hidden file beside the one that it is to replace, with the permissions that new files
-/// get. Null, with errno telling why, when that cannot be done.
+/// Makes a hidden file beside the one that it is to replace, with its permissions, or those that
+/// new files get. Null, with errno telling why, when that cannot be done.
 File makeFileBeside(const fs::path& path, std::string& temporary) {
   constexpr int attempts = 100;
   const std::string stem = (path.parent_path() / ("." + path.filename().string())).string() + "." +
@@ -29,7 +30,12 @@ File makeFileBeside(const fs::path& path, std::string& temporary) {
   for (int attempt = 0; attempt < attempts; ++attempt) {
     temporary = stem + std::to_string(attempt);
     File file(std::fopen(temporary.c_str(), "wxe"));
-    if (file || errno != EEXIST) return file;
+    if (!file && errno == EEXIST) continue;
+    struct stat old {};
+    if (file && ::stat(path.c_str(), &old) == 0) {
+      ::fchmod(::fileno(file.get()), old.st_mode & 0777U);
+    }
+    return file;
   }
   return nullptr;
 }

@@ -32,7 +32,8 @@ bool checkResourceIsReachable(const URL& url);
 bool createDirectoryAtURL(const URL& url);
 
 /// Puts a file with these contents in place, on the disk and all at once; a file of the same name
-/// is replaced. False, with errno telling why and nothing left behind, when it cannot be done.
+/// is replaced and its permissions stay. False, with errno telling why and nothing left behind,
+/// when it cannot be done.
 bool writeToFileAtomically(const std::string& path, std::string_view contents);
 
 }  // namespace platform

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <QtCore/QSysInfo>
 #include <cstdlib>
 #include <fstream>
+#include <set>
 
 #include "desktop/drag_folder.h"
 #include "desktop/drag_mime_data.h"
@@ -73,6 +75,28 @@ TEST_F(Drag, ReceiversAreAnsweredWhileTheSessionLastsAndOneFileServesAllQuestion
   dragged = nullptr;
   EXPECT_EQ(data.data("image/png"), QByteArray());
   EXPECT_EQ(data.data("text/uri-list"), QByteArray());
+}
+
+TEST_F(Drag, DirectSavePutsTheFileWhereTheReceiverSaysOrLeavesNone) {
+  const auto dragged = session();
+  const auto save = [&](const std::string& address) {
+    return DirectSave::saveAtAddress(dragged->draggingPasteboard(), address);
+  };
+  const std::string folder = runtime.path().string();
+  const std::string machine = QSysInfo::machineHostName().toUpper().toStdString();
+  std::filesystem::create_directory(runtime.path() / "taken");
+  EXPECT_EQ(save("file://" + folder + "/1.jpg"), "S");
+  EXPECT_EQ(save("file://" + folder + "/other%20name.jpg"), "S");
+  EXPECT_EQ(save("file://" + machine + folder + "/here.jpg"), "S");
+  EXPECT_EQ(save("file://" + folder + "/taken"), "E");
+  EXPECT_EQ(save("file://elsewhere.example" + folder + "/5.jpg"), "F");
+  EXPECT_EQ(save("sftp://elsewhere.example/5.jpg"), "F");
+  EXPECT_EQ(save("5.jpg"), "F") << "the receiver has put no address there";
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(names, (std::set<std::string>{"1.jpg", "other name.jpg", "here.jpg", "taken"}));
 }
 
 TEST_F(Drag, FilesWaitInAFolderOfTheUserAloneOrNowhere) {
