@@ -2,6 +2,7 @@
 // (freedesktop.org: Desktop Entry 1.5, MIME Applications Associations 1.0, Icon Theme 0.13).
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
