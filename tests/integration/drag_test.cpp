@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <QtDBus/QDBusConnectionInterface>
 #include <QtGui/QImage>
 #include <QtGui/QImageReader>
+#include <csignal>
 #include <cstdlib>
 #include <set>
 
@@ -60,6 +62,7 @@ class DragOut : public testing::Test {
     environment_[QStringLiteral("QT_QPA_PLATFORM")] = QStringLiteral("xcb");
     environment_[QStringLiteral("GDK_BACKEND")] = QStringLiteral("x11");
     environment_[QStringLiteral("NO_AT_BRIDGE")] = QStringLiteral("1");
+    environment_[QStringLiteral("GIO_USE_VFS")] = QStringLiteral("local");
     environment_[QStringLiteral("HOME")] = text(home);
     environment_[QStringLiteral("XDG_DATA_HOME")] = text(home / "data");
     environment_[QStringLiteral("XDG_CONFIG_HOME")] = text(home / "config");
@@ -69,6 +72,13 @@ class DragOut : public testing::Test {
     outputOf(QStringLiteral("dbus-update-activation-environment"), {QStringLiteral("--all")},
              environment_);
     widget_ = start("virelune-widget", VIRELUNE_PROGRAM, {"--demo", "--scale=1"});
+  }
+
+  ~DragOut() override {
+    // The settings service would save the file manager's into the folder that goes now.
+    const auto service =
+        bus.connection().interface()->servicePid(QStringLiteral("org.xfce.Xfconf"));
+    if (service.isValid()) ::kill(static_cast<pid_t>(service.value()), SIGKILL);
   }
 
   /// Starts a program and waits for its window of that class.
