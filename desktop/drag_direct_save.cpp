@@ -32,7 +32,8 @@ std::optional<std::string> localPath(std::string_view address) {
 
 std::unique_ptr<DirectSave> DirectSave::forApplication() {
   const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 != nullptr ? std::make_unique<DirectSave>(x11->connection()) : nullptr;
+  xcb_connection_t* connection = x11 != nullptr ? x11->connection() : nullptr;
+  return connection != nullptr ? std::make_unique<DirectSave>(connection) : nullptr;
 }
 
 DirectSave::DirectSave(xcb_connection_t* connection)
