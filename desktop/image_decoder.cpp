@@ -11,7 +11,7 @@ namespace desktop {
 
 namespace {
 
-constexpr qint64 maximumPixels = 32'000'000;
+constexpr qint64 maximumPixels = 20'000'000;
 
 using Bytes = std::span<const std::uint8_t>;
 
