@@ -64,7 +64,7 @@ struct Job {
   std::vector<std::uint8_t> body;
   std::size_t headerLength = 0;
   bool headersEnded = false;  // of the latest reply, with a blank line
-  HeaderList headers;  // outlives the handle that uses it
+  HeaderList headers;         // outlives the handle that uses it
   Easy easy;
 
   Job(HTTPRequest newRequest, HTTPTransport::Completion newCompletion)
@@ -123,7 +123,10 @@ bool Job::prepare(const std::string& certificates) {
   set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(request.timeout));
   set(CURLOPT_SSL_VERIFYPEER, 1L);
   set(CURLOPT_SSL_VERIFYHOST, 2L);
-  if (!certificates.empty()) set(CURLOPT_CAINFO, certificates.c_str());
+  // Takes the place of the system's file of certificates; its folder of them stays.
+  curl_blob additional{const_cast<char*>(certificates.data()), certificates.size(),  // NOLINT
+                       CURL_BLOB_NOCOPY};
+  if (!certificates.empty()) set(CURLOPT_CAINFO_BLOB, &additional);
   set(CURLOPT_NOPROXY, hostsWithoutProxy().c_str());
   set(CURLOPT_USERAGENT, "virelune-widget");
   set(CURLOPT_NOSIGNAL, 1L);
@@ -304,15 +307,25 @@ class CurlTransport::Transfer final : public HTTPTransfer {
 };
 
 CurlTransport::CurlTransport(const std::string& additionalCertificates)
-    : engine_(std::make_shared<Engine>(additionalCertificates)) {
-  engine_->startThread();
+    : additionalCertificates_(additionalCertificates) {}
+
+CurlTransport::~CurlTransport() {
+  if (engine_) engine_->stopThread();
 }
 
-CurlTransport::~CurlTransport() { engine_->stopThread(); }
+std::shared_ptr<CurlTransport::Engine> CurlTransport::engine() {
+  const std::lock_guard lock(mutex_);
+  if (!engine_) {
+    engine_ = std::make_shared<Engine>(additionalCertificates_);
+    engine_->startThread();
+  }
+  return engine_;
+}
 
 std::shared_ptr<HTTPTransfer> CurlTransport::start(HTTPRequest request, Completion completion) {
+  const auto engine = this->engine();
   auto job = std::make_unique<Job>(std::move(request), std::move(completion));
-  return std::make_shared<Transfer>(engine_, engine_->add(std::move(job)));
+  return std::make_shared<Transfer>(engine, engine->add(std::move(job)));
 }
 
 }  // namespace platform
