@@ -3,12 +3,12 @@
 
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf8proc-dev
   libplist-dev libcurl4-openssl-dev nlohmann-json3-dev libsqlite3-dev libxcb1-dev
-  libcpp-httplib-dev)
+  libcpp-httplib-dev libssl-dev)
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
-  ffmpeg openssl)
+  ffmpeg)
 bench_packages=(libbenchmark-dev mpv mpv-mpris xvfb xauth ffmpeg)
-fuzz_packages=(clang)
+fuzz_packages=(clang libclang-rt-14-dev)
 
 # Installs those of the named packages that are missing. Ends the program with one message that
 # names them when that is not possible.
