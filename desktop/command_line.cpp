@@ -5,12 +5,16 @@
 #include <charconv>
 #include <string_view>
 
+#include "platform/url.h"
+
 namespace desktop {
 
 namespace {
 
 constexpr double smallestScale = 1;
 constexpr double largestScale = 4;
+
+constexpr std::string_view hostValue = "HOST[:PORT]";
 
 /// An option: a switch, or a text to follow it.
 struct Option {
@@ -21,7 +25,7 @@ struct Option {
   std::optional<std::string> CommandLine::*text = nullptr;
 };
 
-constexpr std::array<Option, 11> options{{
+constexpr std::array<Option, 13> options{{
     {"--player", "NAME", "follow this player (bus name or shown name)", nullptr,
      &CommandLine::player},
     {"--list-players", "", "list the players on the session bus", &CommandLine::listPlayers},
@@ -34,6 +38,10 @@ constexpr std::array<Option, 11> options{{
      &CommandLine::exportRatings},
     {"--import-ratings", "FILE", "take ratings and love marks over from such a file", nullptr,
      &CommandLine::importRatings},
+    {"--stream-host", hostValue, "ask this server for the live station's programme", nullptr,
+     &CommandLine::streamHost},
+    {"--store-host", hostValue, "search the store on this server", nullptr,
+     &CommandLine::storeHost},
     {"--on-top", "", "keep the card above other windows", &CommandLine::onTop},
     {"--scale", "N", "pixels per point, from 1 to 4"},
     {"--help", "", "show this help", &CommandLine::help},
@@ -47,6 +55,12 @@ std::optional<double> scaleFromText(std::string_view text) {
   const bool isNumber = error == std::errc() && rest == end;
   return isNumber && scale >= smallestScale && scale <= largestScale ? std::optional(scale)
                                                                      : std::nullopt;
+}
+
+/// True for the host and port of an address, and nothing else of one.
+bool isHost(std::string_view text) {
+  const auto url = platform::URL::fromText("http://" + std::string(text) + "/");
+  return url && !url->host().empty() && text.find_first_of("/?#@") == std::string_view::npos;
 }
 
 std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
@@ -91,6 +105,10 @@ std::variant<CommandLine, CommandLineError> parseCommandLine(
     const std::string_view value =
         isAttached ? argument.substr(equals + 1) : std::string_view(arguments[++i]);
     if (value.empty()) return CommandLineError{std::string(name) + " needs a value"};
+    if (option->valueName == hostValue && !isHost(value)) {
+      return CommandLineError{std::string(name) + " takes a host or host:port, not " +
+                              quoted(value)};
+    }
     if (option->text != nullptr) {
       line.*option->text = std::string(value);
       continue;

@@ -14,6 +14,8 @@ struct CommandLine {
   std::optional<std::string> tour;           ///< --tour FOLDER
   std::optional<std::string> exportRatings;  ///< --export-ratings FILE
   std::optional<std::string> importRatings;  ///< --import-ratings FILE
+  std::optional<std::string> streamHost;     ///< --stream-host HOST[:PORT]
+  std::optional<std::string> storeHost;      ///< --store-host HOST[:PORT]
   std::optional<double> scale;               ///< --scale N, from 1 to 4
   bool listPlayers = false;
   bool demo = false;

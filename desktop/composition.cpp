@@ -40,6 +40,14 @@ bool Composition::openBundle(const std::string& path) {
   return bundle_ != nullptr;
 }
 
+void Composition::setStreamHost(const std::string& host) {
+  if (bundle_) bundle_->setInfoDictionaryEntry("VLStreamHost", host);
+}
+
+void Composition::setStoreHost(const std::string& host) {
+  if (bundle_) bundle_->setInfoDictionaryEntry("VLStoreSearchHost", host);
+}
+
 void Composition::useNetwork() {
   http_ = std::make_unique<platform::CurlTransport>();
   workers_ = std::make_unique<platform::WorkerPool>();
@@ -66,6 +74,12 @@ demo::DemoPlayer& Composition::useDemo() {
   demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, desktopWorkspace_.get());
   install(*demoWorkspace_, *demoPlayer_);
   return *demoPlayer_;
+}
+
+bool Composition::useDemoStation() {
+  demoStation_ = demo::DemoStation::start();
+  if (demoStation_) setStreamHost(demoStation_->host());
+  return demoStation_ != nullptr;
 }
 
 void Composition::install(platform::WorkspaceBackend& workspace,

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "demo/demo_player.h"
+#include "demo/demo_station.h"
 #include "demo/demo_workspace.h"
 #include "desktop/card.h"
 #include "desktop/desktop_workspace.h"
@@ -33,13 +34,20 @@ class Composition {
 
   /// Opens the bundle in a folder; false when there is none.
   bool openBundle(const std::string& path);
+  // The servers of the live station and of the store, "host" or "host:port", in the place of the
+  // bundle's; before the widget is made.
+  void setStreamHost(const std::string& host);
+  void setStoreHost(const std::string& host);
   /// Lets the widget use the network.
   void useNetwork();
-  /// Follows a player on the bus: the named one, else the one that plays, else the one heard from last. False when it
-  /// is not there.
+  /// Follows a player on the bus: the named one, else the one that plays, else the one heard from
+  /// last. False when it is not there.
   bool useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName);
   /// Brings in the demo player, which does not run yet.
   demo::DemoPlayer& useDemo();
+  /// Starts the demo's live station, in the place of the bundle's; before the widget is made.
+  /// False when it cannot serve.
+  bool useDemoStation();
 
   /// Makes the widget and lays it on its card; null when the bundle names no widget.
   Card* makeCard(const platform::PrincipalClasses& classes);
@@ -62,6 +70,7 @@ class Composition {
   std::unique_ptr<RatingsStore> ratings_;
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;
+  std::unique_ptr<demo::DemoStation> demoStation_;
   std::unique_ptr<LoginItems> loginItems_;
   std::unique_ptr<DesktopWorkspace> desktopWorkspace_;
   std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;

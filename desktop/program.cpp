@@ -52,6 +52,18 @@ int listPlayers() {
   return EXIT_SUCCESS;
 }
 
+/// Puts the servers that the command line names in the place of the bundle's.
+void chooseServers(const CommandLine& commandLine, Composition& composition) {
+  if (commandLine.streamHost) composition.setStreamHost(*commandLine.streamHost);
+  if (commandLine.storeHost) composition.setStoreHost(*commandLine.storeHost);
+}
+
+/// The demo player, with a live station of its own unless the command line names one.
+demo::DemoPlayer& useDemo(const CommandLine& commandLine, Composition& composition) {
+  if (!commandLine.streamHost) composition.useDemoStation();
+  return composition.useDemo();
+}
+
 /// Brings in the player that the command line asks for; the exit status when that fails.
 std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& composition) {
   if (!commandLine.demo) {
@@ -66,13 +78,14 @@ std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& com
     }
     std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
   }
-  composition.useDemo().launch(demo::kPlaying);
+  useDemo(commandLine, composition).launch(demo::kPlaying);
   return std::nullopt;
 }
 
 int tour(const CommandLine& commandLine, Composition& composition,
          const platform::PrincipalClasses& classes) {
-  demo::DemoPlayer& player = composition.useDemo();
+  composition.useNetwork();
+  demo::DemoPlayer& player = useDemo(commandLine, composition);
   Card* card = composition.makeCard(classes);
   if (card == nullptr) return fail("the resources name no widget");
   const auto unwritten =
@@ -136,6 +149,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   if (!composition.openBundle(bundlePath())) {
     return fail("the resources are missing: " + bundlePath());
   }
+  chooseServers(commandLine, composition);
   if (takesTour) return tour(commandLine, composition, classes);
 
   composition.useNetwork();

@@ -25,6 +25,9 @@ TEST(CommandLine, ReadsValuesInBothSpellings) {
   EXPECT_EQ(line.scale, 1.5);
   EXPECT_TRUE(line.onTop);
   EXPECT_FALSE(line.demo);
+  for (const char* host : {"127.0.0.1:8080", "radio.example.org", "[::1]:80"}) {
+    EXPECT_EQ(std::get<CommandLine>(parsed({"--stream-host", host})).streamHost, host);
+  }
 }
 
 TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
@@ -32,16 +35,19 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
     std::vector<const char*> arguments;
     const char* message;
   };
-  for (const Case& c :
-       std::vector<Case>{{{"--frobnicate"}, "unknown option \"--frobnicate\""},
-                         {{"song.mp3"}, "unexpected \"song.mp3\""},
-                         {{"--player"}, "--player needs a value"},
-                         {{"--tour="}, "--tour needs a value"},
-                         {{"--demo=yes"}, "--demo takes no value"},
-                         {{"--scale", "0.5"}, "--scale takes a number from 1 to 4, not \"0.5\""},
-                         {{"--scale", "2x"}, "--scale takes a number from 1 to 4, not \"2x\""},
-                         {{"--scale", "nan"}, "--scale takes a number from 1 to 4, not \"nan\""},
-                         {{"--player", "a", "--demo"}, "--player and --demo exclude each other"}}) {
+  for (const Case& c : std::vector<Case>{
+           {{"--frobnicate"}, "unknown option \"--frobnicate\""},
+           {{"song.mp3"}, "unexpected \"song.mp3\""},
+           {{"--player"}, "--player needs a value"},
+           {{"--tour="}, "--tour needs a value"},
+           {{"--stream-host=a:99999"}, "--stream-host takes a host or host:port, not \"a:99999\""},
+           {{"--store-host", ":80"}, "--store-host takes a host or host:port, not \":80\""},
+           {{"--store-host", "me@a"}, "--store-host takes a host or host:port, not \"me@a\""},
+           {{"--demo=yes"}, "--demo takes no value"},
+           {{"--scale", "0.5"}, "--scale takes a number from 1 to 4, not \"0.5\""},
+           {{"--scale", "2x"}, "--scale takes a number from 1 to 4, not \"2x\""},
+           {{"--scale", "nan"}, "--scale takes a number from 1 to 4, not \"nan\""},
+           {{"--player", "a", "--demo"}, "--player and --demo exclude each other"}}) {
     const auto result = parsed(c.arguments);
     const auto* error = std::get_if<CommandLineError>(&result);
     ASSERT_NE(error, nullptr) << c.message;
