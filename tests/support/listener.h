@@ -1,0 +1,35 @@
+// A target, observer or timer's target that counts.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/notification.h"
+#include "platform/run_loop.h"
+
+namespace tests {
+
+/// Counts its calls, and does something at each.
+class Listener : public platform::NSObject {
+ public:
+  bool clicked(platform::NSObject*) { return note(); }
+  bool fired(platform::NSTimer*) { return note(); }
+  bool heard(const platform::NSNotification* notification) {
+    names.push_back(notification->name());
+    return note();
+  }
+
+  int count = 0;
+  std::vector<std::string> names;  ///< of the notifications
+  std::function<void()> onCall;
+
+ private:
+  bool note() {
+    ++count;
+    if (onCall) onCall();
+    return true;
+  }
+};
+
+}  // namespace tests
