@@ -5,18 +5,15 @@
 #include <fstream>
 #include <set>
 
-#include "controls/artwork_button.h"
-#include "extensions/pasteboard.h"
 #include "platform/drag.h"
+#include "tests/controls/artwork_fixture.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/widget_fixture.h"
 
 namespace virelune {
 namespace {
 
 using platform::NSDraggingSession;
 using platform::NSEventType;
-using platform::NSMakeRect;
 using platform::NSPasteboardTypePNG;
 using platform::NSPasteboardTypePromisedFileURL;
 using testing::ElementsAre;
@@ -42,25 +39,12 @@ class ScriptedDrag final : public platform::DragBackend {
   std::vector<std::shared_ptr<NSDraggingSession>> sessions;
 };
 
-class Target : public platform::NSObject {
- public:
-  bool clicked(platform::NSObject*) {
-    ++clicks;
-    return true;
-  }
-  int clicks = 0;
-};
-
-class ArtworkDrag : public tests::WidgetFixture {
+class ArtworkDrag : public tests::ArtworkFixture {
  protected:
   ArtworkDrag() {
     setenv("TZ", "HERE-1", 1);  // one hour ahead of UTC
     tzset();
     platform_.drag = &desktop;
-    root->addSubview(button);
-    window->setContentView(root);
-    button->setTarget(target);
-    button->setAction(&Target::clicked);
     show("cover");
   }
   ~ArtworkDrag() override {
@@ -68,9 +52,7 @@ class ArtworkDrag : public tests::WidgetFixture {
     unsetenv("TZ");
     tzset();
   }
-  void show(const std::string& name) {
-    button->setImage(platform::make<tests::TestImage>(name, platform::NSSize{600, 600}));
-  }
+  void show(const std::string& name) { button->setImage(image(name)); }
   void drag() {
     sendMouse(NSEventType::leftMouseDown, {30, 30});
     sendMouse(NSEventType::leftMouseDragged, {31, 30});
@@ -90,11 +72,6 @@ class ArtworkDrag : public tests::WidgetFixture {
   tests::TemporaryFolder folder;
   const std::string dropFolder = folder.path().string();
   ScriptedDrag desktop;
-  std::shared_ptr<platform::NSView> root =
-      platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64));
-  std::shared_ptr<VLArtworkButton> button =
-      platform::make<VLArtworkButton>(NSMakeRect(6, 9, 50, 50));
-  std::shared_ptr<Target> target = platform::make<Target>();
 };
 
 TEST_F(ArtworkDrag, TheFirstMovementBeginsTheOneDragOfAPressAndNothingClicks) {
@@ -102,14 +79,11 @@ TEST_F(ArtworkDrag, TheFirstMovementBeginsTheOneDragOfAPressAndNothingClicks) {
   sendMouse(NSEventType::leftMouseDragged, {40, 30});
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U) << "the drag has taken the press over";
   sendMouse(NSEventType::leftMouseUp, {40, 30});
-  EXPECT_EQ(target->clicks, 0);
+  EXPECT_EQ(target->count, 0);
   ASSERT_EQ(desktop.sessions.size(), 1U);
-  const NSDraggingSession& session = *desktop.sessions.front();
-  EXPECT_EQ(session.draggingLocation(), (platform::NSPoint{25, 21}));
-  EXPECT_EQ(session.items().front()->draggingFrame(), button->bounds());
-  EXPECT_EQ(session.items().front()->contents(), button->image());
+  EXPECT_EQ(desktop.sessions.front()->draggingLocation(), (platform::NSPoint{25, 21}));
   click({30, 30});
-  EXPECT_EQ(target->clicks, 1) << "the next press is a press again";
+  EXPECT_EQ(target->count, 1) << "the next press is a press again";
 }
 
 TEST_F(ArtworkDrag, WithoutAnImageOrADesktopThatTakesItThereIsNoDrag) {
@@ -126,7 +100,7 @@ TEST_F(ArtworkDrag, WithoutAnImageOrADesktopThatTakesItThereIsNoDrag) {
   button->setImage(nullptr);
   attempt();
   EXPECT_TRUE(desktop.sessions.empty());
-  EXPECT_EQ(target->clicks, 3) << "the press went on";
+  EXPECT_EQ(target->count, 3) << "the press went on";
 }
 
 TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
@@ -143,23 +117,15 @@ TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
   EXPECT_EQ(desktop.drop(dropFolder), "(none)");
 }
 
-TEST_F(ArtworkDrag, DropWritesAFileNamedByTheLocalTimeOfTheDrop) {
+TEST_F(ArtworkDrag, ADropWritesAFileNamedByItsLocalSecondAndReplacesOneOfTheSame) {
   drag();
   clock.advance(61);
-  const auto name = button->draggingSession_fileNameForPromise(nullptr);
-  EXPECT_EQ(name, "2016-03-05 15-08-10.jpg");
-  EXPECT_EQ(desktop.drop(dropFolder), dropFolder + "/" + *name);
-  EXPECT_THAT(files(), ElementsAre(*name));
-  EXPECT_EQ(contents(*name), "JPEG of cover at 1.000000");
-}
-
-TEST_F(ArtworkDrag, ADropInTheSameSecondReplacesAndALaterOneAdds) {
-  drag();
-  desktop.drop(dropFolder);
+  const std::string name = "2016-03-05 15-08-10.jpg";
+  EXPECT_EQ(desktop.drop(dropFolder), dropFolder + "/" + name);
   show("next");
   desktop.drop(dropFolder);
-  EXPECT_THAT(files(), ElementsAre("2016-03-05 15-07-09.jpg"));
-  EXPECT_EQ(contents("2016-03-05 15-07-09.jpg"), "JPEG of next at 1.000000");
+  EXPECT_THAT(files(), ElementsAre(name));
+  EXPECT_EQ(contents(name), "JPEG of next at 1.000000");
   clock.advance(1);
   desktop.drop(dropFolder);
   EXPECT_EQ(files().size(), 2U);
@@ -173,10 +139,6 @@ TEST_F(ArtworkDrag, FoldersThatTakeNoFileGetNone) {
     EXPECT_EQ(desktop.drop(place), "(none)") << place;
   }
   EXPECT_THAT(files(), ElementsAre("file"));
-  EXPECT_EQ(vl_copyPasteLocation(nullptr), std::nullopt);
-  EXPECT_EQ(button->imagePathForDirectory_withType(dropFolder,
-                                                   static_cast<platform::NSBitmapImageFileType>(0)),
-            std::nullopt);
 }
 
 TEST_F(ArtworkDrag, AFullDiskLeavesTheOldFileAndNoHalfOne) {

@@ -101,14 +101,6 @@ TEST_F(RatingIndicator, CellsTileTheIndicatorAndAMissingImageLeavesAGap) {
   EXPECT_EQ(steps[1].rect, NSMakeRect(26, 0, 13, 12));
 }
 
-TEST_F(RatingIndicator, ActionNeedsATargetThatRespondsToIt) {
-  indicator->setTarget(platform::make<platform::NSView>());
-  EXPECT_FALSE(indicator->performTargetAction(nullptr));
-  indicator->setTarget(target);
-  target = nullptr;
-  EXPECT_FALSE(indicator->performTargetAction(nullptr));
-}
-
 TEST(RatingDescription, CountsWholeAndHalfStars) {
   const std::pair<std::int64_t, const char*> table[] = {
       {-1, "0"},  {0, "0"},  {9, "0"},   {10, "½"},  {11, "0"}, {20, "1"},

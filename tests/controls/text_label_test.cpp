@@ -50,17 +50,6 @@ TEST_F(TextLabel, TextTooHighTakesTheWholeAreaAndIsTruncatedThere) {
   EXPECT_DOUBLE_EQ(texts[0].rect.size.height, 38.4);
 }
 
-TEST_F(TextLabel, WithoutFontAndColourOnlyTheParagraphStyleIsSet) {
-  label->setText("text");
-  label->setTextAlignment(platform::NSTextAlignment::center);
-  const auto texts = drawnTexts();
-  ASSERT_EQ(texts.size(), 1U);
-  EXPECT_EQ(
-      texts[0].attributes,
-      (platform::Dictionary{{platform::NSParagraphStyleAttributeName,
-                             platform::NSParagraphStyle{platform::NSTextAlignment::center}}}));
-}
-
 TEST_F(TextLabel, WithoutTextOnlyTheBackgroundIsDrawn) {
   label->setBackgroundColor(NSColor::grayColor());
   for (const auto& text : {std::optional<std::string>(), std::optional<std::string>("")}) {
@@ -72,14 +61,6 @@ TEST_F(TextLabel, WithoutTextOnlyTheBackgroundIsDrawn) {
     EXPECT_EQ(canvas.steps()[0].rect, NSMakeRect(10, 0, 5, 20));
     EXPECT_FALSE(label->drawTextInRect(label->bounds()));
   }
-}
-
-TEST_F(TextLabel, SettingTheSameTextAgainStillMarksIt) {
-  window->setContentView(label);
-  label->setText("same");
-  marked.clear();
-  label->setText("same");
-  EXPECT_THAT(marked, ElementsAre(label->frame()));
 }
 
 class KeyCatcher : public platform::NSView {
