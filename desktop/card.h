@@ -35,6 +35,7 @@ class Card {
   void setSizeHandler(std::function<void(platform::NSSize)> handler);
 
   // Widget
+  const platform::NSViewController& controller() const { return *controller_; }
   /// Asks the widget to bring itself up to date.
   void update();
   bool isEditing() const { return editing_; }

@@ -29,5 +29,5 @@ int main(int argc, char** argv) {
     return commandLine.exportRatings ? exportRatings(ratings, *commandLine.exportRatings)
                                      : importRatings(ratings, *commandLine.importRatings);
   }
-  return desktop::runProgram(commandLine, argc, argv, virelune::principalClasses());
+  return desktop::runProgram(commandLine, argc, argv, virelune::widgetEntry());
 }

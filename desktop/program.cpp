@@ -83,15 +83,18 @@ std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& com
 }
 
 int tour(const CommandLine& commandLine, Composition& composition,
-         const platform::PrincipalClasses& classes) {
+         const virelune::WidgetEntry& widget) {
   composition.useNetwork();
   demo::DemoPlayer& player = useDemo(commandLine, composition);
-  Card* card = composition.makeCard(classes);
+  Card* card = composition.makeCard(widget.principalClasses);
   if (card == nullptr) return fail("the resources name no widget");
-  const auto unwritten =
-      takeTour(*card, player, commandLine.tour.value_or(defaultTourFolder),
-               commandLine.scale.value_or(pictureScale), ColorScheme().appearance(), std::cout);
-  return unwritten.empty() ? EXIT_SUCCESS : fail("cannot write " + unwritten.string());
+  const std::string problem = takeTour(
+      {.folder = commandLine.tour.value_or(defaultTourFolder),
+       .scale = commandLine.scale.value_or(pictureScale),
+       .appearance = ColorScheme().appearance(),
+       .showsLiveProgramme = [&] { return widget.showsLiveProgramme(card->controller()); }},
+      *card, player, std::cout);
+  return problem.empty() ? EXIT_SUCCESS : fail(problem);
 }
 
 int snapshot(const CommandLine& commandLine, Card& card) {
@@ -124,7 +127,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Card& c
 }  // namespace
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
-               const platform::PrincipalClasses& classes) {
+               const virelune::WidgetEntry& widget) {
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
   QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");
@@ -150,11 +153,11 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
     return fail("the resources are missing: " + bundlePath());
   }
   chooseServers(commandLine, composition);
-  if (takesTour) return tour(commandLine, composition, classes);
+  if (takesTour) return tour(commandLine, composition, widget);
 
   composition.useNetwork();
   if (const auto status = choosePlayer(commandLine, composition)) return *status;
-  Card* card = composition.makeCard(classes);
+  Card* card = composition.makeCard(widget.principalClasses);
   if (card == nullptr) return fail("the resources name no widget");
   return commandLine.snapshot ? snapshot(commandLine, *card)
                               : showWindow(commandLine, composition, *card);

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "desktop/command_line.h"
-#include "platform/extension.h"
+#include "widget/widget_entry.h"
 
 namespace desktop {
 
-/// Does what the command line asks for with the widget among the classes. Answers the exit
-/// status: 0, or 1 after one line on standard error that says why not.
+/// Does what the command line asks for with this widget. Answers the exit status: 0, or 1
+/// after one line on standard error that says why not.
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
-               const platform::PrincipalClasses& classes);
+               const virelune::WidgetEntry& widget);
 
 }  // namespace desktop

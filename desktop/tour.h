@@ -2,7 +2,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <ostream>
+#include <string>
 
 #include "demo/demo_player.h"
 #include "desktop/card.h"
@@ -16,11 +18,16 @@ void settle(int milliseconds);
 bool writePicture(Card& card, const std::filesystem::path& file, double scale,
                   platform::Appearance appearance);
 
+struct Tour {
+  std::filesystem::path folder;  ///< made when it is missing
+  double scale = 1;              ///< pixels per point
+  platform::Appearance appearance = platform::Appearance::light;
+  std::function<bool()> showsLiveProgramme;  ///< whether the card knows what is on air
+};
+
 /// Shows every state of the widget on the demo player: playing, paused, stopped, About while
-/// editing, not running. Writes one picture of each into a folder, made when it is missing, and
-/// prints the files' names. Answers the path that could not be written; empty when all were.
-std::filesystem::path takeTour(Card& card, demo::DemoPlayer& player,
-                               const std::filesystem::path& folder, double scale,
-                               platform::Appearance appearance, std::ostream& output);
+/// editing, not running, the live station with its programme. Writes one picture of each and
+/// prints the files' names. Answers why it ended early; empty when it did not.
+std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std::ostream& output);
 
 }  // namespace desktop
