@@ -1,14 +1,11 @@
 #include "demo/demo_station.h"
 
-#include <httplib.h>
-
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <ctime>
-#include <thread>
 
+#include "demo/serving_thread.h"
 #include "platform/date_formatter.h"
 
 namespace demo {
@@ -76,9 +73,6 @@ class DemoStation::Server {
   Server(StationPace pace, std::vector<Programme> list)
       : pace_{std::max(1, pace.segmentDuration), std::max(1, pace.segmentsPerProgramme)},
         programmes_(std::move(list)) {
-    // One request for each connection, so that no idle one keeps a thread.
-    server_.set_keep_alive_max_count(1);
-    server_.new_task_queue = [] { return std::make_unique<httplib::ThreadPool>(2).release(); };
     server_.Get(kStreamFolder + std::string("prog\\.m3u8"),
                 [this](const httplib::Request&, httplib::Response& response) {
                   response.set_content(playlist(), "application/vnd.apple.mpegurl");
@@ -96,25 +90,8 @@ class DemoStation::Server {
                 });
   }
 
-  ~Server() {
-    if (!thread_.joinable()) return;
-    server_.stop();
-    thread_.join();
-  }
-
-  bool start() {
-    port_ = programmes_.empty() ? -1 : server_.bind_to_any_port("127.0.0.1");
-    if (port_ <= 0) return false;
-    thread_ = std::thread([this] {
-      server_.listen_after_bind();
-      ended_ = true;
-    });
-    // Stopping a server that is not running yet would be lost on it.
-    while (!server_.is_running() && !ended_) std::this_thread::yield();
-    return !ended_;
-  }
-
-  std::string host() const { return "127.0.0.1:" + std::to_string(port_); }
+  bool start() { return !programmes_.empty() && thread_.start(); }
+  std::string host() const { return thread_.host(); }
 
  private:
   static void notFound(httplib::Response& response) { response.status = 404; }
@@ -148,9 +125,7 @@ class DemoStation::Server {
   const StationPace pace_;
   const std::vector<Programme> programmes_;
   httplib::Server server_;
-  int port_ = -1;
-  std::atomic<bool> ended_ = false;
-  std::thread thread_;
+  ServingThread thread_{server_};
 };
 
 std::unique_ptr<DemoStation> DemoStation::start(StationPace pace, std::vector<Programme> list) {
