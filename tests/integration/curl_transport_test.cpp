@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <future>
 
+#include "demo/loopback_certificate.h"
+#include "demo/serving_thread.h"
 #include "platform/platform.h"
 #include "platform/url_session.h"
 #include "tests/integration/loopback_server.h"
@@ -224,29 +226,20 @@ TEST(CurlTransport, CancellationAndDestructionCompleteEveryTransferOnceWithoutBy
 }
 
 TEST(CurlTransport, VerifiesCertificates) {
-  const auto folder = std::filesystem::temp_directory_path() / ("tls-" + std::to_string(getpid()));
-  std::filesystem::create_directory(folder);
-  const std::string key = folder / "key.pem";
-  const std::string certificate = folder / "certificate.pem";
-  const std::string command =
-      "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -subj /CN=loopback "
-      "-addext subjectAltName=IP:127.0.0.1 -keyout " +
-      key + " -out " + certificate;
-  ASSERT_EQ(std::system((command + " 2>/dev/null").c_str()), 0);
-  httplib::SSLServer server(certificate.c_str(), key.c_str());
+  const auto certificate = demo::LoopbackCertificate::make();
+  ASSERT_TRUE(certificate);
+  httplib::SSLServer server(certificate->certificate(), certificate->key());
   server.Get("/", [](const httplib::Request&, httplib::Response& response) {
     response.set_content("secret", "text/plain");
   });
-  const std::string port = std::to_string(server.bind_to_any_port("127.0.0.1"));
-  std::thread thread([&] { server.listen_after_bind(); });
+  demo::ServingThread thread(server);
+  ASSERT_TRUE(thread.start());
+  const std::string port = thread.host().substr(thread.host().find(':'));
   CurlTransport plain;
-  CurlTransport trusting(certificate);
-  EXPECT_EQ(fetch(plain, request("https://127.0.0.1:" + port + "/")), error);
-  EXPECT_EQ(fetch(trusting, request("https://127.0.0.1:" + port + "/")), "secret");
-  EXPECT_EQ(fetch(trusting, request("https://localhost:" + port + "/")), error) << "another name";
-  server.stop();
-  thread.join();
-  std::filesystem::remove_all(folder);
+  CurlTransport trusting(certificate->pem());
+  EXPECT_EQ(fetch(plain, request("https://" + thread.host() + "/")), error);
+  EXPECT_EQ(fetch(trusting, request("https://" + thread.host() + "/")), "secret");
+  EXPECT_EQ(fetch(trusting, request("https://localhost" + port + "/")), error) << "another name";
 }
 
 TEST(CurlTransport, TenThousandCyclesLeaveNothingBehind) {
