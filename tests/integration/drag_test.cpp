@@ -1,14 +1,13 @@
 // Dragging the artwork out of the program into other programs, with a pointer, on an X display of
 // the test's own.
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtGui/QImage>
 #include <QtGui/QImageReader>
 #include <csignal>
 #include <cstdlib>
-#include <set>
+#include <vector>
 
 #include "demo/demo_cover.h"
 #include "demo/demo_library.h"
@@ -25,11 +24,12 @@ using testing::MatchesRegex;
 
 constexpr const char* kNamePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}-[0-9]{2}-[0-9]{2}\\.jpg";
 
-std::set<std::string> filesIn(const std::filesystem::path& folder) {
-  std::set<std::string> names;
+/// The names of a folder's files; none when there is no folder.
+std::vector<std::string> filesIn(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    names.insert(entry.path().filename().string());
+    names.push_back(entry.path().filename());
   }
   return names;
 }
@@ -48,36 +48,27 @@ double difference(const QImage& one, const QImage& other) {
 
 class DragOut : public testing::Test {
  protected:
-  DragOut()
-      : display_(QStringLiteral("Xvfb"),
-                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                  QStringLiteral("0"), QStringLiteral("1000x600x24")}),
-        environment_(bus.environment()) {
+  DragOut() : environment_(display_.environment()) {
     for (const auto& path : {home, runtime, target}) std::filesystem::create_directory(path);
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
-    const auto text = [](const std::filesystem::path& path) {
-      return QString::fromStdString(path.string());
-    };
-    environment_[QStringLiteral("DISPLAY")] = QLatin1Char(':') + display_.readLine();
-    environment_[QStringLiteral("QT_QPA_PLATFORM")] = QStringLiteral("xcb");
-    environment_[QStringLiteral("GDK_BACKEND")] = QStringLiteral("x11");
-    environment_[QStringLiteral("NO_AT_BRIDGE")] = QStringLiteral("1");
-    environment_[QStringLiteral("GIO_USE_VFS")] = QStringLiteral("local");
-    environment_[QStringLiteral("HOME")] = text(home);
-    environment_[QStringLiteral("XDG_DATA_HOME")] = text(home / "data");
-    environment_[QStringLiteral("XDG_CONFIG_HOME")] = text(home / "config");
-    environment_[QStringLiteral("XDG_STATE_HOME")] = text(home / "state");
-    environment_[QStringLiteral("XDG_RUNTIME_DIR")] = text(runtime);
+    for (const auto& [name, value] : {std::pair("GDK_BACKEND", "x11"),
+                                      {"NO_AT_BRIDGE", "1"},
+                                      {"GIO_USE_VFS", "local"},
+                                      {"HOME", home.c_str()},
+                                      {"XDG_RUNTIME_DIR", runtime.c_str()}}) {
+      environment_[name] = value;
+    }
+    for (const char* kind : {"DATA", "CONFIG", "STATE"}) {
+      environment_[QString("XDG_%1_HOME").arg(kind)] = QString((home / kind).c_str());
+    }
     // What the bus starts is to find its settings there, too.
-    outputOf(QStringLiteral("dbus-update-activation-environment"), {QStringLiteral("--all")},
-             environment_);
+    outputOf("dbus-update-activation-environment", {"--all"}, environment_);
     widget_ = start("virelune-widget", VIRELUNE_PROGRAM, {"--demo", "--scale=1"});
   }
 
   ~DragOut() override {
     // The settings service would save the file manager's into the folder that goes now.
-    const auto service =
-        bus.connection().interface()->servicePid(QStringLiteral("org.xfce.Xfconf"));
+    const auto service = bus.connection().interface()->servicePid("org.xfce.Xfconf");
     if (service.isValid()) ::kill(static_cast<pid_t>(service.value()), SIGKILL);
   }
 
@@ -85,26 +76,20 @@ class DragOut : public testing::Test {
   std::unique_ptr<Program> start(const char* windowClass, const char* name,
                                  const QStringList& arguments) {
     auto program = std::make_unique<Program>(QString::fromUtf8(name), arguments, environment_);
-    xdotool(QStringLiteral("search --sync --onlyvisible --class ") +
-            QString::fromUtf8(windowClass));
+    display_.window(windowClass);
     return program;
-  }
-
-  QString xdotool(const QString& commands) const {
-    return outputOf(QStringLiteral("xdotool"), commands.split(QLatin1Char(' ')), environment_);
   }
 
   /// Drags the artwork to the middle of the other program's window until something comes of it.
   bool drop(const std::function<bool()>& isDone) const {
     // A program that is not ready yet refuses the drop, which then leaves no trace.
     constexpr int attempts = 5;
-    const QString card = xdotool(QStringLiteral("search --onlyvisible --class virelune-widget"))
-                             .section(QLatin1Char('\n'), -1);
+    const QString card = display_.window("virelune-widget");
     for (int attempt = 0; attempt < attempts; ++attempt) {
-      xdotool(QStringLiteral("mousemove --window %1 30 60 mousedown 1 mousemove_relative 2 2 "
-                             "sleep 0.2 mousemove 600 300 sleep 0.1 mousemove 450 330 sleep 0.3 "
-                             "mousemove 400 300 sleep 0.3 mousemove 401 301 sleep 0.5 mouseup 1")
-                  .arg(card));
+      display_.xdotool(QString("mousemove --window %1 30 60 mousedown 1 mousemove_relative 2 2 "
+                               "sleep 0.2 mousemove 600 300 sleep 0.1 mousemove 450 330 sleep 0.3 "
+                               "mousemove 400 300 sleep 0.3 mousemove 401 301 sleep 0.5 mouseup 1")
+                           .arg(card));
       if (waitUntil(isDone, std::chrono::seconds(4))) return true;
     }
     return false;
@@ -128,7 +113,7 @@ class DragOut : public testing::Test {
   const std::filesystem::path waiting = runtime / "virelune-widget-drops";
 
  private:
-  Program display_;
+  const Display display_{bus};
   Environment environment_;
   std::unique_ptr<Program> widget_;
 };
@@ -137,11 +122,11 @@ TEST_F(DragOut, AFileManagerHasTheCoverSavedIntoItsFolderAndNowhereElse) {
   const auto manager = start("thunar", "thunar", {QString::fromStdString(target.string())});
   const auto isSaved = [&] {
     const auto files = filesIn(target);
-    return !files.empty() && !files.begin()->starts_with('.');  // which is being written
+    return !files.empty() && !files.front().starts_with('.');  // which is being written
   };
   ASSERT_TRUE(drop(isSaved));
   ASSERT_THAT(filesIn(target), ElementsAre(MatchesRegex(kNamePattern)));
-  expectCover(target / *filesIn(target).begin());
+  expectCover(target / filesIn(target).front());
   EXPECT_FALSE(std::filesystem::exists(waiting));
 }
 
@@ -150,15 +135,11 @@ TEST_F(DragOut, AReceiverOfAddressesIsGivenAFileInAPrivateFolder) {
                             {"--no-config", "--idle", "--force-window", "--vo=x11", "--ao=null",
                              "--image-display-duration=inf", "--geometry=500x500+100+50",
                              "--script=/usr/lib/mpv-mpris/mpris.so"});
-  const auto address = [&] {
-    return bus.playerctl({QStringLiteral("metadata"), QStringLiteral("xesam:url")});
-  };
-  ASSERT_TRUE(drop([&] { return address().startsWith(QLatin1String("file:")); }));
+  const auto address = [&] { return bus.playerctl({"metadata", "xesam:url"}); };
+  ASSERT_TRUE(drop([&] { return address().startsWith("file:"); }));
   ASSERT_THAT(filesIn(waiting), ElementsAre(MatchesRegex(kNamePattern)));
-  expectCover(waiting / *filesIn(waiting).begin());
-  struct stat found {};
-  ASSERT_EQ(::stat(waiting.c_str(), &found), 0);
-  EXPECT_EQ(found.st_mode & 0777U, 0700U);
+  expectCover(waiting / filesIn(waiting).front());
+  EXPECT_EQ(std::filesystem::status(waiting).permissions(), std::filesystem::perms::owner_all);
 }
 
 }  // namespace

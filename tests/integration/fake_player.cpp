@@ -11,9 +11,9 @@ namespace tests {
 
 namespace {
 
-const auto kPath = QStringLiteral("/org/mpris/MediaPlayer2");
-const auto kPlayerInterface = QStringLiteral("org.mpris.MediaPlayer2.Player");
-const auto kPropertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString kPath = "/org/mpris/MediaPlayer2";
+const QString kPlayerInterface = "org.mpris.MediaPlayer2.Player";
+const QString kPropertiesInterface = "org.freedesktop.DBus.Properties";
 
 QString textOf(QVariant argument) {
   if (argument.canConvert<QDBusVariant>()) argument = argument.value<QDBusVariant>().variant();
@@ -24,14 +24,14 @@ QString textOf(QVariant argument) {
 }  // namespace
 
 FakePlayer::FakePlayer(const PrivateBus& bus, const QString& name, const QVariantMap& properties)
-    : name_(QStringLiteral("org.mpris.MediaPlayer2.") + name),
+    : name_("org.mpris.MediaPlayer2." + name),
       connection_(QDBusConnection::connectToBus(bus.address(), bus.address() + name)),
-      object_(properties) {
-  object_.moveToThread(&thread_);
+      properties_(properties) {
+  moveToThread(&thread_);
   thread_.start();
-  const bool isReady =
-      connection_.registerVirtualObject(kPath, &object_) && connection_.registerService(name_);
-  if (!isReady) throw std::runtime_error("the fake player cannot get on the bus");
+  if (!connection_.registerVirtualObject(kPath, this) || !connection_.registerService(name_)) {
+    throw std::runtime_error("the fake player cannot get on the bus");
+  }
 }
 
 FakePlayer::~FakePlayer() {
@@ -43,49 +43,43 @@ FakePlayer::~FakePlayer() {
 
 void FakePlayer::signalChange(const QVariantMap& changed) {
   QDBusMessage signal =
-      QDBusMessage::createSignal(kPath, kPropertiesInterface, QStringLiteral("PropertiesChanged"));
+      QDBusMessage::createSignal(kPath, kPropertiesInterface, "PropertiesChanged");
   signal << kPlayerInterface << changed << QStringList();
   connection_.send(signal);
 }
 
-// Introspection is answered like everything else.
-QString FakePlayer::Object::introspect(const QString&) const { return {}; }
-
-void FakePlayer::Object::setProperties(const QVariantMap& properties) {
+void FakePlayer::setProperties(const QVariantMap& properties) {
   const QMutexLocker lock(&mutex_);
   properties_ = properties;
 }
 
-QStringList FakePlayer::Object::calls() const {
+QStringList FakePlayer::calls() const {
   const QMutexLocker lock(&mutex_);
   return calls_;
 }
 
-bool FakePlayer::Object::handleMessage(const QDBusMessage& message,
-                                       const QDBusConnection& connection) {
+bool FakePlayer::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   std::this_thread::sleep_for(answerTime_.load());
   ++answerCount_;
   return connection.send(answer(message));
 }
 
-QDBusMessage FakePlayer::Object::answer(const QDBusMessage& message) {
+QDBusMessage FakePlayer::answer(const QDBusMessage& message) {
   const QMutexLocker lock(&mutex_);
   const QVariantList arguments = message.arguments();
-  const bool isForPlayer = arguments.value(0).toString() == kPlayerInterface;
-  if (message.interface() == kPropertiesInterface && message.member() == QLatin1String("GetAll")) {
-    return message.createReply(isForPlayer ? properties_ : QVariantMap());
+  if (message.interface() == kPropertiesInterface && message.member() == "GetAll") {
+    return message.createReply(arguments.value(0) == kPlayerInterface ? properties_
+                                                                      : QVariantMap());
   }
-  if (message.interface() == kPropertiesInterface && message.member() == QLatin1String("Get")) {
-    const auto found = properties_.constFind(arguments.value(1).toString());
-    if (found == properties_.constEnd()) {
-      return message.createErrorReply(QDBusError::UnknownProperty, QStringLiteral("unknown"));
-    }
-    return message.createReply(QVariant::fromValue(QDBusVariant(*found)));
+  if (message.interface() == kPropertiesInterface && message.member() == "Get") {
+    const QVariant value = properties_.value(arguments.value(1).toString());
+    return value.isValid() ? message.createReply(QVariant::fromValue(QDBusVariant(value)))
+                           : message.createErrorReply(QDBusError::UnknownProperty, "unknown");
   }
-  if (message.member() == QLatin1String("Introspect")) {
+  if (message.member() == "Introspect") {
     return message.createReply(
-        QStringLiteral("<node><interface name='org.mpris.MediaPlayer2.Player'>"
-                       "<property name='Rating' type='d' access='readwrite'/></interface></node>"));
+        "<node><interface name='org.mpris.MediaPlayer2.Player'>"
+        "<property name='Rating' type='d' access='readwrite'/></interface></node>");
   }
   QStringList words = {message.member()};
   for (const QVariant& argument : arguments) words << textOf(argument);

@@ -46,15 +46,12 @@ Program::Program(const QString& name, const QStringList& arguments,
   if (!process_.waitForStarted()) throw std::runtime_error("cannot start " + name.toStdString());
 }
 
-Program::~Program() { kill(); }
-
-void Program::send(int signal) const { ::kill(static_cast<pid_t>(process_.processId()), signal); }
-
-void Program::kill() {
-  if (!isRunning()) return;
+Program::~Program() {
   process_.kill();
   process_.waitForFinished();
 }
+
+void Program::send(int signal) const { ::kill(static_cast<pid_t>(process_.processId()), signal); }
 
 QString Program::readLine() {
   while (!process_.canReadLine() && process_.waitForReadyRead()) {
@@ -72,9 +69,7 @@ QString outputOf(const QString& name, const QStringList& arguments,
 }
 
 PrivateBus::PrivateBus()
-    : daemon_(QStringLiteral("dbus-daemon"),
-              {QStringLiteral("--session"), QStringLiteral("--print-address"),
-               QStringLiteral("--nofork"), QStringLiteral("--nopidfile")}),
+    : daemon_("dbus-daemon", {"--session", "--print-address", "--nofork", "--nopidfile"}),
       address_(daemon_.readLine()),
       connectionName_(nextConnectionName()),
       connection_(QDBusConnection::connectToBus(address_, connectionName_)) {
@@ -83,16 +78,29 @@ PrivateBus::PrivateBus()
 
 PrivateBus::~PrivateBus() { QDBusConnection::disconnectFromBus(connectionName_); }
 
-Environment PrivateBus::environment() const {
-  return {{QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address_}};
-}
+Environment PrivateBus::environment() const { return {{"DBUS_SESSION_BUS_ADDRESS", address_}}; }
 
 QString PrivateBus::playerctl(const QStringList& arguments) const {
-  return outputOf(QStringLiteral("playerctl"), arguments, environment());
+  return outputOf("playerctl", arguments, environment());
 }
 
 bool PrivateBus::hasName(const QString& name) const {
   return connection_.interface()->isServiceRegistered(name).value();
+}
+
+Display::Display(const PrivateBus& bus)
+    : server_("Xvfb", {"-displayfd", "1", "-screen", "0", "1000x600x24"}),
+      environment_(bus.environment()) {
+  environment_["DISPLAY"] = ':' + server_.readLine();
+  environment_["QT_QPA_PLATFORM"] = "xcb";
+}
+
+QString Display::xdotool(const QString& commands) const {
+  return outputOf("xdotool", commands.split(' '), environment_).section('\n', -1);
+}
+
+QString Display::window(const char* windowClass) const {
+  return xdotool(QString("search --sync --onlyvisible --class ") + windowClass);
 }
 
 }  // namespace tests

@@ -29,8 +29,6 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   void send(int signal) const;
-  void kill();  ///< and waits for its end
-  bool isRunning() const { return process_.state() == QProcess::Running; }
   /// Its next line on standard output, without the line's end; empty when none comes.
   QString readLine();
 
@@ -63,6 +61,23 @@ class PrivateBus {
   const QString address_;
   const QString connectionName_;
   const QDBusConnection connection_;
+};
+
+/// An X display of the test's own.
+class Display {
+ public:
+  explicit Display(const PrivateBus& bus);
+
+  /// What a program needs to find the display and the bus.
+  Environment environment() const { return environment_; }
+  /// What xdotool answers to commands, of several lines the last one.
+  QString xdotool(const QString& commands) const;
+  /// Waits for a visible window of that class and answers its number.
+  QString window(const char* windowClass) const;
+
+ private:
+  Program server_;
+  Environment environment_;
 };
 
 }  // namespace tests
