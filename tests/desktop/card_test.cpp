@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 #include <vector>
@@ -87,47 +86,27 @@ class CardTest : public testing::Test {
   const NSPoint title_{40, 76};
 };
 
-TEST_F(CardTest, IsTakenHoldOfByItsHeaderButNotByTheControlsOrTheWidget) {
+TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
+  int closings = 0;
+  card_.header().setCloseHandler([&] { ++closings; });
   EXPECT_TRUE(card_.header().isHandle(title_));
-  EXPECT_TRUE(card_.header().isHandle({200, 65}));
   EXPECT_FALSE(card_.header().isHandle(closeControl_));
   EXPECT_FALSE(card_.header().isHandle(editControl_));
   EXPECT_FALSE(card_.header().isHandle({40, 63}));
-}
-
-TEST_F(CardTest, TheEditControlBeginsAndEndsEditingAndTheOtherCloses) {
-  int closings = 0;
-  card_.header().setCloseHandler([&] { ++closings; });
-  click(editControl_);
-  EXPECT_TRUE(card_.isEditing());
-  click(title_);
-  click(editControl_);
+  for (const NSPoint point : {editControl_, title_, editControl_}) click(point);
   EXPECT_EQ(widget_->editing, (std::vector<bool>{true, false}));
   EXPECT_EQ(closings, 0);
   click(closeControl_);
   EXPECT_EQ(closings, 1);
-}
 
-TEST_F(CardTest, AWidgetThatDoesNotAllowEditingHasNoControlForIt) {
-  const auto widget = platform::make<FakeWidget>();
-  widget->allowsEditing = false;
-  desktop::Card card(widget, "Name");
-  EXPECT_TRUE(card.header().isHandle(editControl_));
-}
-
-TEST_F(CardTest, FollowsThePreferredSizeWithTheHeaderOnTop) {
-  std::vector<platform::NSSize> sizes;
-  card_.setSizeHandler([&](platform::NSSize size) { sizes.push_back(size); });
-  widget_->setPreferredContentSize({320, 30});
-  EXPECT_EQ(sizes, (std::vector<platform::NSSize>{{320, 54}}));
-  EXPECT_TRUE(card_.header().isHandle({40, 42}));
-  EXPECT_EQ(card_.picture(2, platform::Appearance::dark).size(), QSize(640, 108));
+  const auto fixed = platform::make<FakeWidget>();
+  fixed->allowsEditing = false;
+  EXPECT_TRUE(desktop::Card(fixed, "Name").header().isHandle(editControl_));
 }
 
 TEST_F(CardTest, PicturesAreTransparentAroundTheCornersOnly) {
   const QImage picture = card_.picture(1, platform::Appearance::light);
   EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
-  EXPECT_EQ(qAlpha(picture.pixel(319, 87)), 0);
   EXPECT_GT(qAlpha(picture.pixel(160, 44)), 240);
   card_.setTranslucent(false);
   EXPECT_EQ(qAlpha(card_.picture(1, platform::Appearance::light).pixel(0, 0)), 255);
@@ -145,11 +124,7 @@ class CardWindowTest : public CardTest {
   /// Lets events run until something has been painted, and a little longer.
   void runUntilPainted() {
     painted_ = {};
-    QElapsedTimer patience;
-    patience.start();
-    while (painted_.isEmpty() && patience.elapsed() < 5000) {
-      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
+    for (int i = 0; i < 250 && painted_.isEmpty(); ++i) runEvents();
     runEvents();
   }
   static void runEvents() {
@@ -157,21 +132,18 @@ class CardWindowTest : public CardTest {
     QTimer::singleShot(20, &loop, &QEventLoop::quit);
     loop.exec();
   }
-  void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButton button,
-                 Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
-                 quint64 timestamp = 0) {
+  void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButtons buttons,
+                 Qt::KeyboardModifiers modifiers = Qt::NoModifier, quint64 timestamp = 0) {
+    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, position, position, button, buttons, modifiers);
     event.setTimestamp(timestamp);
     QCoreApplication::sendEvent(&window_, &event);
   }
   void press(quint64 timestamp, QPointF position = {110, 78},
              Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    sendMouse(QEvent::MouseButtonPress, position, Qt::LeftButton, Qt::LeftButton, modifiers,
-              timestamp);
+    sendMouse(QEvent::MouseButtonPress, position, Qt::LeftButton, modifiers, timestamp);
   }
-  void release(QPointF position = {110, 78}) {
-    sendMouse(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton);
-  }
+  void release() { sendMouse(QEvent::MouseButtonRelease, {110, 78}, Qt::NoButton); }
 
   desktop::CardWindow window_{card_, graphics_, "Name", false};
   QRegion painted_;
@@ -193,39 +165,30 @@ TEST_F(CardWindowTest, PaintsWhatWasMarkedAndNothingBetween) {
   EXPECT_GE(widget_->right->drawings, 1);
 }
 
-TEST_F(CardWindowTest, TheWidgetAppearsBeforeItIsPaintedAndDisappearsWithTheWindow) {
-  EXPECT_FALSE(widget_->appeared);
-  window_.open();
-  runUntilPainted();
-  EXPECT_TRUE(wasReady_);
-  window_.hide();
-  runEvents();
-  EXPECT_FALSE(widget_->appeared);
-  window_.show();
-  runUntilPainted();
-  EXPECT_TRUE(widget_->appeared);
-}
-
-TEST_F(CardWindowTest, TakesTheSizeOfTheCardAndKeepsItsUpperLeftCorner) {
+TEST_F(CardWindowTest, FollowsTheSizeInPlaceAndTellsTheWidgetWhenItIsSeen) {
   window_.setPosition(100, 50);
   window_.open();
   runUntilPainted();
+  EXPECT_TRUE(wasReady_);
   const QPoint corner = window_.position();
   widget_->setPreferredContentSize({320, 30});
   runUntilPainted();
   EXPECT_EQ(window_.size(), QSize(320, 54));
   EXPECT_EQ(window_.position(), corner);
+  window_.hide();
+  runEvents();
+  EXPECT_FALSE(widget_->appeared);
 }
 
 TEST_F(CardWindowTest, MouseEventsCountUpwardsWithClicksAndTheOptionKey) {
   press(1000, {110, 78}, Qt::AltModifier);
   release();
-  press(1100);
-  release();
-  press(5000);
-  release();
-  press(5100, {104, 72});
-  release();
+  for (const auto& [time, position] :
+       {std::pair(1100, QPointF(110, 78)), std::pair(5000, QPointF(110, 78)),
+        std::pair(5100, QPointF(104, 72))}) {
+    press(static_cast<quint64>(time), position);
+    release();
+  }
   std::vector<std::int64_t> clicks;
   for (const auto& event : widget_->middle->events) {
     if (event.type == NSEventType::leftMouseDown) clicks.push_back(event.clickCount);
@@ -238,10 +201,10 @@ TEST_F(CardWindowTest, MouseEventsCountUpwardsWithClicksAndTheOptionKey) {
 
 TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
   press(1000);
-  sendMouse(QEvent::MouseMove, {111, 78}, Qt::NoButton, Qt::LeftButton);
+  sendMouse(QEvent::MouseMove, {111, 78}, Qt::LeftButton);
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 1U);
   const auto heard = widget_->middle->events.size();
-  sendMouse(QEvent::MouseMove, {112, 78}, Qt::NoButton, Qt::NoButton);
+  sendMouse(QEvent::MouseMove, {112, 78}, Qt::NoButton);
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U);
   release();
   EXPECT_EQ(widget_->middle->events.size(), heard);
