@@ -160,6 +160,10 @@ platform::NSPoint CardWindow::cardPoint(QPointF position) const {
 
 void CardWindow::mousePressEvent(QMouseEvent* event) {
   grip_.reset();
+  if (event->button() == Qt::RightButton && menuHandler_) {
+    menuHandler_(event->globalPosition().toPoint());
+    return;
+  }
   if (event->button() == Qt::LeftButton && card_.header().isHandle(cardPoint(event->position()))) {
     grip_ = event->position();
     return;

@@ -24,6 +24,12 @@ class CardWindow final : public QRasterWindow {
   /// Shows the window, where it was last time when the desktop lets windows choose.
   void open();
 
+  bool isOnTop() const { return flags().testFlag(Qt::WindowStaysOnTopHint); }
+  void setOnTop(bool onTop) { setFlag(Qt::WindowStaysOnTopHint, onTop); }
+  platform::Appearance appearance() const { return colorScheme_.appearance(); }
+
+  /// Called with the place on the screen where the user asks for the context menu.
+  void setMenuHandler(std::function<void(QPoint)> handler) { menuHandler_ = std::move(handler); }
   /// Called after each painting with the region (points, y downwards) that was painted.
   void setPaintObserver(std::function<void(const QRegion&)> observer) {
     paintObserver_ = std::move(observer);
@@ -54,6 +60,7 @@ class CardWindow final : public QRasterWindow {
   MouseInput mouse_;
   std::optional<QPointF> grip_;  // where in the window the user took hold of it
   QTimer saveTimer_;
+  std::function<void(QPoint)> menuHandler_;
   std::function<void(const QRegion&)> paintObserver_;
 };
 

@@ -25,11 +25,13 @@ struct Option {
   std::optional<std::string> CommandLine::*text = nullptr;
 };
 
-constexpr std::array<Option, 13> options{{
+constexpr std::array<Option, 14> options{{
     {"--player", "NAME", "follow this player (bus name or shown name)", nullptr,
      &CommandLine::player},
     {"--list-players", "", "list the players on the session bus", &CommandLine::listPlayers},
     {"--demo", "", "use the built-in demo player", &CommandLine::demo},
+    {"--wait-for-player", "", "without a player wait for one instead of using the demo player",
+     &CommandLine::waitForPlayer},
     {"--snapshot", "FILE", "write the present state as PNG, then exit", nullptr,
      &CommandLine::snapshot},
     {"--tour", "FOLDER", "write one PNG for each state of the demo player", nullptr,
@@ -68,6 +70,8 @@ std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'
 /// What cannot be had at once; empty when all of it can.
 std::string conflict(const CommandLine& line) {
   if (line.player && line.demo) return "--player and --demo exclude each other";
+  if (line.waitForPlayer && line.demo) return "--wait-for-player and --demo exclude each other";
+  if (line.waitForPlayer && line.tour) return "--wait-for-player and --tour exclude each other";
   if (line.player && line.tour) return "--player and --tour exclude each other";
   if (line.snapshot && line.tour) return "--snapshot and --tour exclude each other";
   if (line.exportRatings && line.importRatings) {

@@ -19,6 +19,7 @@ struct CommandLine {
   std::optional<double> scale;               ///< --scale N, from 1 to 4
   bool listPlayers = false;
   bool demo = false;
+  bool waitForPlayer = false;
   bool onTop = false;
   bool help = false;
   bool version = false;

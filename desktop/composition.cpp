@@ -59,13 +59,9 @@ bool Composition::useBus(const QDBusConnection& bus, const std::optional<std::st
   ratings_ = std::make_unique<RatingsStore>(RatingsStore::defaultFile());
   bridge_ = std::make_unique<PlayerBridge>(
       bus, PlayerBridge::Options{.playerName = playerName, .ratings = ratings_.get()});
-  if (!bridge_->isRunning()) {
-    bridge_.reset();
-    return false;
-  }
   desktopWorkspace_ = std::make_unique<DesktopWorkspace>(bridge_.get());
   install(*desktopWorkspace_, *bridge_);
-  return true;
+  return bridge_->isRunning();
 }
 
 demo::DemoPlayer& Composition::useDemo() {
@@ -73,6 +69,7 @@ demo::DemoPlayer& Composition::useDemo() {
   desktopWorkspace_ = std::make_unique<DesktopWorkspace>(nullptr);
   demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, desktopWorkspace_.get());
   install(*demoWorkspace_, *demoPlayer_);
+  bridge_.reset();
   return *demoPlayer_;
 }
 
@@ -88,7 +85,8 @@ void Composition::install(platform::WorkspaceBackend& workspace,
   loginItems_ = std::make_unique<LoginItems>(
       LoginItems::Options{.folder = LoginItems::defaultFolder(),
                           .bundlePath = bundle_ ? bundle_->bundlePath() : std::string(),
-                          .executablePath = QCoreApplication::applicationFilePath().toStdString()},
+                          .executablePath = QCoreApplication::applicationFilePath().toStdString(),
+                          .argument = "--wait-for-player"},
       &player);
   platform_.workspace = workspace_.get();
   platform_.scripting = loginItems_.get();

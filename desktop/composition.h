@@ -41,7 +41,8 @@ class Composition {
   /// Lets the widget use the network.
   void useNetwork();
   /// Follows a player on the bus: the named one, else the one that plays, else the one heard from
-  /// last. False when it is not there.
+  /// last. False when it is not there yet; the first one that comes is followed then, unless the
+  /// demo player is brought in.
   bool useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName);
   /// Brings in the demo player, which does not run yet.
   demo::DemoPlayer& useDemo();

@@ -70,19 +70,21 @@ std::string quotedArgument(std::string_view argument) {
   return quoted + '"';
 }
 
-std::string execLine(const std::string& program) {
-  return "\nExec=" + escapedValue(quotedArgument(program)) + "\n";
+std::string execLine(const std::string& program, const std::string& argument) {
+  const std::string tail = argument.empty() ? "" : ' ' + quotedArgument(argument);
+  return "\nExec=" + escapedValue(quotedArgument(program) + tail) + "\n";
 }
 
-std::string entryText(const std::string& program, bool hidden, int order) {
+std::string entryText(const std::string& program, const std::string& execLine, bool hidden,
+                      int order) {
   return "[Desktop Entry]\nType=Application\nName=" +
-         escapedValue(fs::path(program).stem().native()) + execLine(program) + hiddenKey + "=" +
+         escapedValue(fs::path(program).stem().native()) + execLine + hiddenKey + "=" +
          (hidden ? "true" : "false") + "\n" + orderKey + "=" + std::to_string(order) + "\n";
 }
 
-/// True when an entry was made here for a program, whatever has become of it since.
-bool isMadeHere(std::string_view text, const std::string& program) {
-  return text.find(execLine(program)) != std::string_view::npos &&
+/// True when an entry was made here with this command, whatever has become of it since.
+bool isMadeHere(std::string_view text, const std::string& execLine) {
+  return text.find(execLine) != std::string_view::npos &&
          text.find(std::string("\n") + orderKey + "=") != std::string_view::npos;
 }
 
@@ -193,13 +195,15 @@ bool LoginItems::add(const Value& properties) const {
                                                 : std::optional<platform::Number>();
   const std::vector<Item> all = items();
   const int order = std::max(all.empty() ? 0 : all.back().order, 0) + 1;
-  const std::string& program = *text == options_.bundlePath ? options_.executablePath : *text;
+  const bool isThisProgram = *text == options_.bundlePath;
+  const std::string& program = isThisProgram ? options_.executablePath : *text;
+  const std::string exec = execLine(program, isThisProgram ? options_.argument : std::string());
   return makeFolder(options_.folder) &&
-         writeWholeFile(fileForNewItem(program),
-                        entryText(program, flag && flag->boolValue(), order));
+         writeWholeFile(fileForNewItem(program, exec),
+                        entryText(program, exec, flag && flag->boolValue(), order));
 }
 
-fs::path LoginItems::fileForNewItem(const std::string& program) const {
+fs::path LoginItems::fileForNewItem(const std::string& program, const std::string& execLine) const {
   const std::string stem = fileStem(program);
   for (int number = 1;; ++number) {
     const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
@@ -211,7 +215,7 @@ fs::path LoginItems::fileForNewItem(const std::string& program) const {
     // An entry made here that the user has switched off since gives way.
     const auto text = readWholeFile(file, longestEntry);
     const auto item = itemInFile(file);
-    if (text && isMadeHere(*text, program) && !(item && item->isEnabled)) return file;
+    if (text && isMadeHere(*text, execLine) && !(item && item->isEnabled)) return file;
   }
 }
 

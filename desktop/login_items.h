@@ -24,6 +24,7 @@ class LoginItems : public platform::ScriptingTransport {
     std::filesystem::path folder;  ///< see defaultFolder()
     std::string bundlePath;        ///< how the widget names this program
     std::string executablePath;    ///< what starts it
+    std::string argument = {};     ///< what it is started with; empty: nothing
   };
   /// `others` takes what is not for System Events; null: such requests have no answer.
   LoginItems(Options options, platform::ScriptingTransport* others);
@@ -47,7 +48,8 @@ class LoginItems : public platform::ScriptingTransport {
   std::optional<platform::ScriptingReply> answer(const platform::ScriptingRequest& request,
                                                  const Item& item) const;
   bool add(const platform::Value& properties) const;
-  std::filesystem::path fileForNewItem(const std::string& program) const;
+  std::filesystem::path fileForNewItem(const std::string& program,
+                                       const std::string& execLine) const;
 
   const Options options_;
   platform::ScriptingTransport* const others_;

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "desktop/card_window.h"
+#include "desktop/card_menu.h"
 #include "desktop/composition.h"
 #include "desktop/qt_image.h"
 #include "desktop/tour.h"
@@ -71,7 +71,9 @@ std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& com
     if (!bus.isConnected()) {
       return fail("there is no session bus; --demo shows the built-in player");
     }
-    if (composition.useBus(bus, commandLine.player)) return std::nullopt;
+    if (composition.useBus(bus, commandLine.player) || commandLine.waitForPlayer) {
+      return std::nullopt;
+    }
     if (commandLine.player) {
       return fail("no player \"" + *commandLine.player +
                   "\" is on the session bus; --list-players names those that are");
@@ -115,9 +117,11 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
-int showWindow(const CommandLine& commandLine, Composition& composition, Card& card) {
+int showWindow(const CommandLine& commandLine, Composition& composition, Card& card,
+               const virelune::WidgetEntry& widget) {
   CardWindow window(card, composition.graphics(), QString::fromStdString(composition.displayName()),
                     commandLine.onTop);
+  const CardMenu menu(window, composition.graphics(), widget);
   composition.useDrag(window);
   setWindowIcon();
   window.open();
@@ -137,7 +141,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   }
 
   const bool takesTour = commandLine.tour || (!hasDisplay() && !commandLine.snapshot);
-  if (takesTour && commandLine.player) {
+  if (takesTour && (commandLine.player || commandLine.waitForPlayer)) {
     return fail("there is no display for the card; --snapshot writes it to a file");
   }
   const bool isOffScreen = takesTour || commandLine.snapshot;
@@ -160,7 +164,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   Card* card = composition.makeCard(widget.principalClasses);
   if (card == nullptr) return fail("the resources name no widget");
   return commandLine.snapshot ? snapshot(commandLine, *card)
-                              : showWindow(commandLine, composition, *card);
+                              : showWindow(commandLine, composition, *card, widget);
 }
 
 }  // namespace desktop

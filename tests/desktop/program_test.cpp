@@ -47,6 +47,7 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
            {{"--scale", "0.5"}, "--scale takes a number from 1 to 4, not \"0.5\""},
            {{"--scale", "2x"}, "--scale takes a number from 1 to 4, not \"2x\""},
            {{"--scale", "nan"}, "--scale takes a number from 1 to 4, not \"nan\""},
+           {{"--wait-for-player", "--demo"}, "--wait-for-player and --demo exclude each other"},
            {{"--player", "a", "--demo"}, "--player and --demo exclude each other"}}) {
     const auto result = parsed(c.arguments);
     const auto* error = std::get_if<CommandLineError>(&result);
