@@ -7,7 +7,6 @@
 namespace tests {
 
 platform::ObjectArray ScriptedWorkspace::runningApplications(const std::string& bundleIdentifier) {
-  ++processQueries;
   return player_.runningApplications(bundleIdentifier);
 }
 

@@ -30,7 +30,6 @@ class ScriptedWorkspace final : public platform::WorkspaceBackend {
   std::map<std::string, std::string> installed;                     ///< path by bundle identifier
   std::map<std::string, std::shared_ptr<platform::NSImage>> icons;  ///< by path
   std::vector<std::string> asked;  ///< "launch <identifier>" and "open <address>"
-  std::size_t processQueries = 0;
 
  private:
   const demo::DemoPlayer& player_;

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <stdexcept>
 
 namespace tests {
 
 using platform::Data;
-using platform::NSRect;
 using platform::NSSize;
 
 std::string nameOf(const std::shared_ptr<platform::NSImage>& image) {
@@ -17,66 +15,6 @@ std::string nameOf(const std::shared_ptr<platform::NSImage>& image) {
 }
 
 Data imageBytes(const std::string& name) { return Data::fromText("image:" + name); }
-
-void RecordingCanvas::restore() {
-  if (stack_.empty()) throw std::logic_error("restore without save");
-  state_ = stack_.back();
-  stack_.pop_back();
-}
-
-void RecordingCanvas::translate(double dx, double dy) {
-  state_.origin.x += dx;
-  state_.origin.y += dy;
-}
-
-void RecordingCanvas::clip(NSRect, double) {}
-
-DrawingStep& RecordingCanvas::add(DrawingStep::Kind kind, NSRect rect) {
-  DrawingStep step;
-  step.kind = kind;
-  step.rect = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
-  step.alpha = state_.alpha;
-  return steps_.emplace_back(std::move(step));
-}
-
-void RecordingCanvas::fillRect(NSRect rect, platform::NSColor color) {
-  if (!rect.isEmpty()) add(DrawingStep::Kind::fill, rect).color = color;
-}
-
-void RecordingCanvas::fillRoundedRect(NSRect rect, double, platform::NSColor color) {
-  if (!rect.isEmpty()) add(DrawingStep::Kind::roundedFill, rect).color = color;
-}
-
-void RecordingCanvas::drawImage(const platform::NSImage& image, NSRect rect, double fraction) {
-  DrawingStep& step = add(DrawingStep::Kind::image, rect);
-  step.alpha *= fraction;
-  const auto* known = dynamic_cast<const TestImage*>(&image);
-  if (known != nullptr) step.name = known->name();
-}
-
-void RecordingCanvas::drawText(const platform::NSAttributedString& text, NSRect rect,
-                               unsigned options) {
-  DrawingStep& step = add(DrawingStep::Kind::text, rect);
-  step.name = text.text;
-  step.attributes = text.attributes;
-  step.options = options;
-}
-
-std::vector<std::string> RecordingCanvas::texts() const {
-  std::vector<std::string> found;
-  for (const auto& step : steps_) {
-    if (step.kind == DrawingStep::Kind::text) found.push_back(step.name);
-  }
-  return found;
-}
-
-std::vector<std::string> RecordingCanvas::images() const {
-  std::vector<std::string> found;
-  for (const auto& step : steps_) {
-    if (step.kind == DrawingStep::Kind::image) found.push_back(step.name);
-  }
-  return found;
-}
 
 std::shared_ptr<platform::NSImage> TestGraphics::decode(const Data& data) {
   constexpr std::string_view mark = "image:";
@@ -100,8 +38,7 @@ std::shared_ptr<platform::NSImage> TestGraphics::imageAtPath(const std::string& 
 
 Data TestGraphics::encode(const platform::NSImage& image, platform::NSBitmapImageFileType type,
                           double quality) {
-  const auto* known = dynamic_cast<const TestImage*>(&image);
-  const std::string name = known != nullptr ? known->name() : "";
+  const std::string& name = dynamic_cast<const TestImage&>(image).name();
   return Data::fromText(type == platform::NSBitmapImageFileType::png
                             ? "PNG of " + name
                             : "JPEG of " + name + " at " + std::to_string(quality));

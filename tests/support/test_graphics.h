@@ -31,35 +31,48 @@ platform::Data imageBytes(const std::string& name);
 
 /// One drawing step, in the coordinates of the canvas.
 struct DrawingStep {
-  enum class Kind { fill, roundedFill, image, text };
-  Kind kind = Kind::fill;
   platform::NSRect rect;
   double alpha = 1;  ///< product of all opacities at work
+  std::string name;  ///< of the image, or the text; empty for a fill
   std::optional<platform::NSColor> color;
-  std::string name;  ///< of the image, or the text
-  platform::Dictionary attributes;
   unsigned options = 0;
 };
 
 class RecordingCanvas final : public platform::Canvas {
  public:
   void save() override { stack_.push_back(state_); }
-  void restore() override;
-  void translate(double dx, double dy) override;
-  void clip(platform::NSRect rect, double cornerRadius) override;
+  void restore() override {
+    state_ = stack_.at(stack_.size() - 1);
+    stack_.pop_back();
+  }
+  void translate(double dx, double dy) override {
+    state_.origin = {state_.origin.x + dx, state_.origin.y + dy};
+  }
+  void clip(platform::NSRect, double) override {}
   void multiplyAlpha(double alpha) override { state_.alpha *= alpha; }
-  void fillRect(platform::NSRect rect, platform::NSColor color) override;
-  void fillRoundedRect(platform::NSRect rect, double cornerRadius,
-                       platform::NSColor color) override;
-  void drawImage(const platform::NSImage& image, platform::NSRect rect, double fraction) override;
+  void fillRect(platform::NSRect rect, platform::NSColor color) override {
+    if (!rect.isEmpty()) add(rect).color = color;
+  }
+  void fillRoundedRect(platform::NSRect rect, double, platform::NSColor color) override {
+    fillRect(rect, color);
+  }
+  void drawImage(const platform::NSImage& image, platform::NSRect rect, double fraction) override {
+    add(rect, dynamic_cast<const TestImage&>(image).name()).alpha *= fraction;
+  }
   void drawText(const platform::NSAttributedString& text, platform::NSRect rect,
-                unsigned options) override;
+                unsigned options) override {
+    add(rect, text.text).options = options;
+  }
 
   const std::vector<DrawingStep>& steps() const { return steps_; }
-  /// The texts drawn, in order.
-  std::vector<std::string> texts() const;
-  /// The names of the images drawn, in order.
-  std::vector<std::string> images() const;
+  /// The texts and the names of the images drawn, in order.
+  std::vector<std::string> names() const {
+    std::vector<std::string> found;
+    for (const auto& step : steps_) {
+      if (!step.name.empty()) found.push_back(step.name);
+    }
+    return found;
+  }
   bool isBalanced() const { return stack_.empty(); }
 
  private:
@@ -67,7 +80,10 @@ class RecordingCanvas final : public platform::Canvas {
     platform::NSPoint origin;
     double alpha = 1;
   };
-  DrawingStep& add(DrawingStep::Kind kind, platform::NSRect rect);
+  DrawingStep& add(platform::NSRect rect, std::string name = "") {
+    const auto moved = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
+    return steps_.emplace_back(DrawingStep{moved, state_.alpha, std::move(name), {}, 0});
+  }
 
   State state_;
   std::vector<State> stack_;
