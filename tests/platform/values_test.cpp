@@ -1,21 +1,18 @@
-#include <filesystem>
-#include <fstream>
+#include <cmath>
 #include <limits>
 
 #include "platform/bundle.h"
-#include "platform/date.h"
-#include "platform/property_list.h"
 #include "platform/text.h"
-#include "platform/url.h"
+#include "platform/url_components.h"
 #include "tests/support/widget_fixture.h"
 
 namespace tests {
 namespace {
 
 using platform::Array;
-using platform::Data;
 using platform::Dictionary;
 using platform::Number;
+using platform::URL;
 using platform::Value;
 
 TEST(Values, NumbersConvertWithinTheirRangeAndCompareByAmount) {
@@ -31,27 +28,6 @@ TEST(Values, NumbersConvertWithinTheirRangeAndCompareByAmount) {
   EXPECT_FALSE(Value().as<std::string>());
   EXPECT_TRUE(Value(true).as<Number>());
   EXPECT_FALSE(Value(1).as<bool>());
-}
-
-std::string durationText(double seconds, bool withHours) {
-  platform::NSDateComponentsFormatter formatter;
-  formatter.setZeroFormattingBehavior(platform::NSDateComponentsFormatterZeroFormattingBehaviorPad);
-  formatter.setAllowedUnits((withHours ? platform::NSCalendarUnitHour : 0) |
-                            platform::NSCalendarUnitMinute | platform::NSCalendarUnitSecond);
-  return formatter.stringFromTimeInterval(seconds).value_or("none");
-}
-
-TEST(Durations, ArePaddedCutAndCarriedByTheLargestField) {
-  EXPECT_EQ(durationText(0, false), "00:00");
-  EXPECT_EQ(durationText(65, false), "01:05");
-  EXPECT_EQ(durationText(59.999, false), "00:59");
-  EXPECT_EQ(durationText(3600, false), "60:00");
-  EXPECT_EQ(durationText(3600.5, true), "01:00:00");
-  EXPECT_EQ(durationText(360000, true), "100:00:00");
-  EXPECT_EQ(durationText(-65, false), "-01:05");
-  EXPECT_EQ(durationText(-0.5, false), "00:00");
-  EXPECT_EQ(durationText(std::numeric_limits<double>::infinity(), true), "none");
-  EXPECT_EQ(durationText(1e300, true), "none");
 }
 
 TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
@@ -73,7 +49,6 @@ TEST(Texts, DisplayableTextIsWholeCharactersWithoutControls) {
 }
 
 TEST(Addresses, AreTakenOnlyWhenWellFormed) {
-  using platform::URL;
   for (const char* good : {"http://www.virelune.org", "mailto:hello@virelune.org",
                            "http://http://a.org", "https://[::1]:80/a%20b?q=1#f", "file:///a"}) {
     EXPECT_TRUE(URL::fromText(good)) << good;
@@ -91,36 +66,51 @@ TEST(Addresses, AreTakenOnlyWhenWellFormed) {
   EXPECT_EQ(URL::fromText("HTTP://user@Host:80/p?q")->host(), "Host");
 }
 
-TEST(PropertyLists, OfEitherFormAreReadAndAnythingElseIsNone) {
-  const std::string head = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
-  const auto read = [](const std::string& text) {
-    return platform::propertyListFromData(Data::fromText(text));
-  };
-  const auto value = read(head +
-                          "<dict><key>on</key><true/><key>n</key><integer>-3</integer>"
-                          "<key>list</key><array><string>é</string><real>0.5</real></array>"
-                          "</dict></plist>");
-  ASSERT_TRUE(value);
-  EXPECT_EQ(*value, Value(Dictionary{{"on", true}, {"n", -3}, {"list", Array{"é", 0.5}}}));
+std::string afterAppendingItem(const std::string& address) {
+  auto components = platform::NSURLComponents::componentsWithString(address);
+  if (!components) return "none";
+  auto items =
+      components->percentEncodedQueryItems().value_or(std::vector<platform::NSURLQueryItem>());
+  items.push_back({"at", "1"});
+  components->setPercentEncodedQueryItems(items);
+  components->setScheme("x");
+  const auto url = components->url();
+  return url ? url->absoluteString() : "no address";
+}
 
-  // {"a": 7}, written in the binary form by hand.
-  const std::string binary(
-      "bplist00\xD1\x01\x02\x51"
-      "a\x10\x07\x08\x0B\x0D\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0"
-      "\0\0\0\0\0\0\0\x0F",
-      50);
-  const auto small = read(binary);
-  ASSERT_TRUE(small);
-  EXPECT_EQ(*small, Value(Dictionary{{"a", 7}}));
+TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
+  const std::pair<const char*, const char*> table[] = {
+      {"https://h/p", "x://h/p?at=1"},
+      {"https://h/p?", "x://h/p?at=1"},
+      {"https://h/p?a=%2B&&b&c==&d=%26#f?g", "x://h/p?a=%2B&&b&c==&d=%26&at=1#f?g"},
+      {"//h/p?a:b", "x://h/p?a:b&at=1"},
+      {"mailto:a@b", "x:a@b?at=1"},
+      {"https://h/a b", "none"},
+      {"https://h:99999/", "none"},
+      {"https://h/%zz", "none"},
+      {"1nvalid://h/", "none"}};
+  for (const auto& [before, after] : table) EXPECT_EQ(afterAppendingItem(before), after) << before;
+}
 
-  std::string deep = head;
-  for (int i = 0; i < 200000; ++i) deep += "<array>";
-  for (const std::string& bad :
-       {std::string(), std::string("\0\0\0", 3), head + "<dict><key>on</key>", deep,
-        std::string("bplist00"), binary.substr(0, 30), std::string("{}")}) {
-    const auto none = read(bad);
-    EXPECT_FALSE(none && none->as<Dictionary>() && !none->as<Dictionary>()->empty());
+TEST(Addresses, ComponentsAppendToFoldersWithAndWithoutATrailingSlash) {
+  for (const char* folder : {"file:///a", "file:///a/"}) {
+    const auto url = platform::URLByAppendingPathComponent(*URL::fromText(folder), "b %?#ü", false);
+    EXPECT_EQ(url->absoluteString(), "file:///a/b%20%25%3F%23%C3%BC");
+    EXPECT_EQ(platform::URLByAppendingPathExtension(*url, "plist")->filePath(), "/a/b %?#ü.plist");
   }
+  EXPECT_EQ(platform::URLByAppendingPathComponent(*URL::fromText("file:///a"), "b", true)
+                ->absoluteString(),
+            "file:///a/b/");
+}
+
+TEST(Text, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
+  EXPECT_TRUE(platform::caseInsensitiveContains("STRASSE 7", "straße"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("cafe\u0301", "cafe"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("cafe\u0301 cafe", "cafe"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("\377bar", "bar"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("\377bar", "BAR"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("bar", ""));
 }
 
 class Bundles : public WidgetFixture {
@@ -142,14 +132,6 @@ TEST_F(Bundles, TextsComeInTheBestLanguageThatIsThere) {
   EXPECT_NE(text({"zh-CN"}, key), english);
   EXPECT_EQ(text({"xx", "pt-BR"}, key), text({"pt"}, key));
   EXPECT_EQ(text({"de"}, "no such key"), "no such key");
-}
-
-TEST_F(Bundles, ImagesThatAreMissingAreNull) {
-  EXPECT_NE(platform::imageNamed("VLImageLoveOff"), nullptr);
-  EXPECT_EQ(platform::imageNamed("VLImageLoveOff"), platform::imageNamed("VLImageLoveOff"));
-  EXPECT_EQ(platform::imageNamed("no such image"), nullptr);
-  EXPECT_EQ(platform::imageNamed(""), nullptr);
-  EXPECT_EQ(platform::NSBundle::bundleWithPath("/no/such/folder", {}), nullptr);
 }
 
 }  // namespace
