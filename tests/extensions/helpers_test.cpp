@@ -1,57 +1,22 @@
 #include <fstream>
 
+#include "extensions/collections.h"
 #include "extensions/files.h"
-#include "extensions/notifications.h"
 #include "extensions/strings.h"
-#include "extensions/views.h"
+#include "platform/button.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 
 namespace virelune {
 namespace {
 
+using platform::Array;
 using platform::Dictionary;
-using platform::NSNotification;
-using platform::NSView;
+using platform::Number;
 using platform::URL;
 using testing::ElementsAre;
 
-class Observer : public platform::NSObject {
- public:
-  bool received(const NSNotification* notification) {
-    names.push_back(notification->name());
-    sender = vl_objectForClass<Observer>(notification);
-    text = vl_userInfoObjectForKey_withClass<std::string>(notification, "text");
-    number = vl_userInfoObjectForKey_withClass<std::string>(notification, "number");
-    return true;
-  }
-  std::vector<std::string> names;
-  std::shared_ptr<Observer> sender;
-  std::optional<std::string> text;
-  std::optional<std::string> number;
-};
-
-class Helpers : public tests::WidgetFixture {};
-
-TEST_F(Helpers, PostedNotificationsAllArriveOnceTheRunLoopIsIdle) {
-  const auto observer = platform::make<Observer>();
-  platform_.defaultCenter.addObserver(observer.get(), &Observer::received, "name");
-  EXPECT_TRUE(vl_postNotificationWithName_andUserInfo(observer.get(), "name",
-                                                      Dictionary{{"text", "yes"}, {"number", 1}}));
-  EXPECT_TRUE(vl_postNotificationWithName(observer.get(), "name"));
-  EXPECT_FALSE(vl_postNotificationWithName(observer.get(), ""));
-  EXPECT_FALSE(vl_postNotificationWithName(nullptr, "name"));
-  EXPECT_THAT(observer->names, ElementsAre());
-  platform_.defaultCenter.postNotification(
-      NSNotification("name", observer, Dictionary{{"text", "now"}, {"number", 1}}));
-  EXPECT_EQ(observer->text, "now");
-  EXPECT_EQ(observer->number, std::nullopt);
-  EXPECT_EQ(observer->sender, observer);
-  clock.settle();
-  EXPECT_THAT(observer->names, ElementsAre("name", "name", "name"));
-  EXPECT_EQ(observer->text, std::nullopt);
-  observer->sender = nullptr;
-}
+using Helpers = tests::WidgetFixture;
 
 TEST_F(Helpers, KeyWithoutTranslationShowsItselfAndAnEmptyOneNothing) {
   EXPECT_EQ(vl_localizedString("9999.0001"), "9999.0001");
@@ -67,28 +32,41 @@ TEST_F(Helpers, HiddenFilesAreLeftOutAndAMissingFolderIsNoEmptyOne) {
   const auto url = URL::fileURLWithPath(folder.path().string());
   std::ofstream(folder.path() / ".hidden") << "x";
   EXPECT_FALSE(vl_hasVisibleContentsOfDirectoryAtURL(url));
-  EXPECT_TRUE(vl_visibleContentsOfDirectoryAtURL(url));
-  std::ofstream(folder.path() / "a b%") << "x";
-  std::filesystem::create_directories(folder.path() / "sub/entered");
+  std::filesystem::create_directories(folder.path() / "a b%/entered");
   const auto contents = vl_visibleContentsOfDirectoryAtURL(url);
   ASSERT_TRUE(contents);
-  const std::string base = url->absoluteString();
-  EXPECT_THAT(*contents,
-              ElementsAre(*URL::fromText(base + "/a%20b%25"), *URL::fromText(base + "/sub/")));
-  EXPECT_TRUE(vl_hasVisibleContentsOfDirectoryAtURL(url));
+  EXPECT_THAT(*contents, ElementsAre(*URL::fromText(url->absoluteString() + "/a%20b%25/")));
   const auto missing = URL::fileURLWithPath((folder.path() / "missing").string());
   EXPECT_FALSE(vl_visibleContentsOfDirectoryAtURL(missing));
-  EXPECT_FALSE(vl_hasVisibleContentsOfDirectoryAtURL(missing));
-  EXPECT_FALSE(vl_visibleContentsOfDirectoryAtURL(std::nullopt));
 }
 
-TEST_F(Helpers, RemovingSubviewsLeavesNoneAndTellsWhetherThereWereAny) {
-  const auto parent = platform::make<NSView>(platform::NSMakeRect(0, 0, 10, 10));
-  EXPECT_FALSE(vl_removeSubviews(parent));
-  EXPECT_FALSE(vl_removeSubviews(nullptr));
-  for (int i = 0; i < 3; ++i) parent->addSubview(platform::make<NSView>());
-  EXPECT_TRUE(vl_removeSubviews(parent));
-  EXPECT_TRUE(parent->subviews().empty());
+TEST(Collections, ElementsOutsideTheArrayAndOfOtherClassesAreNone) {
+  const Array array{"first", 2, "last"};
+  for (const std::int64_t index : {std::int64_t{-1}, std::int64_t{3}, std::int64_t{1} << 32}) {
+    EXPECT_FALSE(vl_objectAtIndex(array, index));
+  }
+  EXPECT_EQ(vl_objectAtIndex_withClass<std::string>(array, 2), "last");
+  EXPECT_FALSE(vl_objectAtIndex_withClass<std::string>(array, 1));
+  EXPECT_FALSE(vl_objectAtIndex(std::optional<Array>(), 0));
+  EXPECT_EQ(vl_firstObjectWithClass<Number>(array)->integerValue(), 2);
+  EXPECT_FALSE(vl_firstObjectWithClass<Dictionary>(array));
+
+  const auto view = platform::make<platform::NSView>();
+  const auto button = platform::make<platform::NSButton>();
+  const platform::ObjectArray objects{nullptr, view, button};
+  EXPECT_EQ(vl_firstObjectWithClass<platform::NSButton>(objects), button);
+  EXPECT_EQ(vl_objectAtIndex_withClass<platform::NSButton>(objects, 1), nullptr);
+  EXPECT_EQ(vl_objectAtIndex_withClass<platform::NSView>(objects, 2), button) << "a derived class";
+}
+
+TEST(Collections, SettingTellsWhetherTheDictionaryChanged) {
+  Dictionary dictionary;
+  EXPECT_FALSE(vl_setObject_forKey(dictionary, "value", ""));
+  EXPECT_FALSE(vl_setObject_forKey(dictionary, "", "key"));
+  EXPECT_TRUE(vl_setObject_forKey(dictionary, "value", "key"));
+  EXPECT_FALSE(vl_setObject_forKey(dictionary, "value", "key"));
+  EXPECT_TRUE(vl_setObject_forKey(dictionary, "", "key"));
+  EXPECT_TRUE(dictionary.empty());
 }
 
 }  // namespace
