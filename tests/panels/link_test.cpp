@@ -1,5 +1,7 @@
 #include "panels/link.h"
 
+#include <sstream>
+
 #include "tests/support/instant_http.h"
 #include "tests/support/widget_fixture.h"
 
@@ -47,19 +49,20 @@ TEST_F(Link, FirstMatchingArtistsPageOpensAsAStoreLink) {
 }
 
 TEST_F(Link, WhateverIsMissingOpensNothing) {
-  const std::string bad[] = {
-      "",
-      "nonsense",
-      "[]",
-      "{}",
-      R"([{"artistName":"foo","artistLinkUrl":"https://x/"}])",
-      R"({"results":[]})",
-      R"({"results":"foo"})",
-      R"({"results":[{"artistName":"food","artistLinkUrl":"https://x/"}]})",
-      R"({"results":[{"artistName":7,"artistLinkUrl":"https://x/"}]})",
-      R"({"results":[{"artistName":"foo"},{"artistName":"foo","artistLinkUrl":"https://x/"}]})",
-      R"({"results":[{"artistName":"foo","artistLinkUrl":"https://not an address"}]})"};
-  for (const auto& reply : bad) EXPECT_THAT(openedFor("foo", reply), IsEmpty()) << reply;
+  std::istringstream bad(R"(
+nonsense
+[]
+{}
+[{"artistName":"foo","artistLinkUrl":"https://x/"}]
+{"results":[]}
+{"results":"foo"}
+{"results":[{"artistName":"food","artistLinkUrl":"https://x/"}]}
+{"results":[{"artistName":7,"artistLinkUrl":"https://x/"}]}
+{"results":[{"artistName":"foo"},{"artistName":"foo","artistLinkUrl":"https://x/"}]}
+{"results":[{"artistName":"foo","artistLinkUrl":"https://not an address"}]})");
+  for (std::string reply; std::getline(bad, reply);) {
+    EXPECT_THAT(openedFor("foo", reply), IsEmpty()) << reply;
+  }
   const std::size_t asked = network.requests.size();
   EXPECT_FALSE(VLLink::openStoreForArtist(""));
   EXPECT_EQ(network.requests.size(), asked);
