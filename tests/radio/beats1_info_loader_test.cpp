@@ -1,9 +1,9 @@
 #include "radio/beats1_info_loader.h"
 
 #include "tests/radio/segments.h"
+#include "tests/support/listener.h"
 #include "tests/support/widget_fixture.h"
 
-using platform::Data;
 using tests::segmentHead;
 using virelune::VLBeats1InfoLoader;
 using namespace std::string_literals;
@@ -13,23 +13,13 @@ namespace {
 const std::string base = "http://radio.example/streams/hub02/session02/64k/";
 const std::string cover = "http://art.example/cover.jpg";
 
-/// Counts the updates it hears, and remembers the title at each.
-class Listener : public platform::NSObject {
- public:
-  bool updated(const platform::NSNotification* notification) {
-    const auto loader = std::dynamic_pointer_cast<VLBeats1InfoLoader>(notification->object());
-    titles.push_back(loader->infoTrackName().value_or("-"));
-    return true;
-  }
-  std::vector<std::string> titles;
-};
-
 class LiveProgramme : public tests::WidgetFixture {
  protected:
   LiveProgramme() {
     bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example");
-    platform_.defaultCenter.addObserver(listener.get(), &Listener::updated,
+    platform_.defaultCenter.addObserver(listener.get(), &tests::Listener::heard,
                                         virelune::VLBeats1InfoLoaderNotificationName_Update);
+    listener->onCall = [this] { titles.push_back(loader->infoTrackName().value_or("-")); };
   }
 
   /// A playlist of five segments; the third from the end starts then, at first just now.
@@ -37,12 +27,9 @@ class LiveProgramme : public tests::WidgetFixture {
     return "#EXTM3U\n#EXT-X-TARGETDURATION:10\nlive-1.aac\nlive-2.aac\nlive-" + start +
            ".aac\nlive-4.aac\nlive-5.aac\n";
   }
+  /// Answers the last request; without a body it fails.
   void receive(const std::string& body) {
-    http.answer(http.lastIndex(), body);
-    clock.settle();
-  }
-  void receiveNothing() {
-    http.fail(http.lastIndex());
+    body.empty() ? http.fail(http.lastIndex()) : http.answer(http.lastIndex(), body);
     clock.settle();
   }
   void receiveCycle(const std::string& title) {
@@ -55,7 +42,8 @@ class LiveProgramme : public tests::WidgetFixture {
     return deadline ? *deadline - clock.now() : -1;
   }
 
-  std::shared_ptr<Listener> listener = platform::make<Listener>();
+  std::vector<std::string> titles;  ///< at each of the updates
+  std::shared_ptr<tests::Listener> listener = platform::make<tests::Listener>();
   std::shared_ptr<VLBeats1InfoLoader> loader = platform::make<VLBeats1InfoLoader>();
 };
 
@@ -65,8 +53,8 @@ TEST_F(LiveProgramme, FollowsTheStationCycleByCycle) {
   ASSERT_TRUE(loader->start(nullptr));
   EXPECT_EQ(http.last().request.url, base + "prog.m3u8");
   EXPECT_EQ(http.last().request.timeout, 3.0);
-  const std::vector<std::pair<std::string, std::string>> fresh = {{"Cache-Control", "no-cache"},
-                                                                  {"Pragma", "no-cache"}};
+  using Headers = std::vector<std::pair<std::string, std::string>>;
+  const Headers fresh = {{"Cache-Control", "no-cache"}, {"Pragma", "no-cache"}};
   EXPECT_EQ(http.last().request.headers, fresh);
 
   receive(playlist("20160305T140644Z"));  // 25 seconds ago
@@ -74,15 +62,14 @@ TEST_F(LiveProgramme, FollowsTheStationCycleByCycle) {
   auto ranged = fresh;
   ranged.insert(ranged.begin(), {"Range", "bytes=0-8192"});
   EXPECT_EQ(http.last().request.headers, ranged);
-  EXPECT_EQ(http.last().request.timeout, 3.0);
 
   receive(segmentHead("Title", "Artist", "Album", cover));
   EXPECT_EQ(http.last().request.url, cover);
   EXPECT_EQ(http.last().request.headers, fresh);
-  EXPECT_TRUE(listener->titles.empty()) << "nothing is told before the artwork has been tried";
+  EXPECT_TRUE(titles.empty()) << "nothing is told before the artwork has been tried";
 
   receive("image:cover");
-  EXPECT_EQ(listener->titles, std::vector{"Title"s});
+  EXPECT_EQ(titles, std::vector{"Title"s});
   EXPECT_EQ(loader->infoTrackArtist(), "Artist");
   EXPECT_EQ(loader->infoTrackAlbum(), "Album");
   EXPECT_EQ(tests::nameOf(loader->infoTrackArtwork()), "cover");
@@ -92,7 +79,7 @@ TEST_F(LiveProgramme, FollowsTheStationCycleByCycle) {
   EXPECT_EQ(http.last().request.url, base + "prog.m3u8");
   EXPECT_EQ(loader->infoTrackName(), std::nullopt) << "a record never mixes two cycles";
   receiveCycle("Next");
-  EXPECT_EQ(listener->titles, (std::vector{"Title"s, "Next"s}));
+  EXPECT_EQ(titles, (std::vector{"Title"s, "Next"s}));
   EXPECT_EQ(http.count(), 6U);
 }
 
@@ -124,10 +111,10 @@ TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsL
       {playlist(), segmentHead("Title", "", "", "http://a b/c.jpg")},
   };
   for (const auto& answers : failures) {
-    listener->titles.clear();
+    titles.clear();
     loader->start(nullptr);
-    for (const std::string& answer : answers) answer.empty() ? receiveNothing() : receive(answer);
-    EXPECT_EQ(listener->titles, std::vector{"-"s});
+    for (const std::string& answer : answers) receive(answer);
+    EXPECT_EQ(titles, std::vector{"-"s});
     EXPECT_FALSE(loader->contentTrackInfo());
     EXPECT_NEAR(secondsToNextCycle(), 5, 1e-6);
     const std::size_t requests = http.count();
@@ -136,7 +123,7 @@ TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsL
     clock.advance(0.2);
     EXPECT_EQ(http.count(), requests + 1);
     receiveCycle("Title");
-    EXPECT_EQ(listener->titles, (std::vector{"-"s, "Title"s}));
+    EXPECT_EQ(titles, (std::vector{"-"s, "Title"s}));
   }
 }
 
@@ -174,22 +161,22 @@ TEST_F(LiveProgramme, AStoppedLoaderChangesNothingHoweverLateItsBytesArrive) {
   const std::vector<std::string> answers = {playlist(), segmentHead("T", "A", "B", cover),
                                             "image:c"};
   for (std::size_t received = 0; received <= answers.size(); ++received) {
-    listener->titles.clear();
+    titles.clear();
     loader->start(nullptr);
     for (std::size_t step = 0; step < received; ++step) receive(answers[step]);
-    listener->titles.clear();
+    titles.clear();
     EXPECT_TRUE(loader->stop(nullptr));
     EXPECT_FALSE(loader->stop(nullptr));
     EXPECT_EQ(http.inFlight(), 0U);
     if (!http.last().completed) receive(answers[received]);
     clock.advance(60);
-    EXPECT_TRUE(listener->titles.empty());
+    EXPECT_TRUE(titles.empty());
     EXPECT_EQ(loader->contentLoadingAction(), virelune::VLBeats1InfoLoadingNone);
     EXPECT_FALSE(loader->contentTrackInfo());
     EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
   }
   loader->start(nullptr);
-  receiveNothing();
+  receive("");
   EXPECT_FALSE(loader->stop(nullptr)) << "waiting after a failure, no transfer is recorded";
   const std::size_t requests = http.count();
   clock.advance(60);
@@ -205,9 +192,9 @@ TEST_F(LiveProgramme, OnlyTheTransferThatIsRecordedNowIsHeard) {
   http.fail(1);
   clock.settle();
   EXPECT_EQ(http.count(), 3U);
-  EXPECT_TRUE(listener->titles.empty());
+  EXPECT_TRUE(titles.empty());
   receiveCycle("Title");
-  EXPECT_EQ(listener->titles, std::vector{"Title"s});
+  EXPECT_EQ(titles, std::vector{"Title"s});
 }
 
 TEST_F(LiveProgramme, ADestroyedLoaderLeavesNothingBehind) {
@@ -224,21 +211,11 @@ TEST_F(LiveProgramme, ADestroyedLoaderLeavesNothingBehind) {
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
 }
 
-TEST_F(LiveProgramme, UpdatesBeforeAnIdleMomentAreToldOnce) {
-  auto other = platform::make<VLBeats1InfoLoader>();
-  loader->postInfoNotification();
-  other->postInfoNotification();
-  loader->postErrorNotification();
-  EXPECT_TRUE(listener->titles.empty());
-  clock.settle();
-  EXPECT_EQ(listener->titles.size(), 2U) << "one of each loader";
-}
-
 TEST_F(LiveProgramme, WithoutServerOrNetworkNothingStarts) {
-  bundle->setInfoDictionaryEntry("VLStreamHost", "");
-  EXPECT_FALSE(loader->start(nullptr));
-  bundle->setInfoDictionaryEntry("VLStreamHost", "no host");
-  EXPECT_FALSE(loader->start(nullptr));
+  for (const char* host : {"", "no host"}) {
+    bundle->setInfoDictionaryEntry("VLStreamHost", host);
+    EXPECT_FALSE(loader->start(nullptr));
+  }
   bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example:8080");
   platform_.http = nullptr;
   EXPECT_FALSE(loader->start(nullptr));
