@@ -6,7 +6,6 @@ namespace virelune {
 namespace {
 
 using platform::NSEventModifierFlagOption;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using tests::nameOf;
@@ -23,24 +22,21 @@ class TrackActions : public tests::TrackFixture {
 
 TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
   show();
-  const auto before = painted();
   const std::tuple<std::size_t, const char*, const char*> clicks[] = {
-      {kPlay, "command hook/PlPs", "Paper Lanterns"},
-      {kNext, "command hook/Next", "Night Bus, Upper Deck"},
-      {kPrevious, "command hook/Prev", "Paper Lanterns"},
+      {kPlay, "pPlS command hook/PlPs", "Paper Lanterns"},
+      {kNext, "pPlS command hook/Next", "Night Bus, Upper Deck"},
+      {kPrevious, "pPlS command hook/Prev", "Paper Lanterns"},
   };
-  for (const auto& [control, command, track] : clicks) {
+  for (const auto& [control, requests, track] : clicks) {
     player.clearLog();
-    marked.clear();
-    const auto shown = panel->contentNameTextLabel()->text();
+    const auto shown = painted();
     clickControl(control);
-    EXPECT_THAT(player.log(), ElementsAre("get pPlS", command));
-    EXPECT_EQ(panel->contentNameTextLabel()->text(), shown);
+    EXPECT_EQ(asked(), requests);
+    EXPECT_EQ(painted(), shown);
     clock.settle();
+    EXPECT_NE(painted(), shown);
     EXPECT_EQ(panel->contentNameTextLabel()->text(), track);
   }
-  EXPECT_EQ(nameOf(panel->contentPlayButton()->image()), VLImageControllerPlay) << "paused";
-  EXPECT_NE(painted(), before);
 }
 
 TEST_F(TrackActions, ClicksAfterThePlayerHasQuitSendNothing) {
@@ -59,32 +55,11 @@ TEST_F(TrackActions, APressOnTheBarSeeksThere) {
   show(demo::kPaused);
   sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
   EXPECT_EQ(player.position(), 112.5);
-  EXPECT_THAT(player.log(), ElementsAre("get pPlS", "set pPos 112.5", "get pPlS", "get pPos"));
+  EXPECT_EQ(asked(), "pPlS set pPos 112.5 pPlS pPos");
   EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5);
   sendMouse(platform::NSEventType::leftMouseUp, {160, 3});
   clock.settle();
   EXPECT_EQ(panel->contentTimeTextLabel()->text(), "01:52 | 3:45");
-}
-
-TEST_F(TrackActions, ASeekThatThePlayerRefusesFallsBackToItsPosition) {
-  show(demo::kPaused);
-  player.setPosition(10);
-  player.setRefusesWrites(true);
-  click({160, 3});
-  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 10.0);
-}
-
-TEST_F(TrackActions, OnlyThePanelsOwnControlsSeekAndRate) {
-  show();
-  const auto bar = platform::make<VLProgressIndicator>();
-  const auto stars = platform::make<VLRatingIndicator>();
-  for (platform::NSObject* sender :
-       std::initializer_list<platform::NSObject*>{nullptr, bar.get(), stars.get(), panel.get()}) {
-    EXPECT_FALSE(panel->clickedProgressIndicator(sender));
-    EXPECT_FALSE(panel->clickedRatingIndicator(sender));
-  }
-  EXPECT_FALSE(panel->clickedLoveButton(nullptr));
-  EXPECT_THAT(player.log(), IsEmpty());
 }
 
 TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
@@ -101,40 +76,39 @@ TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 0) << "the track's stars are shown";
 
   clickControl(kLove);
-  EXPECT_TRUE(track.loved);
-  EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn) << "at once";
   click(kThreeStars);
+  EXPECT_TRUE(track.loved);
   EXPECT_EQ(track.rating, 60);
+  EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn) << "at once";
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 60);
-  EXPECT_EQ(panel->contentRatingIndicator()->ratingType(), VLRatingTypeUser);
 }
 
 TEST_F(TrackActions, AClickIsFollowedByTheRefreshOfBothMarks) {
   show(demo::kPaused);
   clickControl(kLove);
-  EXPECT_THAT(player.log(),
-              ElementsAre("get pTrk.pLov", "set pTrk.pLov false", "get pPlS", "get pTrk.pLov",
-                          "get pPlS", "get pTrk.pRtk", "get pPlS", "get pTrk.pRte"));
+  EXPECT_EQ(asked(), "pLov set pLov false pPlS pLov pPlS pRtk pPlS pRte");
   player.clearLog();
   click(kThreeStars);
-  EXPECT_THAT(player.log(), ElementsAre("get pPlS", "set pTrk.pRte 60", "get pPlS", "get pTrk.pRtk",
-                                        "get pPlS", "get pTrk.pRte", "get pPlS", "get pTrk.pLov"));
+  EXPECT_EQ(asked(), "pPlS set pRte 60 pPlS pRtk pPlS pRte pPlS pLov");
 }
 
-TEST_F(TrackActions, AMarkThatThePlayerRefusesIsShownAsItReallyIs) {
+TEST_F(TrackActions, WhatThePlayerRefusesIsShownAsItReallyIs) {
   show(demo::kPaused);
+  player.setPosition(10);
   player.setRefusesWrites(true);
   click(kThreeStars);
   clickControl(kLove);
+  click({160, 3});
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 80);
   EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn);
+  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 10.0);
 }
 
 TEST_F(TrackActions, TheArtworkRevealsTheTrackInThePlayer) {
   show();
   clickControl(kArtwork);
-  EXPECT_THAT(player.log(), ElementsAre("get pTrk.pnam", "get pPlS", "command misc/actv",
-                                        "command pTrk hook/Revl"));
+  EXPECT_EQ(asked(), "pnam pPlS command misc/actv command pTrk hook/Revl");
+  EXPECT_THAT(player.revealedTracks(), ElementsAre("Paper Lanterns"));
   EXPECT_EQ(workers.count(), 0U);
 }
 
@@ -145,7 +119,7 @@ TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
                                "artistLinkUrl":"https://store.example/artist/7"}]})");
   platform_.http = &store;
   clickControl(kArtwork, NSEventModifierFlagOption);
-  EXPECT_THAT(player.log(), testing::Not(Contains("command misc/actv")));
+  EXPECT_EQ(player.activationCount(), 0U);
   EXPECT_THAT(store.requests, IsEmpty());
   ASSERT_EQ(workers.count(), 1U);
   workers.runAll();

@@ -25,14 +25,21 @@ class TrackFixture : public WidgetFixture {
   std::vector<std::string> painted() const {
     RecordingCanvas canvas;
     panel->view()->displayRect(canvas, panel->view()->bounds());
-    std::vector<std::string> names;
-    for (const auto& step : canvas.steps()) {
-      if (!step.name.empty()) names.push_back(step.name);
-    }
-    return names;
+    return canvas.names();
   }
 
-  std::string artistLine() const { return panel->contentArtistTextLabel()->text().value_or("-"); }
+  /// The requests to the player in short: "pnam" for getting the current track's name.
+  std::string asked() const {
+    std::string all;
+    for (std::string entry : player.log()) {
+      for (const std::string usual : {"get ", "pTrk."}) {
+        const auto at = entry.find(usual);
+        if (at != std::string::npos) entry.erase(at, usual.size());
+      }
+      all += (all.empty() ? "" : " ") + entry;
+    }
+    return all;
+  }
 
   TemporaryDataHome dataHome;
   std::shared_ptr<virelune::VLTrackViewController> panel;
