@@ -45,6 +45,14 @@ TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
   show();
   EXPECT_EQ(panel(), "info");
 
+  const auto edit = [this] { widget->widgetDidBeginEditing(); };
+  const auto endEditing = [this] { widget->widgetDidEndEditing(); };
+  const auto play = [this] { player.launch(demo::kPlaying); };
+  const auto quit = [this] { player.quit(); };
+  const auto answer = [this](bool answers) {
+    player.setSilent(!answers);
+    player.announce();
+  };
   const struct {
     const char* event;
     std::function<void()> happens;
@@ -56,30 +64,19 @@ TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
       {"pauses", [this] { player.pause(); }, "track", true},
       {"next track", [this] { player.nextTrack(); }, "track", true},
       {"stops", [this] { player.stop(); }, "info", false},
-      {"quits", [this] { player.quit(); }, "info", true},
-      {"launched, playing", [this] { player.launch(demo::kPlaying); }, "track", false},
-      {"quits while playing", [this] { player.quit(); }, "info", false},
-      {"editing begins", [this] { widget->widgetDidBeginEditing(); }, "about", false},
-      {"plays while editing", [this] { player.launch(demo::kPlaying); }, "about", true},
-      {"editing begins again", [this] { widget->widgetDidBeginEditing(); }, "about", false},
-      {"quits while editing", [this] { player.quit(); }, "about", true},
-      {"editing ends without player", [this] { widget->widgetDidEndEditing(); }, "info", false},
-      {"plays", [this] { player.launch(demo::kPlaying); }, "track", false},
-      {"editing begins over the track", [this] { widget->widgetDidBeginEditing(); }, "about",
-       false},
-      {"editing ends", [this] { widget->widgetDidEndEditing(); }, "track", false},
-      {"falls silent",
-       [this] {
-         player.setSilent(true);
-         player.announce();
-       },
-       "info", false},
-      {"speaks again",
-       [this] {
-         player.setSilent(false);
-         player.announce();
-       },
-       "track", false},
+      {"quits", quit, "info", true},
+      {"launched, playing", play, "track", false},
+      {"quits while playing", quit, "info", false},
+      {"editing begins", edit, "about", false},
+      {"plays while editing", play, "about", true},
+      {"editing begins again", edit, "about", false},
+      {"quits while editing", quit, "about", true},
+      {"editing ends without player", endEditing, "info", false},
+      {"launched again", play, "track", false},
+      {"editing begins over the track", edit, "about", false},
+      {"editing ends", endEditing, "track", false},
+      {"falls silent", [&] { answer(false); }, "info", false},
+      {"speaks again", [&] { answer(true); }, "track", false},
   };
   for (const auto& [event, happens, expected, isSamePanel] : steps) {
     SCOPED_TRACE(event);
@@ -91,16 +88,7 @@ TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
   }
 }
 
-TEST_F(Widget, TheHeightFollowsThePanel) {
-  show();
-  startPlayer();
-  player.stop();
-  clock.settle();
-  widget->widgetDidBeginEditing();
-  EXPECT_THAT(heights, ElementsAre(30, 64, 30, 64));
-}
-
-TEST_F(Widget, AReplacedPanelIsGoneWithItsObserversAndTimers) {
+TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) {
   show();
   startPlayer(demo::kPaused);
   const std::weak_ptr<VLViewController> track = widget->contentViewController();
@@ -111,10 +99,8 @@ TEST_F(Widget, AReplacedPanelIsGoneWithItsObserversAndTimers) {
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
   EXPECT_EQ(platform_.distributedCenter.registrationCount(), 2U) << "widget and panel";
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 4U);
-}
+  EXPECT_THAT(heights, ElementsAre(30, 64, 30));
 
-TEST_F(Widget, NothingIsLeftBehindWhenItIsDestroyedWhileShown) {
-  show();
   startPlayer(demo::kPaused);
   widget = nullptr;
   window->setContentView(nullptr);
@@ -124,6 +110,7 @@ TEST_F(Widget, NothingIsLeftBehindWhenItIsDestroyedWhileShown) {
 }
 
 TEST_F(Widget, AnsweringTheHostAlwaysBringsNewDataOnceAndNoMargins) {
+  EXPECT_NE(platform::NSExtensionMain(principalClasses()), nullptr) << "the bundle names it";
   std::vector<platform::NCUpdateResult> results;
   widget->widgetPerformUpdateWithCompletionHandler(
       [&](platform::NCUpdateResult result) { results.push_back(result); });
@@ -144,11 +131,6 @@ TEST_F(Widget, SettingNoPanelOrOneWithoutViewLeavesNone) {
   EXPECT_EQ(panel(), "info");
   EXPECT_FALSE(widget->setViewController(nullptr));
   EXPECT_EQ(panel(), "none");
-}
-
-TEST_F(Widget, TheBundleNamesItAsItsPrincipalClass) {
-  const auto controller = platform::NSExtensionMain(principalClasses());
-  EXPECT_NE(std::dynamic_pointer_cast<VLWidgetViewController>(controller), nullptr);
 }
 
 }  // namespace
