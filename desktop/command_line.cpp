@@ -131,7 +131,7 @@ std::string helpText() {
   std::string text =
       "Usage: virelune-widget [OPTION]...\n"
       "Shows what a music player plays, and controls it.\n\n";
-  constexpr std::size_t column = 25;
+  constexpr std::size_t column = 29;
   for (const Option& option : options) {
     std::string entry = "  " + std::string(option.name);
     if (!option.valueName.empty()) entry += ' ' + std::string(option.valueName);
