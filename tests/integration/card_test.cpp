@@ -11,6 +11,8 @@
 #include "controls/text_label.h"
 #include "desktop/card_style.h"
 #include "desktop/composition.h"
+#include "tests/integration/encoded_station.h"
+#include "tests/integration/fake_player.h"
 #include "tests/integration/mpv.h"
 #include "tests/support/temporary_data_home.h"
 #include "widget/widget_entry.h"
@@ -34,8 +36,13 @@ void collect(const platform::NSView& from, std::vector<const View*>& found) {
 
 class CardOverPlayer : public testing::Test {
  protected:
-  void show() {
+  /// Shows the card; with a stream server, also lets it use the network.
+  void show(const std::string& streamHost = {}) {
     ASSERT_TRUE(composition_.openBundle(VIRELUNE_TEST_BUNDLE));
+    if (!streamHost.empty()) {
+      composition_.setStreamHost(streamHost);
+      composition_.useNetwork();
+    }
     ASSERT_TRUE(composition_.useBus(bus.connection(), std::nullopt));
     card = composition_.makeCard(virelune::principalClasses());
     ASSERT_NE(card, nullptr);
@@ -98,6 +105,20 @@ TEST_F(CardOverPlayer, ShowsTheTagsOfTheFileAndThoseOfTheNextOne) {
   EXPECT_TRUE(waitUntil([&] { return hasLabel("夜の海"); }));
   bus.playerctl({QStringLiteral("next")});
   EXPECT_TRUE(waitUntil([&] { return hasLabel("Without an Album") && hasLabel("Solo"); }));
+}
+
+TEST_F(CardOverPlayer, ShowsTheProgrammeWhileTheLiveStationPlays) {
+  const EncodedStation station("夜明けの交差点", "水色レイディオ", "夏の終わりの地図");
+  const QVariantMap stream = {{"xesam:title", "Beats 1"},
+                              {"xesam:url", QString::fromStdString(station.streamAddress())}};
+  const FakePlayer player(bus, "radio", {{"PlaybackStatus", "Playing"}, {"Metadata", stream}});
+  show(station.host());
+  EXPECT_TRUE(hasLabel("Beats 1"));
+  EXPECT_TRUE(waitUntil([&] { return hasLabel("夜明けの交差点"); }));
+  EXPECT_TRUE(hasLabel("水色レイディオ — 夏の終わりの地図"));
+  const auto artwork = views<virelune::VLArtworkButton>().front()->image();
+  ASSERT_NE(artwork, nullptr);
+  EXPECT_EQ(artwork->size().width, 96);  // the programme's, not the station's
 }
 
 TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
