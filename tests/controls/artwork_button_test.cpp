@@ -1,7 +1,8 @@
 #include <sstream>
 #include <thread>
 
-#include "tests/controls/artwork_fixture.h"
+#include "controls/artwork_button.h"
+#include "tests/controls/control_fixture.h"
 #include "tests/support/instant_http.h"
 #include "widget/constants.h"
 
@@ -14,11 +15,15 @@ using platform::Dictionary;
 using platform::Value;
 using tests::nameOf;
 
-class ArtworkButton : public tests::ArtworkFixture {
+class ArtworkButton : public tests::ControlFixture<VLArtworkButton> {
  protected:
+  ArtworkButton() : ControlFixture(platform::NSMakeRect(6, 9, 50, 50)) {}
   /// Shows the placeholder and starts a look-up.
   void lookUp(const std::string& artist = "Foo", const std::string& album = "Bar") {
-    button->setArtwork_forArtist_withAlbum_download(image("placeholder"), artist, album, true);
+    control->setArtwork_forArtist_withAlbum_download(image("placeholder"), artist, album, true);
+  }
+  static std::shared_ptr<platform::NSImage> image(const std::string& name) {
+    return platform::make<tests::TestImage>(name, platform::NSSize{10, 10});
   }
   static Dictionary entry(const std::string& artist, const std::string& album,
                           const std::string& cover) {
@@ -29,7 +34,7 @@ class ArtworkButton : public tests::ArtworkFixture {
            R"("artworkUrl100":")" +
            cover + R"("}]})";
   }
-  std::string shown() const { return nameOf(button->image()); }
+  std::string shown() const { return nameOf(control->image()); }
 };
 
 TEST_F(ArtworkButton, TermKeepsQuerySyntaxAndEscapesTheRest) {
@@ -46,26 +51,15 @@ TEST_F(ArtworkButton, CoverArrivesInTheLargeSize) {
   EXPECT_EQ(http.at(1).request.url, "https://img.example/1000x1000/a-1000x1000.jpg");
   EXPECT_EQ(shown(), "placeholder");
   http.answer(1, tests::imageBytes("cover"));
-  EXPECT_EQ(button->contentURLSessionDataTask(), nullptr);
+  EXPECT_EQ(control->contentURLSessionDataTask(), nullptr);
   EXPECT_EQ(shown(), "placeholder");  // shown on the main thread, in its next pass
   clock.settle();
   EXPECT_EQ(shown(), "cover");
-  EXPECT_FALSE(button->cancelDownload(nullptr));
+  EXPECT_FALSE(control->cancelDownload(nullptr));
 }
 
-TEST_F(ArtworkButton, CoverThatIsNoImageBringsThePlaceholder) {
-  for (const char* body : {"", "<html>", "(no answer)"}) {
-    lookUp();
-    http.answer(http.lastIndex(), reply());
-    const bool fails = body[0] == '(';
-    fails ? http.fail(http.lastIndex()) : http.answer(http.lastIndex(), body);
-    clock.settle();
-    EXPECT_EQ(shown(), VLImageArtworkBackground) << body;
-  }
-}
-
-TEST_F(ArtworkButton, ReplyWithoutAUsableCoverEndsTheLookUpQuietly) {
-  std::istringstream bad(R"(
+TEST_F(ArtworkButton, AnswersWithoutAUsableCoverEndTheLookUpQuietly) {
+  std::istringstream bad(R"((no answer)
 nonsense
 7
 null
@@ -79,25 +73,34 @@ null
 {"results":[{"artistName":"Foo","collectionName":"Ba","artworkUrl100":"https://x/"}]}
 {"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":""}]}
 {"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":"not an address"}]}
-(no answer))");
+)");
+  const auto receive = [this](const std::string& body) {
+    body[0] == '(' ? http.fail(http.lastIndex()) : http.answer(http.lastIndex(), body);
+    clock.settle();
+    EXPECT_EQ(control->contentURLSessionDataTask() == nullptr, http.inFlight() == 0);
+  };
   std::size_t requests = 0;
   for (std::string body; std::getline(bad, body);) {
     lookUp();
-    body[0] == '(' ? http.fail(http.lastIndex()) : http.answer(http.lastIndex(), body);
-    clock.settle();
+    receive(body);
     EXPECT_EQ(http.count(), ++requests) << body;
-    EXPECT_EQ(button->contentURLSessionDataTask(), nullptr);
     EXPECT_EQ(shown(), "placeholder");
+  }
+  for (const char* cover : {"", "<html>", "(no answer)"}) {
+    lookUp();
+    receive(reply());
+    receive(cover);
+    EXPECT_EQ(shown(), VLImageArtworkBackground) << "the cover is no image: " << cover;
   }
 }
 
 TEST_F(ArtworkButton, WithoutArtistOrAlbumOrDownloadNothingIsAsked) {
-  EXPECT_FALSE(button->startDownloadForArtist_withAlbum(std::nullopt, "Bar"));
-  EXPECT_FALSE(button->startDownloadForArtist_withAlbum("Foo", ""));
-  button->setArtwork_forArtist_withAlbum_download(image("own"), "Foo", "Bar", false);
+  EXPECT_FALSE(control->startDownloadForArtist_withAlbum(std::nullopt, "Bar"));
+  EXPECT_FALSE(control->startDownloadForArtist_withAlbum("Foo", ""));
+  control->setArtwork_forArtist_withAlbum_download(image("own"), "Foo", "Bar", false);
   EXPECT_EQ(http.count(), 0U);
   lookUp();
-  EXPECT_FALSE(button->startDownloadForArtist_withAlbum("", "Bar"));
+  EXPECT_FALSE(control->startDownloadForArtist_withAlbum("", "Bar"));
   EXPECT_TRUE(http.at(0).cancelled);
 }
 
@@ -105,31 +108,28 @@ TEST_F(ArtworkButton, ExactAlbumGoesBeforeAPartialOneAndTheArtistMustMatchWhole)
   const Array items{Value(7), entry("Foo Fighters", "Bar", "wrong artist"),
                     entry("FOO", "Bar (Deluxe Edition)", "partial"), entry("foo", "bar", "exact"),
                     entry("Foo", "Bar", "second")};
-  const auto address = [&](const std::string& album, std::size_t count) {
+  const auto found = [&](const std::string& album, std::ptrdiff_t count) {
     return VLArtworkButton::iTMSfindArtworkAddressForArtist_withAlbum_inItems(
-        "Foo", album, Array(items.begin(), items.begin() + static_cast<std::ptrdiff_t>(count)));
+        "Foo", album, Array(items.begin(), items.begin() + count));
   };
-  EXPECT_EQ(address("Bar", 2), std::nullopt);
-  EXPECT_EQ(address("Bar", 3), "partial");
-  EXPECT_EQ(address("Bar", 5), "exact");
-  EXPECT_EQ(address("deluxe", 5), "partial");
-  EXPECT_EQ(
-      VLArtworkButton::iTMSfindValueForArtist_withAlbum_inItems_withKey("Foo", "Bar", items, ""),
-      std::nullopt);
+  EXPECT_EQ(found("Bar", 2), std::nullopt);
+  EXPECT_EQ(found("Bar", 3), "partial");
+  EXPECT_EQ(found("Bar", 5), "exact");
+  EXPECT_EQ(found("deluxe", 5), "partial");
 }
 
 // Orderings: what was superseded changes nothing.
 
 TEST_F(ArtworkButton, NewImageOrLookUpCancelsTheOneInFlight) {
   lookUp();
-  button->setImage(image("own"));
+  control->setImage(image("own"));
   EXPECT_TRUE(http.at(0).cancelled);
   http.fail(0);
   lookUp("Foo", "Other");
   lookUp();
   EXPECT_TRUE(http.at(1).cancelled);
   http.fail(1);
-  EXPECT_NE(button->contentURLSessionDataTask(), nullptr);
+  EXPECT_NE(control->contentURLSessionDataTask(), nullptr);
   http.answer(2, reply());
   lookUp();
   EXPECT_TRUE(http.at(3).cancelled);
@@ -137,14 +137,14 @@ TEST_F(ArtworkButton, NewImageOrLookUpCancelsTheOneInFlight) {
   clock.settle();
   EXPECT_EQ(shown(), "placeholder");
   EXPECT_EQ(http.inFlight(), 1U);
-  EXPECT_NE(button->contentURLSessionDataTask(), nullptr);
+  EXPECT_NE(control->contentURLSessionDataTask(), nullptr);
 }
 
 TEST_F(ArtworkButton, CoverThatWaitsForTheMainThreadGivesWayToANewerImage) {
   lookUp();
   http.answer(0, reply());
   http.answer(1, tests::imageBytes("stale"));
-  button->setImage(image("newer"));
+  control->setImage(image("newer"));
   clock.settle();
   EXPECT_EQ(shown(), "newer");
 
@@ -157,16 +157,6 @@ TEST_F(ArtworkButton, CoverThatWaitsForTheMainThreadGivesWayToANewerImage) {
   EXPECT_EQ(http.inFlight(), 1U);
 }
 
-TEST_F(ArtworkButton, ReplyOfARequestLeftBehindStartsNothing) {
-  lookUp();
-  button->setImage(image("newer"));
-  constexpr VLArtworkButton::Request leftBehind = 0;
-  const Data late = Data::fromText(reply());
-  EXPECT_FALSE(button->handleIncomingJSONData_forArtist_withAlbum(late, "Foo", "Bar", leftBehind));
-  EXPECT_FALSE(button->startDownloadForArtwork("https://img.example/a", leftBehind));
-  EXPECT_EQ(http.count(), 1U);
-}
-
 TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
   {
     tests::ThreadedHTTP network([](const std::string& url) {
@@ -177,7 +167,7 @@ TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
     for (int i = 0; i < 300; ++i) {
       lookUp();
       for (int pass = 0; pass < i % 40; ++pass) clock.runLoop().runPass();
-      button->setImage(image("own"));
+      control->setImage(image("own"));
       clock.runLoop().runPass();
       ASSERT_EQ(shown(), "own");
     }
@@ -187,19 +177,10 @@ TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
       clock.runLoop().runPass();
     }
     lookUp();
-    button->removeFromSuperview();
-    button = nullptr;
+    control->removeFromSuperview();
+    control = nullptr;
   }
   platform_.http = &http;
-  clock.settle();
-}
-
-TEST_F(ArtworkButton, DestructionEndsTheLookUp) {
-  lookUp();
-  button->removeFromSuperview();
-  button = nullptr;
-  EXPECT_TRUE(http.at(0).cancelled);
-  http.fail(0);
   clock.settle();
 }
 

@@ -5,8 +5,9 @@
 #include <fstream>
 #include <set>
 
+#include "controls/artwork_button.h"
 #include "platform/drag.h"
-#include "tests/controls/artwork_fixture.h"
+#include "tests/controls/control_fixture.h"
 #include "tests/support/temporary_folder.h"
 
 namespace virelune {
@@ -39,9 +40,9 @@ class ScriptedDrag final : public platform::DragBackend {
   std::vector<std::shared_ptr<NSDraggingSession>> sessions;
 };
 
-class ArtworkDrag : public tests::ArtworkFixture {
+class ArtworkDrag : public tests::ControlFixture<VLArtworkButton> {
  protected:
-  ArtworkDrag() {
+  ArtworkDrag() : ControlFixture(platform::NSMakeRect(6, 9, 50, 50)) {
     setenv("TZ", "HERE-1", 1);  // one hour ahead of UTC
     tzset();
     platform_.drag = &desktop;
@@ -52,7 +53,9 @@ class ArtworkDrag : public tests::ArtworkFixture {
     unsetenv("TZ");
     tzset();
   }
-  void show(const std::string& name) { button->setImage(image(name)); }
+  void show(const std::string& name) {
+    control->setImage(platform::make<tests::TestImage>(name, platform::NSSize{10, 10}));
+  }
   void drag() {
     sendMouse(NSEventType::leftMouseDown, {30, 30});
     sendMouse(NSEventType::leftMouseDragged, {31, 30});
@@ -97,7 +100,7 @@ TEST_F(ArtworkDrag, WithoutAnImageOrADesktopThatTakesItThereIsNoDrag) {
   attempt();
   platform_.drag = &desktop;
   desktop.refuses = false;
-  button->setImage(nullptr);
+  control->setImage(nullptr);
   attempt();
   EXPECT_TRUE(desktop.sessions.empty());
   EXPECT_EQ(target->count, 3) << "the press went on";
@@ -112,7 +115,7 @@ TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
   EXPECT_EQ(desktop.text("text/plain"), "(none)");
   EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "no folder was named";
   EXPECT_TRUE(files().empty());
-  button->setImage(nullptr);
+  control->setImage(nullptr);
   EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "(none)") << "not the bytes of the time before";
   EXPECT_EQ(desktop.drop(dropFolder), "(none)");
 }
@@ -150,7 +153,7 @@ TEST_F(ArtworkDrag, AFullDiskLeavesTheOldFileAndNoHalfOne) {
   const rlimit full{8, before.rlim_max};
   setrlimit(RLIMIT_FSIZE, &full);
   show("next");
-  EXPECT_EQ(button->saveImageInDirectory(dropFolder), path) << "handed out all the same";
+  EXPECT_EQ(control->saveImageInDirectory(dropFolder), path) << "handed out all the same";
   setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, handler);
   EXPECT_THAT(files(), ElementsAre("2016-03-05 15-07-09.jpg"));
@@ -159,8 +162,8 @@ TEST_F(ArtworkDrag, AFullDiskLeavesTheOldFileAndNoHalfOne) {
 
 TEST_F(ArtworkDrag, WhatIsBeingDraggedOutlivesItsPanel) {
   drag();
-  button->removeFromSuperview();
-  button = nullptr;
+  control->removeFromSuperview();
+  control = nullptr;
   EXPECT_NE(desktop.drop(dropFolder), "(none)");
   desktop.sessions.clear();
 }

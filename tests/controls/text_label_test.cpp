@@ -1,6 +1,5 @@
 #include "controls/text_label.h"
 
-#include "platform/attributed_string.h"
 #include "tests/support/widget_fixture.h"
 
 namespace virelune {
@@ -9,57 +8,41 @@ namespace {
 using platform::NSColor;
 using platform::NSEvent;
 using platform::NSMakeRect;
-using testing::ElementsAre;
-using tests::DrawingStep;
 
 class TextLabel : public tests::WidgetFixture {
  protected:
-  /// Draws the label into the canvas and answers the steps that are texts.
-  std::vector<DrawingStep> drawnTexts() {
+  std::vector<tests::DrawingStep> drawn(platform::NSRect rect) const {
     tests::RecordingCanvas canvas;
-    label->displayRect(canvas, label->bounds());
-    std::vector<DrawingStep> texts;
-    for (const auto& step : canvas.steps()) {
-      if (step.kind == DrawingStep::Kind::text) texts.push_back(step);
-    }
-    return texts;
+    label->displayRect(canvas, rect);
+    return canvas.steps();
   }
 
   std::shared_ptr<VLTextLabel> label = platform::make<VLTextLabel>(NSMakeRect(7, 9, 100, 20));
 };
 
-TEST_F(TextLabel, LineIsCentredInTheInsetArea) {
-  label->setText("short");
+TEST_F(TextLabel, LineIsCentredInTheInsetAreaAndTextTooHighTakesItWhole) {
   label->setTextFont(platform::NSFont{12});  // lines are 15 high
-  const auto texts = drawnTexts();
-  ASSERT_EQ(texts.size(), 1U);
-  EXPECT_DOUBLE_EQ(texts[0].rect.origin.x, 2);
-  EXPECT_DOUBLE_EQ(texts[0].rect.origin.y, 2.5);
-  EXPECT_DOUBLE_EQ(texts[0].rect.size.width, 96);
-  EXPECT_DOUBLE_EQ(texts[0].rect.size.height, 15);
-  EXPECT_EQ(texts[0].options, 33U);
-}
-
-TEST_F(TextLabel, TextTooHighTakesTheWholeAreaAndIsTruncatedThere) {
+  label->setText("short");
+  const auto line = drawn(label->bounds()).back();
+  EXPECT_EQ(line.rect.origin.x, 2);
+  EXPECT_DOUBLE_EQ(line.rect.origin.y, 2.5);
+  EXPECT_DOUBLE_EQ(line.rect.size.height, 15);
+  EXPECT_EQ(line.options, 33U);
   label->setFrameSize({100, 40});
   label->setText(std::string(48, 'x'));  // three lines of 16 characters
-  label->setTextFont(platform::NSFont{12});
-  const auto texts = drawnTexts();
-  ASSERT_EQ(texts.size(), 1U);
-  EXPECT_DOUBLE_EQ(texts[0].rect.origin.y, 0.8);
-  EXPECT_DOUBLE_EQ(texts[0].rect.size.height, 38.4);
+  const auto high = drawn(label->bounds()).back().rect;
+  EXPECT_DOUBLE_EQ(high.origin.y, 0.8);
+  EXPECT_DOUBLE_EQ(high.size.height, 38.4);
 }
 
 TEST_F(TextLabel, WithoutTextOnlyTheBackgroundIsDrawn) {
   label->setBackgroundColor(NSColor::grayColor());
   for (const auto& text : {std::optional<std::string>(), std::optional<std::string>("")}) {
     label->setText(text);
-    tests::RecordingCanvas canvas;
-    label->displayRect(canvas, NSMakeRect(10, 0, 5, 50));
-    ASSERT_EQ(canvas.steps().size(), 1U);
-    EXPECT_EQ(canvas.steps()[0].color, NSColor::grayColor());
-    EXPECT_EQ(canvas.steps()[0].rect, NSMakeRect(10, 0, 5, 20));
-    EXPECT_FALSE(label->drawTextInRect(label->bounds()));
+    const auto steps = drawn(NSMakeRect(10, 0, 5, 50));
+    ASSERT_EQ(steps.size(), 1U);
+    EXPECT_EQ(steps[0].color, NSColor::grayColor());
+    EXPECT_EQ(steps[0].rect, NSMakeRect(10, 0, 5, 20));
   }
 }
 
@@ -72,26 +55,22 @@ class KeyCatcher : public platform::NSView {
 TEST_F(TextLabel, EscapeEndsFullScreenModeOnlyWhenAskedTo) {
   const auto parent = platform::make<KeyCatcher>();
   parent->addSubview(label);
-  const NSEvent escape{.type = platform::NSEventType::keyDown,
-                       .locationInWindow = {},
-                       .clickCount = 0,
-                       .modifierFlags = 0,
-                       .keyCode = 53};
+  NSEvent key{};
+  key.type = platform::NSEventType::keyDown;
+  const auto press = [&](std::uint16_t code) {
+    key.keyCode = code;
+    label->keyDown(&key);
+    return parent->keys;
+  };
+  constexpr std::uint16_t kEscape = 53, kReturn = 36;
   label->enterFullScreenMode();
-  label->keyDown(&escape);
-  EXPECT_EQ(parent->keys, 1);
+  EXPECT_EQ(press(kEscape), 1);
   EXPECT_TRUE(label->isInFullScreenMode());
-
   label->setEscKeyEndsFullscreenMode(true);
-  NSEvent other = escape;
-  other.keyCode = 36;
-  label->keyDown(&other);
-  EXPECT_EQ(parent->keys, 2);
-  label->keyDown(&escape);
-  EXPECT_EQ(parent->keys, 2);
+  EXPECT_EQ(press(kReturn), 2);
+  EXPECT_EQ(press(kEscape), 2);
   EXPECT_FALSE(label->isInFullScreenMode());
-  label->keyDown(&escape);
-  EXPECT_EQ(parent->keys, 3);
+  EXPECT_EQ(press(kEscape), 3);
 }
 
 }  // namespace
