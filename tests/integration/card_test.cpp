@@ -2,8 +2,6 @@
 // process, where its labels can be read, then the program itself in a window with a pointer.
 #include <gmock/gmock.h>
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QRegularExpression>
 #include <algorithm>
 #include <cmath>
 
@@ -101,9 +99,9 @@ TEST_F(CardOverPlayer, ShowsTheTagsOfTheFileAndThoseOfTheNextOne) {
   ASSERT_NE(cover, nullptr);
   EXPECT_EQ(cover->size().width, 96);  // the folder's cover, not the placeholder
 
-  bus.playerctl({QStringLiteral("next")});
+  bus.playerctl({"next"});
   EXPECT_TRUE(waitUntil([&] { return hasLabel("夜の海"); }));
-  bus.playerctl({QStringLiteral("next")});
+  bus.playerctl({"next"});
   EXPECT_TRUE(waitUntil([&] { return hasLabel("Without an Album") && hasLabel("Solo"); }));
 }
 
@@ -125,7 +123,7 @@ TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
   auto mpv = std::make_unique<Mpv>(bus);
   show();
   ASSERT_TRUE(hasHeight(kTrackHeight));
-  bus.playerctl({QStringLiteral("stop")});
+  bus.playerctl({"stop"});
   EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
   const std::string stopped = information();
   EXPECT_NE(stopped, "");
@@ -142,11 +140,9 @@ TEST_F(CardOverPlayer, AHangingPlayerLeavesTheCardAliveAndIsShownAgain) {
   const Mpv mpv(bus);
   show();
   mpv.program().send(SIGSTOP);
-  QElapsedTimer timer;
-  timer.start();
-  card->update();
-  card->update();
-  EXPECT_LT(timer.elapsed(), 1000);
+  const auto begin = std::chrono::steady_clock::now();
+  for (int i = 0; i < 2; ++i) card->update();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
   EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
   mpv.program().send(SIGCONT);
   EXPECT_TRUE(waitUntil([&] { return hasHeight(kTrackHeight) && hasLabel("First Light"); }));
@@ -157,9 +153,8 @@ TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
   show();
   card->setEditing(true);
   EXPECT_FALSE(hasLabel("First Light"));
-  bus.playerctl({QStringLiteral("stop")});
-  ASSERT_TRUE(waitUntil(
-      [&] { return bus.playerctl({QStringLiteral("status")}) == QLatin1String("Stopped"); }));
+  bus.playerctl({"stop"});
+  ASSERT_TRUE(waitUntil([&] { return bus.playerctl({"status"}) == "Stopped"; }));
   card->update();
   EXPECT_TRUE(hasHeight(kTrackHeight));
   card->setEditing(false);
@@ -169,57 +164,34 @@ TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
 /// The program on an X display of the test's own.
 class ProgramWindow : public testing::Test {
  protected:
-  ProgramWindow()
-      : display_(QStringLiteral("Xvfb"),
-                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                  QStringLiteral("0"), QStringLiteral("800x600x24")}),
-        environment_(bus.environment()) {
-    environment_[QStringLiteral("DISPLAY")] = QLatin1Char(':') + display_.readLine();
-    environment_[QStringLiteral("QT_QPA_PLATFORM")] = QStringLiteral("xcb");
-    environment_[QStringLiteral("HOME")] = QString::fromStdString(home_.path().string());
-  }
-
   void open() {
-    program_ = std::make_unique<Program>(QStringLiteral(VIRELUNE_PROGRAM),
-                                         QStringList{QStringLiteral("--scale=1")}, environment_);
-    const QString found = xdotool({QStringLiteral("search"), QStringLiteral("--sync"),
-                                   QStringLiteral("--onlyvisible"), QStringLiteral("--class"),
-                                   QStringLiteral("virelune-widget")});
-    window_ = found.section(QLatin1Char('\n'), -1);
+    auto environment = display_.environment();
+    environment["HOME"] = home_.path().c_str();
+    program_ = std::make_unique<Program>(VIRELUNE_PROGRAM, QStringList{"--scale=1"}, environment);
+    window_ = display_.window("virelune-widget");
     ASSERT_FALSE(window_.isEmpty());
-  }
-
-  QString xdotool(const QStringList& arguments) const {
-    return outputOf(QStringLiteral("xdotool"), arguments, environment_);
   }
 
   /// Clicks at a point of the track panel, y upwards from the window's lower edge.
   void click(double x, double y) const {
-    xdotool({QStringLiteral("mousemove"), QStringLiteral("--window"), window_, QString::number(x),
-             QString::number(height() - y), QStringLiteral("click"), QStringLiteral("1")});
+    display_.xdotool(
+        QString("mousemove --window %1 %2 %3 click 1").arg(window_).arg(x).arg(height() - y));
   }
 
   double height() const {
-    const QString geometry =
-        xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window_});
-    return QRegularExpression(QStringLiteral("HEIGHT=(\\d+)"))
-        .match(geometry)
-        .captured(1)
-        .toDouble();
+    const QString geometry = display_.xdotool("getwindowgeometry " + window_);
+    return geometry.section('x', -1).toDouble();
   }
 
   bool waitForWitness(const char* question, const std::function<bool(const QString&)>& expected) {
-    return waitUntil([&] {
-      return expected(bus.playerctl(QString::fromLatin1(question).split(QLatin1Char(' '))));
-    });
+    return waitUntil([&] { return expected(bus.playerctl(QString(question).split(' '))); });
   }
 
   const PrivateBus bus;
 
  private:
   const TemporaryFolder home_;
-  Program display_;
-  Environment environment_;
+  const Display display_{bus};
   std::unique_ptr<Program> program_;
   QString window_;
 };
@@ -242,7 +214,7 @@ TEST_F(ProgramWindow, ClicksCommandThePlayerAndTheCardFollowsIt) {
   click(280, 35);
   EXPECT_TRUE(waitForWitness("status", [](auto& status) { return status == "Playing"; }));
 
-  bus.playerctl({QStringLiteral("stop")});
+  bus.playerctl({"stop"});
   EXPECT_TRUE(waitUntil([&] { return height() == kInformationHeight; }));
   click(285, kInformationHeight - 12);  // the edit toggle
   EXPECT_TRUE(waitUntil([&] { return height() == kTrackHeight; }));

@@ -1,9 +1,7 @@
 // A real player with real files.
 #pragma once
 
-#include <QtCore/QString>
-#include <filesystem>
-#include <vector>
+#include <QtCore/QStringList>
 
 #include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"
@@ -16,15 +14,13 @@ class Media {
   static constexpr double kSeconds = 40;
 
   static const Media& shared();
-  const std::vector<std::filesystem::path>& files() const { return files_; }
-  const std::filesystem::path& cover() const { return cover_; }
+  const QStringList& files() const { return files_; }
 
  private:
   Media();
 
   TemporaryFolder folder_;
-  std::vector<std::filesystem::path> files_;
-  std::filesystem::path cover_;
+  QStringList files_;
 };
 
 /// mpv with its MPRIS plugin, without sound or picture, playing the files; it stays when the last
