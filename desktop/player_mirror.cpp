@@ -139,12 +139,28 @@ double PlayerMirror::position() {
 
 void PlayerMirror::adopt(const QVariant& properties) {
   const QVariantMap values = mapFromVariant(properties);
-  snapshot_ = std::make_shared<const PlayerSnapshot>(snapshotFromProperties(values));
+  snapshot_ =
+      std::make_shared<const PlayerSnapshot>(withoutGrowingLength(snapshotFromProperties(values)));
   snapshotAge_.start();
   state_ = snapshot_->state;
   position_ = secondsFromMicroseconds(values.value(QStringLiteral("Position")));
   holdPosition();
 }
+
+/// Some players give what has arrived so far of a live stream for its length. A remote track whose
+/// length grows and grows has none; a single correction is an estimate that became better.
+PlayerSnapshot PlayerMirror::withoutGrowingLength(PlayerSnapshot told) {
+  if (!told.isSameTrack(lastTold_) || told.length < lastTold_.length) {
+    growths_ = 0;
+  } else if (lastTold_.length > 0 && told.length > lastTold_.length) {
+    ++growths_;
+  }
+  lastTold_ = told;
+  if (lengthIsGrowing()) told.length = 0;
+  return told;
+}
+
+bool PlayerMirror::lengthIsGrowing() const { return growths_ >= 2 && lastTold_.isRemote(); }
 
 /// Holds the position for what is left of this turn of the event loop.
 void PlayerMirror::holdPosition() {
@@ -284,6 +300,15 @@ void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
   const QVariantMap values = mapFromVariant(message.arguments().value(1));
   const auto status = values.constFind(QStringLiteral("PlaybackStatus"));
   if (status != values.constEnd()) state_ = stateFromStatus(*status);
+  if (lengthIsGrowing() && snapshot_ && values.size() == 1 &&
+      values.contains(QStringLiteral("Metadata"))) {
+    // Word that a live stream has grown is no news, and comes every few seconds.
+    PlayerSnapshot told = snapshotFromProperties(values);
+    told.state = snapshot_->state;
+    told.ratingProperty = snapshot_->ratingProperty;
+    told.ownRating = snapshot_->ownRating;
+    if (withoutGrowingLength(told) == *snapshot_) return;
+  }
   forget();
   emit changed();
 }

@@ -88,6 +88,8 @@ class PlayerMirror final : public QObject {
   bool isAnswering() const { return isPrompt_ || snapshot_ != nullptr; }
   void giveUp();
   void adopt(const QVariant& properties);
+  PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
+  bool lengthIsGrowing() const;
   void forget();
   void holdPosition();
 
@@ -99,6 +101,8 @@ class PlayerMirror final : public QObject {
   platform::FourCharCode state_{};
 
   std::shared_ptr<const PlayerSnapshot> snapshot_;
+  PlayerSnapshot lastTold_;  ///< the last track as the player told it
+  int growths_ = 0;          ///< how often its length has grown, without shrinking in between
   QElapsedTimer snapshotAge_;
   double position_ = 0;           ///< seconds
   bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop

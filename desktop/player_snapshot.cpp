@@ -148,8 +148,9 @@ std::string lengthText(double seconds) {
   return start + ":" + twoDigits(whole % 60);
 }
 
-bool PlayerSnapshot::isStream() const {
-  if (length > 0) return false;
+bool PlayerSnapshot::isStream() const { return length <= 0 && isRemote(); }
+
+bool PlayerSnapshot::isRemote() const {
   const QUrl url(address);
   return !url.host().isEmpty() && url.scheme() != QLatin1String("file");
 }

@@ -33,6 +33,12 @@ struct PlayerSnapshot {
 
   /// The address lies elsewhere and the track has no length: a stream.
   bool isStream() const;
+  bool isRemote() const;  ///< the address lies elsewhere
+  /// The same entry of the player's list.
+  bool isSameTrack(const PlayerSnapshot& other) const {
+    return trackId == other.trackId && address == other.address;
+  }
+  bool operator==(const PlayerSnapshot&) const = default;
 };
 
 /// The snapshot from the properties of "org.mpris.MediaPlayer2.Player".

@@ -1,6 +1,9 @@
 // The bridge with mpv as the player and playerctl as the witness.
 #include <gmock/gmock.h>
 
+#include <QDBusMessage>
+
+#include "desktop/player_mirror.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
 #include "tests/integration/mpv.h"
@@ -44,6 +47,41 @@ TEST_F(PlayerBridge, FollowsTheNamedPlayerElseTheOneThatPlays) {
   ASSERT_EQ(listing.size(), 2U);
   EXPECT_EQ(listing[1].name, "second.instance7");
   EXPECT_EQ(listing[1].status, "Paused");
+}
+
+TEST_F(PlayerBridge, ARemoteTrackThatGrowsAndGrowsIsAStreamAndItsGrowthIsNoNews) {
+  const auto metadata = [](double seconds) {
+    return QVariantMap{{"Metadata", QVariantMap{{"xesam:title", "Beats 1"},
+                                                {"xesam:url", "http://127.0.0.1/prog.m3u8"},
+                                                {"mpris:trackid", "/track/1"},
+                                                {"mpris:length", seconds * 1e6}}}};
+  };
+  FakePlayer player(bus, "grower", metadata(10));
+  desktop::PlayerMirror mirror(bus.connection(), "org.mpris.MediaPlayer2.grower",
+                               "org.mpris.MediaPlayer2.grower");
+  desktop::PlayerMirror* const all[] = {&mirror};
+  desktop::PlayerMirror::askTogether(all);
+  int news = 0;
+  QObject::connect(&mirror, &desktop::PlayerMirror::changed, [&news] { ++news; });
+  /// The length that is shown once the player has told another one.
+  const auto lengthAfter = [&](double seconds) {
+    player.setProperties(metadata(seconds));
+    auto signal = QDBusMessage::createSignal(desktop::kPlayerPath, desktop::kPropertiesInterface,
+                                             "PropertiesChanged");
+    signal << QString(desktop::kPlayerInterface) << metadata(seconds) << QStringList();
+    mirror.receivedPropertiesChanged(signal);
+    const auto now = mirror.snapshot();
+    return now != nullptr ? now->length : -1;
+  };
+  EXPECT_EQ(lengthAfter(12), 12);  // may be an estimate that became better
+  EXPECT_FALSE(mirror.snapshot()->isStream());
+  EXPECT_EQ(lengthAfter(14), 0);
+  EXPECT_TRUE(mirror.snapshot()->isStream());
+  EXPECT_EQ(news, 2);
+  EXPECT_EQ(lengthAfter(16), 0);
+  EXPECT_EQ(news, 2);
+  EXPECT_EQ(lengthAfter(9), 9);  // shrunk: no live stream after all
+  EXPECT_EQ(news, 3);
 }
 
 TEST_F(PlayerBridge, WritesTheRatingThatThePlayerKeepsItself) {
