@@ -79,6 +79,15 @@ bool Composition::useDemoStation() {
   return demoStation_ != nullptr;
 }
 
+bool Composition::useDemoStore() {
+  demoStore_ = demo::DemoStore::start();
+  if (!demoStore_) return false;
+  setStoreHost(demoStore_->host());
+  http_ = std::make_unique<platform::CurlTransport>(demoStore_->certificate());
+  platform_.http = http_.get();
+  return true;
+}
+
 void Composition::install(platform::WorkspaceBackend& workspace,
                           platform::ScriptingTransport& player) {
   workspace_ = std::make_unique<platform::NSWorkspace>(workspace);

@@ -9,6 +9,7 @@
 
 #include "demo/demo_player.h"
 #include "demo/demo_station.h"
+#include "demo/demo_store.h"
 #include "demo/demo_workspace.h"
 #include "desktop/card.h"
 #include "desktop/desktop_workspace.h"
@@ -49,6 +50,9 @@ class Composition {
   /// Starts the demo's live station, in the place of the bundle's; before the widget is made.
   /// False when it cannot serve.
   bool useDemoStation();
+  /// Starts the demo's store, in the place of the bundle's, and lets the network trust it; after
+  /// useNetwork() and before the widget is made. False when it cannot serve.
+  bool useDemoStore();
 
   /// Makes the widget and lays it on its card; null when the bundle names no widget.
   Card* makeCard(const platform::PrincipalClasses& classes);
@@ -72,6 +76,7 @@ class Composition {
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;
   std::unique_ptr<demo::DemoStation> demoStation_;
+  std::unique_ptr<demo::DemoStore> demoStore_;
   std::unique_ptr<LoginItems> loginItems_;
   std::unique_ptr<DesktopWorkspace> desktopWorkspace_;
   std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;

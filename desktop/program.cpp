@@ -58,9 +58,10 @@ void chooseServers(const CommandLine& commandLine, Composition& composition) {
   if (commandLine.storeHost) composition.setStoreHost(*commandLine.storeHost);
 }
 
-/// The demo player, with a live station of its own unless the command line names one.
+/// The demo player, with a live station and a store of its own unless the command line names them.
 demo::DemoPlayer& useDemo(const CommandLine& commandLine, Composition& composition) {
   if (!commandLine.streamHost) composition.useDemoStation();
+  if (!commandLine.storeHost) composition.useDemoStore();
   return composition.useDemo();
 }
 
