@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QtGui/QFontDatabase>
-#include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
 #include <limits>
 #include <set>
