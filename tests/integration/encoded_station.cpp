@@ -22,7 +22,10 @@ std::string made(const std::string& arguments, const std::filesystem::path& file
   return bytes.str();
 }
 
-std::string playlist() {
+constexpr const char* kSound = "-i sine=frequency=440 -t 4 -c:a aac -b:a 64k -f adts";
+
+/// The segments of the last 20 seconds, by names that begin so.
+std::string playlist(const std::string& beginning) {
   const std::time_t current = std::time(nullptr) / kSegmentSeconds;
   std::string text = "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:4\n#EXT-X-MEDIA-SEQUENCE:" +
                      std::to_string(current - 5) + "\n";
@@ -30,8 +33,8 @@ std::string playlist() {
     const std::time_t start = number * kSegmentSeconds;
     std::tm utc{};
     std::array<char, 64> name{};
-    std::strftime(name.data(), name.size(), "live-%Y%m%dT%H%M%SZ.aac\n", gmtime_r(&start, &utc));
-    text += std::string("#EXTINF:4,\n") + name.data();
+    std::strftime(name.data(), name.size(), "-%Y%m%dT%H%M%SZ.aac\n", gmtime_r(&start, &utc));
+    text += "#EXTINF:4,\n" + beginning + name.data();
   }
   return text;
 }
@@ -42,22 +45,25 @@ EncodedStation::EncodedStation(const std::string& title, const std::string& arti
                                const std::string& album)
     : cover_(made("-i color=teal:s=96x96 -frames:v 1", folder_.path() / "cover.jpg")),
       server_([this](Exchange& exchange) { answer(exchange); }) {
-  segment_ = made(
-      "-i sine=frequency=440 -t 4 -c:a aac -b:a 64k -f adts -write_id3v2 1"
-      " -metadata title='" +
-          title + "' -metadata artist='" + artist + "' -metadata album='" + album +
-          "' -metadata artwork=" + server_.address("/cover.jpg"),
-      folder_.path() / "segment.aac");
+  plainSegment_ = made(kSound, folder_.path() / "plain.aac");
+  segment_ = made(std::string(kSound) + " -write_id3v2 1 -metadata title='" + title +
+                      "' -metadata artist='" + artist + "' -metadata album='" + album +
+                      "' -metadata artwork=" + server_.address("/cover.jpg"),
+                  folder_.path() / "segment.aac");
 }
 
 std::string EncodedStation::streamAddress() const {
-  return server_.address("/streams/hub02/session02/64k/prog.m3u8");
+  return server_.address("/streams/hub02/session02/64k/listen.m3u8");
 }
 
 void EncodedStation::answer(Exchange& exchange) const {
   exchange.keepsAlive = true;
-  if (exchange.target.ends_with(".m3u8")) {
-    exchange.send(reply(playlist()));
+  if (exchange.target.ends_with("prog.m3u8")) {
+    exchange.send(reply(playlist("live")));
+  } else if (exchange.target.ends_with("listen.m3u8")) {
+    exchange.send(reply(playlist("plain")));
+  } else if (exchange.target.find("/plain-") != std::string::npos) {
+    exchange.send(reply(plainSegment_));
   } else if (exchange.target == "/cover.jpg") {
     exchange.send(reply(cover_));
   } else if (exchange.head.find("Range: bytes=0-8192\r\n") != std::string::npos) {

@@ -30,15 +30,20 @@ const Media& Media::shared() {
   return media;
 }
 
-Mpv::Mpv(const PrivateBus& bus)
+Mpv::Mpv(const PrivateBus& bus) : Mpv(bus, Media::shared().files(), "First Light") {}
+
+Mpv::Mpv(const PrivateBus& bus, const QString& address, const QString& name)
+    : Mpv(bus, QStringList{"--force-media-title=" + name, address}, name) {}
+
+Mpv::Mpv(const PrivateBus& bus, const QStringList& arguments, const QString& firstTitle)
     : program_("mpv",
                QStringList{"--no-config", "--no-video", "--ao=null", "--idle",
                            "--script=/usr/lib/mpv-mpris/mpris.so"} +
-                   Media::shared().files(),
+                   arguments,
                bus.environment()) {
-  const auto isPlaying = [&bus] {
+  const auto isPlaying = [&] {
     return bus.hasName("org.mpris.MediaPlayer2.mpv") &&
-           bus.playerctl({"metadata", "title"}) == "First Light";
+           bus.playerctl({"metadata", "title"}) == firstTitle;
   };
   if (!waitUntil(isPlaying)) throw std::runtime_error("mpv does not play");
 }
