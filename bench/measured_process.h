@@ -21,7 +21,8 @@ inline std::int64_t nowNanoseconds() {
 /// clock, nanoseconds). Minus one without the note.
 inline double millisecondsSinceStart() {
   const char* started = std::getenv("BENCH_STARTED");
-  return started != nullptr ? static_cast<double>(nowNanoseconds() - std::atoll(started)) / 1e6 : -1;
+  return started != nullptr ? static_cast<double>(nowNanoseconds() - std::atoll(started)) / 1e6
+                            : -1;
 }
 
 /// Peak resident memory in KiB (proc(5), VmHWM).

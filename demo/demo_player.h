@@ -108,7 +108,6 @@ class DemoPlayer : public platform::ScriptingTransport {
   void setRefusesWrites(bool refuses) { refusesWrites_ = refuses; }
   /// Answers every question whose path ends in the code with this reply; none: no answer.
   void setReply(platform::FourCharCode code, std::optional<platform::ScriptingReply> reply);
-  void clearReplies() { replies_.clear(); }
   /// Called with each request before it is answered; may change or quit the player.
   void setRequestHook(std::function<void(const platform::ScriptingRequest&)> hook);
 
