@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <stdexcept>
 
 #include "controls/artwork_button.h"
+#include "controls/rating_indicator.h"
 #include "controls/text_label.h"
 #include "desktop/card_style.h"
 #include "desktop/composition.h"
@@ -35,15 +38,35 @@ class CardOverPlayer : public testing::Test {
  protected:
   /// Shows the card; with a stream server, also lets it use the network.
   void show(const std::string& streamHost = {}) {
-    ASSERT_TRUE(composition_.openBundle(VIRELUNE_TEST_BUNDLE));
+    composition_.emplace();
+    ASSERT_TRUE(composition_->openBundle(VIRELUNE_TEST_BUNDLE));
     if (!streamHost.empty()) {
-      composition_.setStreamHost(streamHost);
-      composition_.useNetwork();
+      composition_->setStreamHost(streamHost);
+      composition_->useNetwork();
     }
-    ASSERT_TRUE(composition_.useBus(bus.connection(), std::nullopt));
-    card = composition_.makeCard(virelune::principalClasses());
+    ASSERT_TRUE(composition_->useBus(bus.connection(), std::nullopt));
+    card = composition_->makeCard(virelune::principalClasses());
     ASSERT_NE(card, nullptr);
     card->window().setVisible(true);
+  }
+
+  /// Ends the widget with all that it stands on.
+  void quit() {
+    card = nullptr;
+    composition_.reset();
+  }
+
+  /// Clicks at a fraction of a view's width.
+  void click(const platform::NSView& view, double fraction) {
+    const auto frame = view.convertRectToWindow(view.bounds());
+    platform::NSEvent event;
+    event.locationInWindow = {frame.minX() + fraction * frame.size.width,
+                              frame.minY() + frame.size.height / 2};
+    event.clickCount = 1;
+    event.type = platform::NSEventType::leftMouseDown;
+    card->window().sendEvent(event);
+    event.type = platform::NSEventType::leftMouseUp;
+    card->window().sendEvent(event);
   }
 
   template <class View>
@@ -83,7 +106,7 @@ class CardOverPlayer : public testing::Test {
 
  private:
   const TemporaryDataHome dataHome_;
-  desktop::Composition composition_;
+  std::optional<desktop::Composition> composition_;
 };
 
 TEST_F(CardOverPlayer, ShowsTheTagsOfTheFileAndThoseOfTheNextOne) {
@@ -116,6 +139,34 @@ TEST_F(CardOverPlayer, ShowsTheProgrammeWhileTheLiveStationPlays) {
   const auto artwork = views<virelune::VLArtworkButton>().front()->image();
   ASSERT_NE(artwork, nullptr);
   EXPECT_EQ(artwork->size().width, 96);  // the programme's, not the station's
+}
+
+TEST_F(CardOverPlayer, StarsAndHeartAreBackWhenBothHaveQuitAndStartedAgain) {
+  const auto rating = [&] { return views<virelune::VLRatingIndicator>().front(); };
+  const auto heart = [&] {
+    for (const auto* button : views<platform::NSButton>()) {
+      if (button->frame().size == platform::NSSize{11, 11}) return button;
+    }
+    throw std::logic_error("the panel has no heart");
+  };
+  const auto isLoved = [&] { return heart()->image() == platform::imageNamed("VLImageLoveOn"); };
+  {
+    const Mpv mpv(bus);
+    show();
+    EXPECT_EQ(rating()->nowValue(), 0);
+    EXPECT_FALSE(isLoved());
+    click(*rating(), 0.6);
+    click(*heart(), 0.5);
+    EXPECT_EQ(rating()->nowValue(), 60);
+    EXPECT_TRUE(isLoved());
+    quit();
+  }
+  const Mpv mpv(bus);
+  show();
+  EXPECT_EQ(rating()->nowValue(), 60);
+  EXPECT_TRUE(isLoved());
+  bus.playerctl({"next"});
+  EXPECT_TRUE(waitUntil([&] { return rating()->nowValue() == 0 && !isLoved(); }));
 }
 
 TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
