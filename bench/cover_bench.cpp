@@ -12,10 +12,12 @@
 #include <vector>
 
 #include "controls/artwork_button.h"
-#include "desktop/qt_canvas.h"
-#include "desktop/qt_graphics.h"
+#include "desktop/graphics/backend.h"
+#include "desktop/graphics/qt_canvas.h"
+#include "desktop/window/card_style.h"
+#include "platform/loop/run_loop.h"
 #include "platform/platform.h"
-#include "platform/window.h"
+#include "platform/view/window.h"
 
 namespace {
 
@@ -115,7 +117,7 @@ bool measure(const char* format, double scale) {
   platform::Platform parts;
   const platform::PlatformScope scope(parts);
   platform::RunLoop runLoop(driver);
-  desktop::QtGraphics graphics;
+  desktop::QtGraphics graphics(desktop::opaqueLabelColor);
   parts.runLoop = &runLoop;
   parts.graphics = &graphics;
   parts.http = &transport;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "controls/artwork_button.h"
-#include "platform/json.h"
+#include "platform/foundation/json.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bench/measured_process.h"
-#include "desktop/composition.h"
+#include "desktop/program/composition.h"
 #include "extensions/application_paths.h"
 #include "player/love_rating.h"
 

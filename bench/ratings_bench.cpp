@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/ratings_store.h"
-#include "desktop/sqlite.h"
+#include "desktop/ratings/sqlite.h"
+#include "desktop/ratings/store.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "bench/measured_process.h"
-#include "desktop/card_window.h"
-#include "desktop/composition.h"
+#include "desktop/program/composition.h"
+#include "desktop/window/card_surface.h"
 #include "widget/widget_entry.h"
 
 namespace {
@@ -34,11 +34,11 @@ Milliseconds since(std::int64_t started) {
 }
 
 void refresh() {
-  platform::current().distributedCenter.postNotification(
+  platform::current().distributedCenter->postNotification(
       platform::NSNotification(desktop::kPlayerInfoNotification));
 }
 
-int start(desktop::CardWindow& window) {
+int start(desktop::CardSurface& window) {
   double firstFrame = -1;
   window.setPaintObserver([&](const QRegion&) {
     if (firstFrame >= 0) return;
@@ -53,7 +53,7 @@ int start(desktop::CardWindow& window) {
   return QGuiApplication::exec();
 }
 
-int idle(desktop::CardWindow& window, int seconds) {
+int idle(desktop::CardSurface& window, int seconds) {
   int paints = 0;
   int largePaints = 0;
   double before = 0;
@@ -82,7 +82,7 @@ int idle(desktop::CardWindow& window, int seconds) {
   return QGuiApplication::exec();
 }
 
-int refreshes(desktop::CardWindow& window, demo::DemoPlayer& player, int count) {
+int refreshes(desktop::CardSurface& window, demo::DemoPlayer& player, int count) {
   window.open();
   QTimer::singleShot(500, [&] {
     std::vector<Milliseconds> times;
@@ -105,7 +105,7 @@ class Signals final : public QObject {
   Q_OBJECT
 
  public:
-  Signals(desktop::CardWindow& window, int count) : window_(window), left_(count) {}
+  Signals(desktop::CardSurface& window, int count) : window_(window), left_(count) {}
 
   int run() {
     auto bus = QDBusConnection::sessionBus();
@@ -150,7 +150,7 @@ class Signals final : public QObject {
     signalled_ = 0;
   }
 
-  desktop::CardWindow& window_;
+  desktop::CardSurface& window_;
   int left_;
   std::int64_t signalled_ = 0;
   std::vector<Milliseconds> repaints_;
@@ -179,7 +179,7 @@ int main(int argc, char** argv) {
   }
   desktop::Card* card = composition.makeCard(virelune::principalClasses());
   if (card == nullptr) return EXIT_FAILURE;
-  desktop::CardWindow window(*card, composition.graphics(), QStringLiteral("bench"), false);
+  desktop::CardSurface window(*card, composition.graphics(), QStringLiteral("bench"), false);
   if (what == "start") return start(window);
   if (what == "idle") return idle(window, number);
   if (what == "refresh") return refreshes(window, *player, number);

@@ -10,11 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/button.h"
-#include "platform/data.h"
-#include "platform/drag.h"
-#include "platform/url_session.h"
-#include "platform/value.h"
+#include "platform/foundation/data.h"
+#include "platform/foundation/value.h"
+#include "platform/graphics/graphics.h"
+#include "platform/network/url_session.h"
+#include "platform/view/button.h"
+#include "platform/view/drag.h"
 
 namespace virelune {
 

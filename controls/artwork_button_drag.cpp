@@ -3,10 +3,11 @@
 
 #include "controls/artwork_button.h"
 #include "extensions/pasteboard.h"
-#include "platform/date_formatter.h"
-#include "platform/file_manager.h"
+#include "platform/foundation/date_formatter.h"
+#include "platform/foundation/file_manager.h"
+#include "platform/foundation/url.h"
+#include "platform/loop/run_loop.h"
 #include "platform/platform.h"
-#include "platform/url.h"
 
 using platform::Data;
 using platform::NSBitmapImageFileType;

@@ -5,9 +5,11 @@
 #include "controls/artwork_button.h"
 #include "extensions/collections.h"
 #include "extensions/store_search.h"
-#include "platform/json.h"
+#include "platform/application/bundle.h"
+#include "platform/foundation/json.h"
+#include "platform/foundation/text.h"
+#include "platform/loop/run_loop.h"
 #include "platform/platform.h"
-#include "platform/text.h"
 #include "widget/constants.h"
 
 using platform::Array;

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/graphics.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 
 using platform::NSColor;
 using platform::NSEvent;
@@ -23,7 +24,7 @@ constexpr double knobWidth = 1.0 / 3;  // of the bar's thickness
 double notNegative(double value) { return value > 0 ? value : 0; }
 
 void fill(NSRect rect, NSColor color) {
-  color.set();
+  platform::setCurrentColor(color);
   platform::NSRectFillUsingOperation(rect, platform::NSCompositeSourceOver);
 }
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "controls/view.h"
-#include "platform/run_loop.h"
+#include "platform/loop/run_loop.h"
 
 namespace virelune {
 

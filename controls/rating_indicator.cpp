@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/graphics.h"
+#include "platform/application/bundle.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 #include "widget/constants.h"
 
 using platform::NSEvent;

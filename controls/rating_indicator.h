@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "controls/view.h"
-#include "platform/image.h"
+#include "platform/foundation/image.h"
 
 namespace virelune {
 

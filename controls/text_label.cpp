@@ -4,8 +4,9 @@
 #include <limits>
 
 #include "extensions/collections.h"
-#include "platform/attributed_string.h"
-#include "platform/graphics.h"
+#include "platform/foundation/attributed_string.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 
 using platform::NSRect;
 

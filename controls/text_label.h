@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "controls/view.h"
-#include "platform/font.h"
-#include "platform/value.h"
+#include "platform/foundation/font.h"
+#include "platform/foundation/value.h"
 
 namespace virelune {
 

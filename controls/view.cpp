@@ -1,6 +1,7 @@
 #include "controls/view.h"
 
-#include "platform/graphics.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 
 using platform::NSColor;
 using platform::NSEvent;
@@ -25,7 +26,7 @@ void VLView::drawRect(NSRect dirtyRect) {
 }
 
 bool VLView::drawBackgroundColorInRect(NSRect rect) {
-  backgroundColor().value_or(NSColor::clearColor()).set();
+  platform::setCurrentColor(backgroundColor().value_or(NSColor::clearColor()));
   platform::NSRectFillUsingOperation(rect, platform::NSCompositeSourceOver);
   return true;
 }

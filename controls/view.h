@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "platform/color.h"
-#include "platform/view.h"
+#include "platform/foundation/color.h"
+#include "platform/view/view.h"
 
 namespace virelune {
 

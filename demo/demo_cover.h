@@ -4,7 +4,7 @@
 #include <utility>
 #include <variant>
 
-#include "platform/data.h"
+#include "platform/foundation/data.h"
 
 namespace demo {
 

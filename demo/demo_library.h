@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "demo/demo_cover.h"
-#include "platform/scripting.h"
+#include "platform/application/scripting.h"
 
 namespace demo {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/foundation/text.h"
 #include "platform/platform.h"
-#include "platform/text.h"
 
 namespace demo {
 
@@ -125,7 +125,7 @@ bool DemoPlayer::seek(double seconds) {
 void DemoPlayer::announce() const {
   if (!running_) return;
   tellLater([] {
-    platform::current().distributedCenter.postNotification(
+    platform::current().distributedCenter->postNotification(
         platform::NSNotification(kPlayerInfoNotification));
   });
 }

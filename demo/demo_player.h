@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "demo/demo_library.h"
-#include "platform/run_loop.h"
-#include "platform/scripting.h"
-#include "platform/workspace.h"
+#include "platform/application/scripting.h"
+#include "platform/application/workspace.h"
+#include "platform/loop/run_loop.h"
 
 namespace demo {
 

@@ -6,7 +6,7 @@
 #include <ctime>
 
 #include "demo/serving_thread.h"
-#include "platform/date_formatter.h"
+#include "platform/foundation/date_formatter.h"
 
 namespace demo {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "demo/loopback_certificate.h"
 #include "demo/serving_thread.h"
-#include "platform/text.h"
+#include "platform/foundation/text.h"
 
 namespace demo {
 namespace {

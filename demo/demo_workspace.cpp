@@ -1,6 +1,6 @@
 #include "demo/demo_workspace.h"
 
-#include "platform/text.h"
+#include "platform/foundation/text.h"
 
 namespace demo {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "demo/demo_player.h"
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
 
 namespace demo {
 

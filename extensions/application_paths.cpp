@@ -1,8 +1,8 @@
 #include "extensions/application_paths.h"
 
 #include "extensions/collections.h"
-#include "platform/bundle.h"
-#include "platform/file_manager.h"
+#include "platform/application/bundle.h"
+#include "platform/foundation/file_manager.h"
 
 using platform::NSBundle;
 using platform::URL;

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/url.h"
-#include "platform/value.h"
+#include "platform/foundation/url.h"
+#include "platform/foundation/value.h"
 
 namespace virelune {
 

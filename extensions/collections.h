@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/value.h"
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
+#include "platform/foundation/value.h"
 
 namespace virelune {
 

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "platform/color.h"
+#include "platform/foundation/color.h"
 
 namespace virelune {
 

@@ -1,6 +1,6 @@
 #include "extensions/files.h"
 
-#include "platform/file_manager.h"
+#include "platform/foundation/file_manager.h"
 
 using platform::URL;
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/url.h"
+#include "platform/foundation/url.h"
 
 namespace virelune {
 

@@ -2,9 +2,9 @@
 
 #include "extensions/application_paths.h"
 #include "extensions/collections.h"
-#include "platform/bundle.h"
+#include "platform/application/bundle.h"
+#include "platform/foundation/text.h"
 #include "platform/platform.h"
-#include "platform/text.h"
 #include "widget/constants.h"
 
 using platform::code;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/scripting.h"
+#include "platform/application/scripting.h"
 
 namespace virelune {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "extensions/collections.h"
-#include "platform/notification.h"
+#include "platform/loop/notification.h"
 
 namespace virelune {
 

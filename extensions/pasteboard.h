@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/pasteboard.h"
+#include "platform/view/pasteboard.h"
 
 namespace virelune {
 

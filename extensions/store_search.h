@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/url.h"
+#include "platform/foundation/url.h"
 
 namespace virelune {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/bundle.h"
+#include "platform/application/bundle.h"
 
 namespace virelune {
 

@@ -1,6 +1,7 @@
 #include "extensions/views.h"
 
-#include "platform/graphics.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 #include "platform/platform.h"
 
 using platform::NSImage;

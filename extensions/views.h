@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "platform/image.h"
-#include "platform/view.h"
+#include "platform/foundation/image.h"
+#include "platform/view/view.h"
 
 namespace virelune {
 

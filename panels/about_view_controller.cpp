@@ -2,8 +2,8 @@
 
 #include "extensions/strings.h"
 #include "panels/application_item.h"
-#include "platform/url.h"
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
+#include "platform/foundation/url.h"
 #include "widget/constants.h"
 #include "widget/panel_button.h"
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/attributed_string.h"
-#include "platform/button.h"
+#include "platform/foundation/attributed_string.h"
+#include "platform/view/button.h"
 #include "widget/view_controller.h"
 
 namespace virelune {

@@ -1,8 +1,9 @@
 #include "panels/application_item.h"
 
 #include "extensions/colors.h"
-#include "platform/font.h"
-#include "platform/workspace.h"
+#include "platform/application/bundle.h"
+#include "platform/application/workspace.h"
+#include "platform/foundation/font.h"
 
 namespace virelune {
 

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/attributed_string.h"
-#include "platform/image.h"
+#include "platform/foundation/attributed_string.h"
+#include "platform/foundation/image.h"
 
 namespace virelune {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/attributed_string.h"
-#include "platform/button.h"
+#include "platform/foundation/attributed_string.h"
+#include "platform/view/button.h"
 #include "widget/view_controller.h"
 
 namespace virelune {

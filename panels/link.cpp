@@ -2,11 +2,11 @@
 
 #include "extensions/collections.h"
 #include "extensions/store_search.h"
-#include "platform/json.h"
-#include "platform/text.h"
-#include "platform/url_components.h"
-#include "platform/url_session.h"
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
+#include "platform/foundation/json.h"
+#include "platform/foundation/text.h"
+#include "platform/foundation/url_components.h"
+#include "platform/network/url_session.h"
 #include "radio/url_connection.h"
 
 using platform::Array;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/value.h"
+#include "platform/foundation/value.h"
 
 namespace virelune {
 

@@ -2,6 +2,9 @@
 
 #include <atomic>
 
+#include "platform/loop/notification.h"
+#include "platform/view/event.h"
+
 namespace platform {
 
 namespace {
@@ -18,6 +21,13 @@ std::atomic<Platform*>& installed() {
 
 }  // namespace
 
+Platform::Platform()
+    : application(std::make_unique<NSApplication>()),
+      defaultCenter(std::make_unique<NSNotificationCenter>()),
+      distributedCenter(std::make_unique<NSNotificationCenter>()) {}
+
+Platform::~Platform() = default;
+
 Platform& current() {
   Platform* platform = installed().load(std::memory_order_acquire);
   return platform != nullptr ? *platform : emptyPlatform();
@@ -27,7 +37,5 @@ PlatformScope::PlatformScope(Platform& platform)
     : previous_(installed().exchange(&platform, std::memory_order_acq_rel)) {}
 
 PlatformScope::~PlatformScope() { installed().store(previous_, std::memory_order_release); }
-
-std::uint64_t NSEvent::pressedMouseButtons() { return current().application.pressedMouseButtons(); }
 
 }  // namespace platform

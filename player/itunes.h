@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/data.h"
-#include "platform/scripting.h"
+#include "platform/application/scripting.h"
+#include "platform/foundation/data.h"
 
 namespace virelune {
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "extensions/application_paths.h"
-#include "platform/property_list.h"
+#include "platform/foundation/property_list.h"
 #include "player/itunes.h"
 #include "player/process_queries.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "extensions/collections.h"
-#include "platform/value.h"
+#include "platform/foundation/value.h"
 
 namespace virelune {
 

@@ -1,7 +1,7 @@
 #include "player/process_queries.h"
 
 #include "extensions/collections.h"
-#include "platform/text.h"
+#include "platform/foundation/text.h"
 #include "player/itunes.h"
 #include "widget/constants.h"
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
 
 namespace virelune {
 

@@ -4,8 +4,9 @@
 #include <utility>
 
 #include "extensions/collections.h"
+#include "platform/foundation/text.h"
+#include "platform/graphics/graphics.h"
 #include "platform/platform.h"
-#include "platform/text.h"
 
 namespace virelune {
 namespace {

@@ -8,15 +8,15 @@
 #include <string_view>
 
 #include "extensions/collections.h"
-#include "platform/data.h"
-#include "platform/date.h"
-#include "platform/image.h"
-#include "platform/notification.h"
-#include "platform/object.h"
-#include "platform/run_loop.h"
-#include "platform/url.h"
-#include "platform/url_session.h"
-#include "platform/value.h"
+#include "platform/foundation/data.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/image.h"
+#include "platform/foundation/object.h"
+#include "platform/foundation/url.h"
+#include "platform/foundation/value.h"
+#include "platform/loop/notification.h"
+#include "platform/loop/run_loop.h"
+#include "platform/network/url_session.h"
 #include "widget/constants.h"
 
 namespace virelune {

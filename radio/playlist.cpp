@@ -4,8 +4,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "platform/character_set.h"
-#include "platform/date_formatter.h"
+#include "platform/foundation/character_set.h"
+#include "platform/foundation/date_formatter.h"
 #include "platform/platform.h"
 #include "radio/beats1_info_loader.h"
 

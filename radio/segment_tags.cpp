@@ -3,8 +3,8 @@
 // its end, so that a tag that is cut short, or sizes written in either form, do no harm.
 #include <cstring>
 
-#include "platform/character_set.h"
-#include "platform/text.h"
+#include "platform/foundation/character_set.h"
+#include "platform/foundation/text.h"
 #include "radio/beats1_info_loader.h"
 
 namespace virelune {

@@ -1,5 +1,6 @@
 // The addresses on the station's stream server, and the requests for them.
 #include "extensions/collections.h"
+#include "platform/application/bundle.h"
 #include "platform/platform.h"
 #include "radio/beats1_info_loader.h"
 

@@ -5,9 +5,9 @@
 #include <mutex>
 #include <optional>
 
-#include "platform/data.h"
-#include "platform/object.h"
-#include "platform/url_session.h"
+#include "platform/foundation/data.h"
+#include "platform/foundation/object.h"
+#include "platform/network/url_session.h"
 
 namespace virelune {
 

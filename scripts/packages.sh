@@ -6,9 +6,9 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf
   libcpp-httplib-dev libssl-dev)
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
-  ffmpeg)
-bench_packages=(libbenchmark-dev mpv mpv-mpris xvfb xauth ffmpeg)
-fuzz_packages=(clang libclang-rt-14-dev)
+  ffmpeg lld)
+bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
+fuzz_packages=(clang libclang-rt-dev)
 
 # Installs those of the named packages that are missing. Ends the program with one message that
 # names them when that is not possible.
@@ -42,10 +42,14 @@ install_missing() {
   rm -f "${TMPDIR:-/tmp}/virelune-install.$$"
 }
 
-# Configures a preset and builds the named targets, quietly unless something fails.
+# Configures a preset and builds the named targets, quietly unless something fails. What ccache, where
+# it is installed, has compiled before is not compiled again.
 build_preset() {
   local preset=$1 log status=0
   shift
+  if command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_SLOPPINESS=pch_defines,time_macros
+  fi
   log=$(mktemp)
   { cmake --preset "$preset" && cmake --build "build/$preset" --target "$@"; } >"$log" 2>&1 || status=$?
   if ((status != 0)); then

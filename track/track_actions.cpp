@@ -1,5 +1,5 @@
 #include "panels/link.h"
-#include "platform/dispatch.h"
+#include "platform/loop/dispatch.h"
 #include "platform/platform.h"
 #include "player/love_rating.h"
 #include "player/process_queries.h"
@@ -12,7 +12,7 @@ using platform::NSObject;
 namespace {
 
 bool isOptionKeyHeld() {
-  const auto& event = platform::current().application.currentEvent();
+  const auto& event = platform::current().application->currentEvent();
   return event && (event->modifierFlags & platform::NSEventModifierFlagOption) != 0;
 }
 

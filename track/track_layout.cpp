@@ -1,5 +1,6 @@
 #include "extensions/colors.h"
-#include "platform/image.h"
+#include "platform/application/bundle.h"
+#include "platform/foundation/image.h"
 #include "track/track_view_controller.h"
 #include "widget/constants.h"
 #include "widget/panel_button.h"

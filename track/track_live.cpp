@@ -29,14 +29,15 @@ bool VLTrackViewController::startBeats1InfoLoaderNotificationObserver() {
   stopBeats1InfoLoaderNotificationObserver();
   const auto loader = contentBeats1InfoLoader();
   if (!loader) return false;
-  platform::current().defaultCenter.addObserver(
+  platform::current().defaultCenter->addObserver(
       this, &VLTrackViewController::receivedBeats1InfoLoaderNotification,
       VLBeats1InfoLoaderNotificationName_Update, loader.get());
   return true;
 }
 
 bool VLTrackViewController::stopBeats1InfoLoaderNotificationObserver() {
-  platform::current().defaultCenter.removeObserver(this, VLBeats1InfoLoaderNotificationName_Update);
+  platform::current().defaultCenter->removeObserver(this,
+                                                    VLBeats1InfoLoaderNotificationName_Update);
   return true;
 }
 

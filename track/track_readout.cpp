@@ -1,8 +1,8 @@
 #include <vector>
 
 #include "extensions/strings.h"
-#include "platform/date.h"
-#include "platform/image.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/image.h"
 #include "player/process_queries.h"
 #include "track/track_view_controller.h"
 #include "widget/constants.h"

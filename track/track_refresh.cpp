@@ -1,4 +1,5 @@
-#include "platform/image.h"
+#include "platform/application/bundle.h"
+#include "platform/foundation/image.h"
 #include "player/process_queries.h"
 #include "track/track_view_controller.h"
 #include "widget/constants.h"

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/button.h"
+#include "platform/view/button.h"
 
 namespace virelune {
 

@@ -2,8 +2,8 @@
 
 #include "controls/view.h"
 #include "extensions/notifications.h"
+#include "platform/foundation/text.h"
 #include "platform/platform.h"
-#include "platform/text.h"
 #include "widget/constants.h"
 
 namespace virelune {
@@ -107,14 +107,14 @@ bool VLViewController::iTunesDidTerminateOrLaunchWithNotification(
 
 bool VLViewController::startDistributedNotificationObserver() {
   stopDistributedNotificationObserver();
-  platform::current().distributedCenter.addObserver(
+  platform::current().distributedCenter->addObserver(
       this, &VLViewController::iTunesPlayerInfoDidChangeWithNotification,
       VLDistributedNotificationName_PlayerInfo);
   return true;
 }
 
 bool VLViewController::stopDistributedNotificationObserver() {
-  platform::current().distributedCenter.removeObserver(this);
+  platform::current().distributedCenter->removeObserver(this);
   return true;
 }
 

@@ -3,10 +3,10 @@
 
 #include <memory>
 
-#include "platform/color.h"
-#include "platform/geometry.h"
-#include "platform/notification.h"
-#include "platform/view_controller.h"
+#include "platform/foundation/color.h"
+#include "platform/foundation/geometry.h"
+#include "platform/loop/notification.h"
+#include "platform/view/view_controller.h"
 
 namespace virelune {
 

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/extension.h"
+#include "platform/application/extension.h"
 
 namespace virelune {
 

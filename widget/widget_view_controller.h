@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/extension.h"
+#include "platform/application/extension.h"
 #include "widget/view_controller.h"
 
 namespace virelune {

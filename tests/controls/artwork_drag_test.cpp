@@ -6,7 +6,7 @@
 #include <set>
 
 #include "controls/artwork_button.h"
-#include "platform/drag.h"
+#include "platform/view/drag.h"
 #include "tests/controls/control_fixture.h"
 #include "tests/support/temporary_folder.h"
 

@@ -20,8 +20,8 @@ using tests::Listener;
 class DemoPlayer : public tests::WidgetFixture {
  protected:
   DemoPlayer() {
-    platform_.distributedCenter.addObserver(listener.get(), &Listener::heard,
-                                            demo::kPlayerInfoNotification);
+    platform_.distributedCenter->addObserver(listener.get(), &Listener::heard,
+                                             demo::kPlayerInfoNotification);
   }
 
   /// How many announcements arrive from something that is done now.

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "desktop/qt_canvas.h"
+#include "desktop/graphics/qt_canvas.h"
 
 namespace tests {
 

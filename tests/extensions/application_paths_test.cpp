@@ -4,6 +4,7 @@
 
 #include "extensions/login_items.h"
 #include "extensions/store_search.h"
+#include "platform/application/bundle.h"
 #include "tests/support/temporary_data_home.h"
 #include "tests/support/widget_fixture.h"
 

@@ -3,7 +3,7 @@
 #include "extensions/collections.h"
 #include "extensions/files.h"
 #include "extensions/strings.h"
-#include "platform/button.h"
+#include "platform/view/button.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 

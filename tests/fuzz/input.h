@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/data.h"
+#include "platform/foundation/data.h"
 
 namespace fuzz {
 

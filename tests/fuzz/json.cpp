@@ -1,6 +1,6 @@
-#include "platform/json.h"
+#include "platform/foundation/json.h"
 
-#include "platform/text.h"
+#include "platform/foundation/text.h"
 #include "tests/fuzz/input.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t length) {

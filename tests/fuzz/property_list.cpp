@@ -1,4 +1,4 @@
-#include "platform/property_list.h"
+#include "platform/foundation/property_list.h"
 
 #include "tests/fuzz/input.h"
 

@@ -1,4 +1,4 @@
-#include "platform/text.h"
+#include "platform/foundation/text.h"
 #include "radio/beats1_info_loader.h"
 #include "tests/fuzz/input.h"
 

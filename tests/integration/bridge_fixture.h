@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-#include "desktop/desktop_workspace.h"
-#include "desktop/player_bridge.h"
-#include "desktop/qt_run_loop.h"
+#include "desktop/player/bridge.h"
+#include "desktop/program/qt_run_loop.h"
+#include "desktop/session/workspace.h"
 #include "platform/platform.h"
 #include "tests/integration/processes.h"
 
@@ -42,9 +42,9 @@ class BridgeFixture : public testing::Test {
     platform_.scripting = bridge.get();
     using platform::NSWorkspaceDidLaunchApplicationNotification;
     using platform::NSWorkspaceDidTerminateApplicationNotification;
-    platform_.distributedCenter.removeObserver(announced.get());
-    platform_.distributedCenter.addObserver(announced.get(), &Announcements::changed,
-                                            desktop::kPlayerInfoNotification);
+    platform_.distributedCenter->removeObserver(announced.get());
+    platform_.distributedCenter->addObserver(announced.get(), &Announcements::changed,
+                                             desktop::kPlayerInfoNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::launched,
                                                  NSWorkspaceDidLaunchApplicationNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,

@@ -1,4 +1,4 @@
-#include "platform/curl_transport.h"
+#include "platform/network/curl_transport.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -9,8 +9,8 @@
 
 #include "demo/loopback_certificate.h"
 #include "demo/serving_thread.h"
+#include "platform/network/url_session.h"
 #include "platform/platform.h"
-#include "platform/url_session.h"
 #include "tests/integration/loopback_server.h"
 #include "tests/integration/memory.h"
 

@@ -11,8 +11,9 @@
 
 #include "demo/demo_cover.h"
 #include "demo/demo_library.h"
-#include "desktop/qt_graphics.h"
-#include "desktop/qt_image.h"
+#include "desktop/graphics/backend.h"
+#include "desktop/graphics/qt_image.h"
+#include "desktop/window/card_style.h"
 #include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"
 
@@ -98,7 +99,7 @@ class DragOut : public testing::Test {
   static void expectCover(const std::filesystem::path& file) {
     const QString path = QString::fromStdString(file.string());
     EXPECT_EQ(QImageReader(path).format(), "jpeg");
-    desktop::QtGraphics graphics;
+    desktop::QtGraphics graphics(desktop::opaqueLabelColor);
     const auto cover = graphics.decode(demo::library().at(demo::kPlainTrack).cover->bytes());
     const QImage expected = dynamic_cast<const desktop::QtImage&>(*cover).pixels();
     EXPECT_GE(expected.width(), 300);

@@ -3,7 +3,7 @@
 
 #include <QDBusMessage>
 
-#include "desktop/player_mirror.h"
+#include "desktop/player/mirror.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
 #include "tests/integration/mpv.h"

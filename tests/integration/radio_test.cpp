@@ -3,7 +3,7 @@
 #include <random>
 
 #include "demo/demo_station.h"
-#include "platform/curl_transport.h"
+#include "platform/network/curl_transport.h"
 #include "radio/beats1_info_loader.h"
 #include "tests/integration/encoded_station.h"
 #include "tests/integration/loopback_server.h"

@@ -12,9 +12,9 @@
 #include <string>
 #include <thread>
 
-#include "desktop/file_descriptor.h"
-#include "desktop/ratings_store.h"
-#include "desktop/sqlite.h"
+#include "desktop/files/file_descriptor.h"
+#include "desktop/ratings/sqlite.h"
+#include "desktop/ratings/store.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {

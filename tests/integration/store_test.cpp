@@ -12,7 +12,7 @@
 #include "demo/loopback_certificate.h"
 #include "demo/serving_thread.h"
 #include "panels/link.h"
-#include "platform/curl_transport.h"
+#include "platform/network/curl_transport.h"
 #include "tests/integration/loopback_server.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"

@@ -1,5 +1,6 @@
 #include "panels/about_view_controller.h"
 #include "panels/info_view_controller.h"
+#include "platform/application/bundle.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"
 

@@ -17,8 +17,8 @@ class LiveProgramme : public tests::WidgetFixture {
  protected:
   LiveProgramme() {
     bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example");
-    platform_.defaultCenter.addObserver(listener.get(), &tests::Listener::heard,
-                                        virelune::VLBeats1InfoLoaderNotificationName_Update);
+    platform_.defaultCenter->addObserver(listener.get(), &tests::Listener::heard,
+                                         virelune::VLBeats1InfoLoaderNotificationName_Update);
     listener->onCall = [this] { titles.push_back(loader->infoTrackName().value_or("-")); };
   }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/dispatch.h"
-#include "platform/http.h"
+#include "platform/loop/dispatch.h"
+#include "platform/network/http.h"
 
 namespace tests {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/notification.h"
-#include "platform/run_loop.h"
+#include "platform/loop/notification.h"
+#include "platform/loop/run_loop.h"
 
 namespace tests {
 

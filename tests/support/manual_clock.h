@@ -1,7 +1,7 @@
 // Time that moves when told, and the run loop on it.
 #pragma once
 
-#include "platform/run_loop.h"
+#include "platform/loop/run_loop.h"
 
 namespace tests {
 

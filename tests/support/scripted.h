@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "demo/demo_player.h"
-#include "platform/dispatch.h"
-#include "platform/http.h"
-#include "platform/workspace.h"
+#include "platform/application/workspace.h"
+#include "platform/loop/dispatch.h"
+#include "platform/network/http.h"
 
 namespace tests {
 

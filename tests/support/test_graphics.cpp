@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include "platform/graphics/canvas.h"
 
 namespace tests {
 

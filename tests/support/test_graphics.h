@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/graphics.h"
+#include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 
 namespace tests {
 

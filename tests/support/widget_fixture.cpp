@@ -1,4 +1,5 @@
 #include "tests/support/widget_fixture.h"
+#include "platform/application/bundle.h"
 
 namespace tests {
 

@@ -7,8 +7,9 @@
 #include <memory>
 
 #include "demo/demo_player.h"
+#include "platform/application/bundle.h"
 #include "platform/platform.h"
-#include "platform/window.h"
+#include "platform/view/window.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/scripted.h"
 #include "tests/support/test_graphics.h"

@@ -14,7 +14,7 @@ TEST_F(TrackLive, EachRefreshLeavesOneFreshLoaderAndOneObserver) {
   clock.settle();
   EXPECT_NE(panel->contentBeats1InfoLoader(), first);
   EXPECT_EQ(http.inFlight(), 1U);
-  EXPECT_EQ(platform_.defaultCenter.registrationCount(), 1U);
+  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 1U);
 
   first->postInfoNotification();
   player.clearLog();
@@ -54,7 +54,7 @@ TEST_F(TrackLive, ALoaderThatCannotStartLeavesTheOneBeforeRunning) {
   platform_.http = nullptr;
   EXPECT_FALSE(panel->startBeats1InfoLoader(panel.get()));
   EXPECT_EQ(panel->contentBeats1InfoLoader(), loader);
-  EXPECT_EQ(platform_.defaultCenter.registrationCount(), 1U);
+  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 1U);
 
   panel->stopBeats1InfoLoader(panel.get());
   panel->update(panel.get());

@@ -68,8 +68,8 @@ TEST_F(TrackRefresh, DestroyedWhileShownItLeavesNothingBehind) {
   ASSERT_EQ(http.inFlight(), 1U);
   panel = nullptr;
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
-  EXPECT_EQ(platform_.defaultCenter.registrationCount(), 0U);
-  EXPECT_EQ(platform_.distributedCenter.registrationCount(), 0U);
+  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 0U);
+  EXPECT_EQ(platform_.distributedCenter->registrationCount(), 0U);
   EXPECT_EQ(http.inFlight(), 0U);
   player.announce();
   clock.advance(2);

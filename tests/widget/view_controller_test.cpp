@@ -25,7 +25,7 @@ class ViewController : public tests::WidgetFixture {
 TEST_F(ViewController, UpdatesOnceForEachSignalAboutThePlayerAndForNoOther) {
   probe->viewWillAppear();
   EXPECT_EQ(probe->updates, 1);
-  platform_.distributedCenter.postNotification(
+  platform_.distributedCenter->postNotification(
       platform::NSNotification(VLDistributedNotificationName_PlayerInfo));
   EXPECT_EQ(probe->updates, 2);
   workspace.postDidLaunch("com.apple.iTunes");

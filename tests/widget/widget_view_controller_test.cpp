@@ -97,7 +97,7 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   clock.settle();
   EXPECT_TRUE(track.expired());
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
-  EXPECT_EQ(platform_.distributedCenter.registrationCount(), 2U) << "widget and panel";
+  EXPECT_EQ(platform_.distributedCenter->registrationCount(), 2U) << "widget and panel";
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 4U);
   EXPECT_THAT(heights, ElementsAre(30, 64, 30));
 
@@ -105,7 +105,7 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   widget = nullptr;
   window->setContentView(nullptr);
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
-  EXPECT_EQ(platform_.distributedCenter.registrationCount(), 0U);
+  EXPECT_EQ(platform_.distributedCenter->registrationCount(), 0U);
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 0U);
 }
 

@@ -1,0 +1,136 @@
+#include "desktop/player/bridge.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "platform/application/workspace.h"
+#include "platform/foundation/text.h"
+#include "platform/loop/notification.h"
+#include "platform/platform.h"
+
+namespace desktop {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// A player may signal as often as it likes; the widget refreshes no more often than this.
+constexpr milliseconds kAnnouncementInterval{50};
+
+/// "mpv" for "mpv.instance42".
+QString firstComponent(const QString& name) { return name.section(QLatin1Char('.'), 0, 0); }
+
+}  // namespace
+
+std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus) {
+  const PlayerRegistry registry(bus, QString());
+  std::vector<PlayerListing> listing;
+  for (const PlayerMirror* player : registry.players()) {
+    listing.push_back({.name = player->shortName().toStdString(),
+                       .identity = player->identity().toStdString(),
+                       .status = statusFromState(player->state())});
+  }
+  return listing;
+}
+
+PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
+    : registry_(bus, QString::fromStdString(options.playerName.value_or(std::string()))),
+      artwork_([this] { scheduleAnnouncement(); }),
+      ratings_(options.ratings),
+      lastDesktopEntry_(
+          firstComponent(QString::fromStdString(options.playerName.value_or(std::string())))),
+      wasRunning_(registry_.chosen() != nullptr) {
+  announcement_.setSingleShot(true);
+  announcement_.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&announcement_, &QTimer::timeout, &announcement_, [this] { announce(); });
+  QObject::connect(&registry_, &PlayerRegistry::chosenChanged, &announcement_, [this] {
+    rememberDesktopEntry();
+    scheduleAnnouncement();
+  });
+  rememberDesktopEntry();
+}
+
+PlayerBridge::Reply PlayerBridge::send(const platform::ScriptingRequest& request) {
+  using Kind = platform::ScriptingRequest::Kind;
+  PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return std::nullopt;
+  if (!platform::caseInsensitiveEqual(request.bundleIdentifier, kPlayerBundleIdentifier)) {
+    return std::nullopt;
+  }
+  switch (request.kind) {
+    case Kind::get:
+      return get(*player, request.path);
+    case Kind::set:
+      return set(*player, request.path, request.value);
+    case Kind::count:
+      return count(*player, request.path);
+    case Kind::resolve:
+      return resolve(*player, request.path);
+    case Kind::command:
+      return command(*player, request);
+    case Kind::make:
+    case Kind::remove:
+      return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+// The application.
+
+std::optional<std::string> PlayerBridge::applicationPath() {
+  const auto entry = playerEntry();
+  return entry ? std::optional(entry->path) : std::nullopt;
+}
+
+std::optional<DesktopEntry> PlayerBridge::playerEntry() {
+  if (!lastDesktopEntry_.isEmpty()) {
+    if (auto entry = desktopEntryWithIdentifier(lastDesktopEntry_.toStdString())) return entry;
+  }
+  if (isRunning()) return std::nullopt;
+  return defaultApplicationForType("audio/mpeg");
+}
+
+void PlayerBridge::rememberDesktopEntry() {
+  const PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return;
+  lastDesktopEntry_ = player->desktopEntry();
+  // Players that do not tell their entry mostly go by the same name there.
+  if (lastDesktopEntry_.isEmpty()) lastDesktopEntry_ = firstComponent(player->shortName());
+}
+
+void PlayerBridge::launch() {
+  if (PlayerMirror* player = registry_.chosen()) {
+    player->raise();
+    return;
+  }
+  if (const auto entry = playerEntry()) launchDesktopEntry(*entry);
+}
+
+// Announcing.
+
+void PlayerBridge::scheduleAnnouncement() {
+  if (announcement_.isActive()) return;
+  auto delay = milliseconds::zero();
+  if (sinceAnnouncement_.isValid()) {
+    delay = std::max(kAnnouncementInterval - milliseconds(sinceAnnouncement_.elapsed()), delay);
+  }
+  announcement_.start(delay);
+}
+
+void PlayerBridge::announce() {
+  sinceAnnouncement_.start();
+  const bool isRunningNow = isRunning();
+  const bool wasRunning = std::exchange(wasRunning_, isRunningNow);
+  platform::NSWorkspace* workspace = platform::NSWorkspace::sharedWorkspace();
+  if (isRunningNow == wasRunning || workspace == nullptr) {
+    platform::current().distributedCenter->postNotification(
+        platform::NSNotification(kPlayerInfoNotification));
+  } else if (isRunningNow) {
+    workspace->postDidLaunch(kPlayerBundleIdentifier);
+  } else {
+    workspace->postDidTerminate(kPlayerBundleIdentifier);
+  }
+}
+
+}  // namespace desktop

@@ -1,0 +1,100 @@
+// The bridge to the music player: answers the scripting requests to "com.apple.iTunes" from a
+// player on the session bus that speaks MPRIS2 (the MPRIS D-Bus interface, version 2.2).
+#pragma once
+
+#include <QDBusConnection>
+#include <QElapsedTimer>
+#include <QString>
+#include <QTimer>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "desktop/player/artwork.h"
+#include "desktop/player/registry.h"
+#include "desktop/ratings/store.h"
+#include "desktop/session/desktop_entries.h"
+#include "desktop/session/player_application.h"
+#include "platform/application/scripting.h"
+
+namespace desktop {
+
+/// A player found on the bus.
+struct PlayerListing {
+  std::string name;      ///< bus name without "org.mpris.MediaPlayer2."
+  std::string identity;  ///< name to show; may be empty
+  std::string status;    ///< "Playing", "Paused", "Stopped"; empty when it does not answer
+};
+
+/// Follows one player at a time: the one that was named, else the one that plays, else the one
+/// last heard from. Changes are announced as "com.apple.iTunes.playerInfo" on the platform's
+/// distributed centre, coming and going through the shared workspace, twenty times a second at
+/// most. A player that does not answer in time is asked again without waiting, and meanwhile
+/// answers nothing. Main thread only.
+class PlayerBridge final : public platform::ScriptingTransport, public PlayerApplication {
+ public:
+  struct Options {
+    std::optional<std::string> playerName = std::nullopt;  ///< see PlayerRegistry
+    RatingsStore* ratings = nullptr;  ///< null: ratings come from the player alone
+  };
+
+  /// The players on the bus, in the order of their names. Waits a quarter of a second at most.
+  static std::vector<PlayerListing> listPlayers(const QDBusConnection& bus);
+
+  /// Looks for players at once, waiting a quarter of a second at most for their answers.
+  PlayerBridge(const QDBusConnection& bus, const Options& options);
+
+  // Scripting.
+  /// None for any other application.
+  std::optional<platform::ScriptingReply> send(const platform::ScriptingRequest& request) override;
+
+  // The application.
+  /// True while the chosen player owns its name on the bus, whether or not it answers.
+  bool isRunning() override { return registry_.chosen() != nullptr; }
+  /// The desktop entry of the chosen player, else of the one that was followed last or named,
+  /// else of the user's player for audio files.
+  std::optional<std::string> applicationPath() override;
+  void launch() override;
+
+ private:
+  using Reply = std::optional<platform::ScriptingReply>;
+
+  // Requests, in player_bridge_requests.cpp.
+  Reply get(PlayerMirror& player, const platform::ScriptingPath& path);
+  Reply getOfTrack(PlayerMirror& player, platform::FourCharCode property);
+  Reply set(PlayerMirror& player, const platform::ScriptingPath& path,
+            const platform::Value& value);
+  Reply count(PlayerMirror& player, const platform::ScriptingPath& path);
+  Reply resolve(PlayerMirror& player, const platform::ScriptingPath& path);
+  Reply command(PlayerMirror& player, const platform::ScriptingRequest& request);
+
+  // Ratings and love, in player_bridge_ratings.cpp.
+  struct Rating {
+    std::int64_t value = 0;  ///< 0 to 100
+    platform::FourCharCode kind{};
+  };
+  Rating trackRating(PlayerMirror& player, const PlayerSnapshot& track);
+  Rating albumRating(const PlayerSnapshot& track);
+  bool setTrackRating(PlayerMirror& player, const PlayerSnapshot& track, int rating);
+  static TrackIdentity identityOf(const PlayerSnapshot& track);
+  Marks trackMarks(const PlayerSnapshot& track);
+  Marks albumMarks(const PlayerSnapshot& track);
+
+  std::optional<DesktopEntry> playerEntry();
+  void rememberDesktopEntry();
+
+  // Announcing.
+  void scheduleAnnouncement();
+  void announce();
+
+  PlayerRegistry registry_;
+  PlayerArtwork artwork_;
+  RatingsStore* const ratings_;
+  QString lastDesktopEntry_;  ///< of the player that was followed last
+
+  QTimer announcement_;
+  QElapsedTimer sinceAnnouncement_;
+  bool wasRunning_ = false;  ///< what was announced last
+};
+
+}  // namespace desktop

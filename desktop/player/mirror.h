@@ -1,0 +1,120 @@
+// One player on the bus: what it told last, and the questions and commands to it.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <QVariant>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "desktop/player/snapshot.h"
+
+namespace desktop {
+
+inline constexpr const char* kPlayerNamePrefix = "org.mpris.MediaPlayer2.";
+inline constexpr const char* kPlayerPath = "/org/mpris/MediaPlayer2";
+inline constexpr const char* kPlayerInterface = "org.mpris.MediaPlayer2.Player";
+inline constexpr const char* kRootInterface = "org.mpris.MediaPlayer2";
+inline constexpr const char* kPropertiesInterface = "org.freedesktop.DBus.Properties";
+
+/// Asks a player for all it tells in one message, and keeps the answer until the player speaks
+/// or is spoken to. The position alone changes without a word and is asked for once per turn of
+/// the event loop.
+///
+/// Waiting for an answer ends after a quarter of a second. From then on, and for a player that is
+/// slow in answering, questions are sent without waiting for the answer, and what was last
+/// answered holds; after a silence that is nothing. Prompt answers end this.
+class PlayerMirror final : public QObject {
+  Q_OBJECT
+
+ public:
+  /// A bus name and the unique name of its owner. Asks nothing yet.
+  PlayerMirror(const QDBusConnection& bus, QString name, QString owner);
+
+  const QString& name() const { return name_; }
+  const QString& owner() const { return owner_; }
+  QString shortName() const;  ///< without the common prefix
+
+  /// Asks several players at once and waits for all of them a quarter of a second at most.
+  static void askTogether(std::span<PlayerMirror* const> players);
+  /// Asks without waiting; changed() tells when the answer is there.
+  void probe();
+
+  // What the player told last, without asking.
+  bool isPlaying() const { return state_ == platform::code("kPSP"); }
+  bool isPaused() const { return state_ == platform::code("kPSp"); }
+  platform::FourCharCode state() const { return state_; }
+  const QString& identity() const { return identity_; }
+  const QString& desktopEntry() const { return desktopEntry_; }
+
+  // Questions. Null and 0 when it does not answer.
+  std::shared_ptr<const PlayerSnapshot> snapshot();
+  double position();  ///< seconds
+  /// True when the player has a rating of its own that can be set.
+  bool hasWritableRating(const PlayerSnapshot& now);
+
+  // Commands, sent without waiting. False when the player does not answer at present.
+  bool command(const char* member);  ///< of the player interface: "PlayPause", "Next", …
+  bool setPosition(double seconds);
+  bool setOwnRating(const PlayerSnapshot& now, double rating);  ///< 0 to 1
+  bool raise();
+
+  // What the bus delivered from it.
+  void receivedPropertiesChanged(const QDBusMessage& message);
+  void receivedSeeked();
+
+ signals:
+  void changed();  ///< there is something new to ask for, or it answers no more or again
+
+ private slots:  // called by the bus
+  void probeAnswered(const QDBusMessage& reply);
+  void probeFailed(const QDBusError& error, const QDBusMessage& call);
+  void described(const QDBusMessage& reply);
+  void introspected(const QDBusMessage& reply);
+
+ private:
+  QDBusMessage methodCall(const char* interface, const char* member) const;
+  QDBusMessage propertiesCall(const char* member, const char* interface) const;
+  std::optional<QVariant> ask(const QDBusMessage& message);
+  bool tell(const QDBusMessage& message);
+  bool isAnswering() const { return isPrompt_ || snapshot_ != nullptr; }
+  void giveUp();
+  void adopt(const QVariant& properties);
+  PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
+  bool lengthIsGrowing() const;
+  void forget();
+  void holdPosition();
+
+  const QDBusConnection bus_;
+  const QString name_;
+  const QString owner_;
+  QString identity_;
+  QString desktopEntry_;
+  platform::FourCharCode state_{};
+
+  std::shared_ptr<const PlayerSnapshot> snapshot_;
+  PlayerSnapshot lastTold_;  ///< the last track as the player told it
+  int growths_ = 0;          ///< how often its length has grown, without shrinking in between
+  QElapsedTimer snapshotAge_;
+  double position_ = 0;           ///< seconds
+  bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
+  bool isPrompt_ = false;         ///< answers fast enough to be waited for
+
+  bool isProbing_ = false;
+  QElapsedTimer probeAge_;
+  QTimer nextProbe_;
+  std::chrono::milliseconds probeDelay_;
+
+  bool askedForWritableProperties_ = false;
+  QStringList writableProperties_;  ///< of the player interface
+};
+
+}  // namespace desktop

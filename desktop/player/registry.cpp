@@ -1,0 +1,140 @@
+#include "desktop/player/registry.h"
+
+#include <QDBusReply>
+#include <QStringList>
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace desktop {
+
+namespace {
+
+/// Stands for whichever player was active last, so it would count that one twice.
+constexpr auto kProxyName = "playerctld";
+
+QDBusMessage busCall(const char* member) {
+  return QDBusMessage::createMethodCall(
+      QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+      QStringLiteral("org.freedesktop.DBus"), QLatin1String(member));
+}
+
+bool isEqual(const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) == 0; }
+
+}  // namespace
+
+PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName)
+    : bus_(bus),
+      wantedName_(std::move(wantedName)),
+      watcher_(QLatin1String(kPlayerNamePrefix).chopped(1) + QLatin1Char('*'), bus,
+               QDBusServiceWatcher::WatchForOwnerChange) {
+  connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+          &PlayerRegistry::ownerChanged);
+  QDBusConnection connection = bus;
+  connection.connect(QString(), QLatin1String(kPlayerPath), QLatin1String(kPropertiesInterface),
+                     QStringLiteral("PropertiesChanged"), this,
+                     SLOT(propertiesChanged(QDBusMessage)));
+  connection.connect(QString(), QLatin1String(kPlayerPath), QLatin1String(kPlayerInterface),
+                     QStringLiteral("Seeked"), this, SLOT(seeked(QDBusMessage)));
+  findPlayers();
+  choose();
+}
+
+void PlayerRegistry::findPlayers() {
+  const QDBusReply<QStringList> names = bus_.call(busCall("ListNames"));
+  std::vector<PlayerMirror*> found;
+  for (const QString& name : names.value()) {
+    if (!name.startsWith(QLatin1String(kPlayerNamePrefix))) continue;
+    QDBusMessage question = busCall("GetNameOwner");
+    question << name;
+    const QDBusReply<QString> owner = bus_.call(question);
+    if (!owner.isValid()) continue;
+    if (PlayerMirror* player = add(name, owner.value())) found.push_back(player);
+  }
+  PlayerMirror::askTogether(found);
+}
+
+PlayerMirror* PlayerRegistry::add(const QString& name, const QString& owner) {
+  const auto place = std::lower_bound(
+      players_.begin(), players_.end(), name,
+      [](const Player& player, const QString& text) { return player.mirror->name() < text; });
+  const bool isKnown = place != players_.end() && place->mirror->name() == name;
+  if (isKnown) return nullptr;
+  auto mirror = std::make_unique<PlayerMirror>(bus_, name, owner);
+  PlayerMirror* added = mirror.get();
+  connect(added, &PlayerMirror::changed, this, [this, added] {
+    const PlayerMirror* before = chosen_;
+    choose();
+    if (chosen_ == before && chosen_ == added) emit chosenChanged();
+  });
+  players_.insert(place, Player{std::move(mirror)});
+  return added;
+}
+
+std::vector<const PlayerMirror*> PlayerRegistry::players() const {
+  std::vector<const PlayerMirror*> all;
+  for (const Player& player : players_) all.push_back(player.mirror.get());
+  return all;
+}
+
+bool PlayerRegistry::isWanted(const PlayerMirror& player) const {
+  const QString name = player.shortName();
+  if (wantedName_.isEmpty()) return name != QLatin1String(kProxyName);
+  return isEqual(wantedName_, name) || isEqual(wantedName_, player.name()) ||
+         isEqual(wantedName_, name.section(QLatin1Char('.'), 0, 0)) ||
+         isEqual(wantedName_, player.identity());
+}
+
+void PlayerRegistry::choose() {
+  const auto rank = [this](const Player& player) {
+    const PlayerMirror* mirror = player.mirror.get();
+    // Of several that play the one that is followed already stays.
+    return std::tuple(mirror->isPlaying(), mirror->isPlaying() && mirror == chosen_,
+                      player.lastHeard, mirror->isPaused(), mirror == chosen_);
+  };
+  const Player* best = nullptr;
+  for (const Player& player : players_) {
+    if (!isWanted(*player.mirror)) continue;
+    if (best == nullptr || rank(player) > rank(*best)) best = &player;
+  }
+  PlayerMirror* chosen = best != nullptr ? best->mirror.get() : nullptr;
+  if (std::exchange(chosen_, chosen) != chosen) emit chosenChanged();
+}
+
+void PlayerRegistry::ownerChanged(const QString& name, const QString&, const QString& newOwner) {
+  const auto found = std::find_if(players_.begin(), players_.end(), [&](const Player& player) {
+    return player.mirror->name() == name;
+  });
+  // Freed only after the choice, so that no other player takes its place in memory before.
+  std::unique_ptr<PlayerMirror> gone;
+  if (found != players_.end()) {
+    if (found->mirror->owner() == newOwner) return;
+    gone = std::move(found->mirror);
+    players_.erase(found);
+  }
+  if (!newOwner.isEmpty()) {
+    if (PlayerMirror* added = add(name, newOwner)) added->probe();
+  }
+  choose();
+}
+
+template <class Tell>
+void PlayerRegistry::heard(const QDBusMessage& message, Tell tell) {
+  ++signalCount_;
+  for (Player& player : players_) {
+    if (player.mirror->owner() != message.service()) continue;
+    player.lastHeard = signalCount_;
+    tell(*player.mirror);
+  }
+}
+
+void PlayerRegistry::propertiesChanged(const QDBusMessage& message) {
+  if (message.arguments().value(0).toString() != QLatin1String(kPlayerInterface)) return;
+  heard(message, [&](PlayerMirror& player) { player.receivedPropertiesChanged(message); });
+}
+
+void PlayerRegistry::seeked(const QDBusMessage& message) {
+  heard(message, [](PlayerMirror& player) { player.receivedSeeked(); });
+}
+
+}  // namespace desktop

@@ -1,0 +1,183 @@
+#include "desktop/player/snapshot.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QUrl>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace desktop {
+
+namespace {
+
+using platform::code;
+
+constexpr double kMicrosecondsPerSecond = 1'000'000;
+
+/// Variants inside variants, as some players send them; an absurd depth answers none.
+QVariant unwrapped(QVariant value) {
+  for (int depth = 0; depth < 8 && value.canConvert<QDBusVariant>(); ++depth) {
+    value = value.value<QDBusVariant>().variant();
+  }
+  return value;
+}
+
+bool isObjectPath(const QString& text) {
+  static const QRegularExpression pattern(QStringLiteral("^(/|(/[A-Za-z0-9_]+)+)$"));
+  return pattern.match(text).hasMatch();
+}
+
+/// Object paths and texts alike: many players send the track's id as a text.
+QString trackIdFromVariant(const QVariant& value) {
+  const QString text = textFromVariant(value);
+  constexpr auto kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
+  return isObjectPath(text) && text != QLatin1String(kNoTrack) ? text : QString();
+}
+
+/// The last component of an address, decoded; the host when there is no path.
+QString nameFromAddress(const QString& address) {
+  const QUrl url(address);
+  const QString name = url.fileName(QUrl::FullyDecoded);
+  return name.isEmpty() ? url.host() : name;
+}
+
+std::optional<double> ratingFromVariant(const QVariant& value) {
+  const auto rating = numberFromVariant(value);
+  if (!rating || *rating < 0) return std::nullopt;
+  return std::min(*rating, 1.0);
+}
+
+void readOwnRating(const QVariantMap& properties, PlayerSnapshot& snapshot) {
+  for (const char* name : {"Rating", "UserRating", "userRating"}) {
+    const auto found = properties.constFind(QLatin1String(name));
+    if (found == properties.constEnd() || !numberFromVariant(*found)) continue;
+    snapshot.ratingProperty = found.key();
+    snapshot.ownRating = ratingFromVariant(*found);
+    return;
+  }
+}
+
+}  // namespace
+
+QString textFromVariant(const QVariant& value) {
+  const QVariant plain = unwrapped(value);
+  if (plain.metaType() == QMetaType::fromType<QString>()) return plain.toString();
+  if (plain.metaType() == QMetaType::fromType<QDBusObjectPath>()) {
+    return plain.value<QDBusObjectPath>().path();
+  }
+  QStringList parts;
+  if (plain.metaType() == QMetaType::fromType<QStringList>()) {
+    parts = plain.toStringList();
+  } else if (plain.metaType() == QMetaType::fromType<QVariantList>()) {
+    for (const QVariant& part : plain.toList()) {
+      const QVariant text = unwrapped(part);
+      if (text.metaType() == QMetaType::fromType<QString>()) parts << text.toString();
+    }
+  }
+  parts.removeAll(QString());
+  return parts.join(QStringLiteral(", "));
+}
+
+std::optional<double> numberFromVariant(const QVariant& value) {
+  const QVariant plain = unwrapped(value);
+  switch (plain.typeId()) {
+    case QMetaType::Double:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::UChar: {
+      const double number = plain.toDouble();
+      return std::isfinite(number) ? std::optional(number) : std::nullopt;
+    }
+    default:
+      return std::nullopt;
+  }
+}
+
+QVariantMap mapFromVariant(const QVariant& value) {
+  const QVariant plain = unwrapped(value);
+  if (plain.metaType() == QMetaType::fromType<QVariantMap>()) return plain.toMap();
+  if (plain.metaType() != QMetaType::fromType<QDBusArgument>()) return {};
+  const auto argument = plain.value<QDBusArgument>();
+  if (argument.currentSignature() != QLatin1String("a{sv}")) return {};
+  return qdbus_cast<QVariantMap>(argument);
+}
+
+platform::FourCharCode stateFromStatus(const QVariant& status) {
+  const QString text = textFromVariant(status);
+  if (text == QLatin1String("Playing")) return code("kPSP");
+  if (text == QLatin1String("Paused")) return code("kPSp");
+  if (text == QLatin1String("Stopped")) return code("kPSS");
+  return {};
+}
+
+std::string statusFromState(platform::FourCharCode state) {
+  if (state == code("kPSP")) return "Playing";
+  if (state == code("kPSp")) return "Paused";
+  return state == code("kPSS") ? "Stopped" : "";
+}
+
+double secondsFromMicroseconds(const QVariant& value) {
+  return std::max(numberFromVariant(value).value_or(0), 0.0) / kMicrosecondsPerSecond;
+}
+
+qint64 microsecondsFromSeconds(double seconds) {
+  constexpr double kCentury = 100.0 * 366 * 24 * 3600;
+  if (!(seconds > 0)) return 0;
+  return static_cast<qint64>(std::llround(std::min(seconds, kCentury) * kMicrosecondsPerSecond));
+}
+
+std::string lengthText(double seconds) {
+  constexpr double kCentury = 100.0 * 366 * 24 * 3600;
+  if (!(seconds > 0)) return {};
+  const auto whole = static_cast<long long>(std::min(seconds, kCentury));
+  const auto twoDigits = [](long long value) {
+    return (value < 10 ? "0" : "") + std::to_string(value);
+  };
+  const long long hours = whole / 3600;
+  const long long minutes = whole / 60 % 60;
+  const std::string start =
+      hours > 0 ? std::to_string(hours) + ":" + twoDigits(minutes) : std::to_string(minutes);
+  return start + ":" + twoDigits(whole % 60);
+}
+
+bool PlayerSnapshot::isStream() const { return length <= 0 && isRemote(); }
+
+bool PlayerSnapshot::isRemote() const {
+  const QUrl url(address);
+  return !url.host().isEmpty() && url.scheme() != QLatin1String("file");
+}
+
+PlayerSnapshot snapshotFromProperties(const QVariantMap& properties) {
+  PlayerSnapshot snapshot;
+  snapshot.state = stateFromStatus(properties.value(QStringLiteral("PlaybackStatus")));
+  readOwnRating(properties, snapshot);
+
+  const QVariantMap metadata = mapFromVariant(properties.value(QStringLiteral("Metadata")));
+  const auto text = [&metadata](const char* key) {
+    return textFromVariant(metadata.value(QLatin1String(key)));
+  };
+  snapshot.trackId = trackIdFromVariant(metadata.value(QStringLiteral("mpris:trackid")));
+  snapshot.address = text("xesam:url");
+  snapshot.artworkAddress = text("mpris:artUrl");
+  QString title = text("xesam:title");
+  if (title.isEmpty()) title = nameFromAddress(snapshot.address);
+  snapshot.title = title.toStdString();
+  snapshot.artist = text("xesam:artist").toStdString();
+  snapshot.album = text("xesam:album").toStdString();
+  snapshot.albumArtist = text("xesam:albumArtist").toStdString();
+  snapshot.length = secondsFromMicroseconds(metadata.value(QStringLiteral("mpris:length")));
+  snapshot.userRating = ratingFromVariant(metadata.value(QStringLiteral("xesam:userRating")));
+  snapshot.autoRating = ratingFromVariant(metadata.value(QStringLiteral("xesam:autoRating")));
+  snapshot.hasTrack = !title.isEmpty() || !snapshot.address.isEmpty() || snapshot.length > 0;
+  return snapshot;
+}
+
+}  // namespace desktop

@@ -1,0 +1,171 @@
+#include "desktop/program/run.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLoggingCategory>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QIcon>
+#include <QtGui/QPixmap>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+#include "desktop/graphics/qt_image.h"
+#include "desktop/program/composition.h"
+#include "desktop/program/tour.h"
+#include "desktop/window/card_menu.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr double pictureScale = 2;
+constexpr const char* defaultTourFolder = "virelune-tour";
+
+int fail(const std::string& message) {
+  std::cerr << "virelune-widget: " << message << '\n';
+  return EXIT_FAILURE;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"); }
+
+std::string bundlePath() {
+  const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
+  return (folder.parent_path() / "share" / "virelune-widget").string();
+}
+
+int listPlayers() {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return fail("there is no session bus");
+  const auto players = PlayerBridge::listPlayers(bus);
+  if (players.empty()) std::cout << "No music player is on the session bus.\n";
+  for (const PlayerListing& player : players) {
+    std::cout << player.name;
+    if (!player.identity.empty()) std::cout << "  " << player.identity;
+    if (!player.status.empty()) std::cout << "  " << player.status;
+    std::cout << '\n';
+  }
+  return EXIT_SUCCESS;
+}
+
+/// Puts the servers that the command line names in the place of the bundle's.
+void chooseServers(const CommandLine& commandLine, Composition& composition) {
+  if (commandLine.streamHost) composition.setStreamHost(*commandLine.streamHost);
+  if (commandLine.storeHost) composition.setStoreHost(*commandLine.storeHost);
+}
+
+/// The demo player, with a live station and a store of its own unless the command line names them.
+demo::DemoPlayer& useDemo(const CommandLine& commandLine, Composition& composition) {
+  if (!commandLine.streamHost) composition.useDemoStation();
+  if (!commandLine.storeHost) composition.useDemoStore();
+  return composition.useDemo();
+}
+
+/// Brings in the player that the command line asks for; the exit status when that fails.
+std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& composition) {
+  if (!commandLine.demo) {
+    const auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+      return fail("there is no session bus; --demo shows the built-in player");
+    }
+    if (composition.useBus(bus, commandLine.player) || commandLine.waitForPlayer) {
+      return std::nullopt;
+    }
+    if (commandLine.player) {
+      return fail("no player \"" + *commandLine.player +
+                  "\" is on the session bus; --list-players names those that are");
+    }
+    std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
+  }
+  useDemo(commandLine, composition).launch(demo::kPlaying);
+  return std::nullopt;
+}
+
+int tour(const CommandLine& commandLine, Composition& composition,
+         const virelune::WidgetEntry& widget) {
+  composition.useNetwork();
+  demo::DemoPlayer& player = useDemo(commandLine, composition);
+  Card* card = composition.makeCard(widget.principalClasses);
+  if (card == nullptr) return fail("the resources name no widget");
+  const std::string problem = takeTour(
+      {.folder = commandLine.tour.value_or(defaultTourFolder),
+       .scale = commandLine.scale.value_or(pictureScale),
+       .appearance = ColorScheme().appearance(),
+       .showsLiveProgramme = [&] { return widget.showsLiveProgramme(card->controller()); }},
+      *card, player, std::cout);
+  return problem.empty() ? EXIT_SUCCESS : fail(problem);
+}
+
+int snapshot(const CommandLine& commandLine, Card& card) {
+  constexpr int patience = 600;  // milliseconds, for artwork and the colour scheme
+  const ColorScheme colorScheme;
+  card.window().setVisible(true);
+  settle(patience);
+  const bool isWritten =
+      writePicture(card, *commandLine.snapshot, commandLine.scale.value_or(pictureScale),
+                   colorScheme.appearance());
+  return isWritten ? EXIT_SUCCESS : fail("cannot write " + *commandLine.snapshot);
+}
+
+/// The icon that task switchers show for the card.
+void setWindowIcon() {
+  const auto icon = std::dynamic_pointer_cast<QtImage>(
+      platform::imageNamed(platform::NSImageNameApplicationIcon));
+  if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
+}
+
+int showWindow(const CommandLine& commandLine, Composition& composition, Card& card,
+               const virelune::WidgetEntry& widget) {
+  CardSurface window(card, composition.graphics(),
+                     QString::fromStdString(composition.displayName()), commandLine.onTop);
+  const CardMenu menu(window, composition.graphics(), widget);
+  composition.useDrag(window);
+  setWindowIcon();
+  window.open();
+  return QGuiApplication::exec();
+}
+
+}  // namespace
+
+int runProgram(const CommandLine& commandLine, int argc, char** argv,
+               const virelune::WidgetEntry& widget) {
+  // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
+  // would only bury the one line that counts.
+  QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");
+  if (commandLine.listPlayers) {
+    const QCoreApplication application(argc, argv);
+    return listPlayers();
+  }
+
+  const bool takesTour = commandLine.tour || (!hasDisplay() && !commandLine.snapshot);
+  if (takesTour && (commandLine.player || commandLine.waitForPlayer)) {
+    return fail("there is no display for the card; --snapshot writes it to a file");
+  }
+  const bool isOffScreen = takesTour || commandLine.snapshot;
+  if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!isOffScreen && commandLine.scale) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(*commandLine.scale));
+  }
+  const QGuiApplication application(argc, argv);
+  QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
+
+  Composition composition;
+  if (!composition.openBundle(bundlePath())) {
+    return fail("the resources are missing: " + bundlePath());
+  }
+  chooseServers(commandLine, composition);
+  if (takesTour) return tour(commandLine, composition, widget);
+
+  composition.useNetwork();
+  if (const auto status = choosePlayer(commandLine, composition)) return *status;
+  Card* card = composition.makeCard(widget.principalClasses);
+  if (card == nullptr) return fail("the resources name no widget");
+  return commandLine.snapshot ? snapshot(commandLine, *card)
+                              : showWindow(commandLine, composition, *card, widget);
+}
+
+}  // namespace desktop

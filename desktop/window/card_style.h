@@ -1,0 +1,36 @@
+// The look of the card that the widget lies on.
+#pragma once
+
+#include "platform/foundation/color.h"
+
+namespace desktop {
+
+inline constexpr double kCardCornerRadius = 12;  ///< points
+inline constexpr double kCardHeaderHeight = 24;  ///< points
+
+/// What the card is filled with. A hint of what lies behind shines through.
+constexpr platform::NSColor cardColor(platform::Appearance appearance) {
+  return appearance == platform::Appearance::dark
+             ? platform::NSColor::colorWithRGBA(0.145, 0.149, 0.165, 0.97)
+             : platform::NSColor::colorWithRGBA(0.973, 0.973, 0.980, 0.97);
+}
+
+/// The hairline around the card, which sets it off from a background of its own colour.
+constexpr platform::NSColor cardBorderColor(platform::Appearance appearance) {
+  return appearance == platform::Appearance::dark ? platform::NSColor::colorWithRGBA(1, 1, 1, 0.13)
+                                                  : platform::NSColor::colorWithRGBA(0, 0, 0, 0.14);
+}
+
+/// The label colour as it looks on the card, for what cannot be drawn translucent.
+constexpr platform::NSColor opaqueLabelColor(platform::Appearance appearance) {
+  const platform::NSColor label = platform::NSColor::labelColor().resolved(appearance);
+  const platform::NSColor card = cardColor(appearance);
+  const auto over = [alpha = label.alpha()](double above, double below) {
+    return above * alpha + below * (1 - alpha);
+  };
+  return platform::NSColor::colorWithRGBA(over(label.red(), card.red()),
+                                          over(label.green(), card.green()),
+                                          over(label.blue(), card.blue()), 1);
+}
+
+}  // namespace desktop

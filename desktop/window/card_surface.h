@@ -1,0 +1,67 @@
+// The card on the screen.
+#pragma once
+
+#include <QtCore/QTimer>
+#include <QtGui/QRasterWindow>
+#include <functional>
+#include <optional>
+
+#include "desktop/graphics/backend.h"
+#include "desktop/window/card.h"
+#include "desktop/window/color_scheme.h"
+#include "desktop/window/mouse_input.h"
+
+namespace desktop {
+
+/// A borderless window that shows a card in the desktop's appearance, passes the user's input to
+/// it, is moved by its header and stays where it was put. While it is hidden or minimised the
+/// card's views know that they are not seen.
+class CardSurface final : public QRasterWindow {
+ public:
+  CardSurface(Card& card, QtGraphics& graphics, const QString& title, bool onTop);
+  ~CardSurface() override;
+
+  /// Shows the window, where it was last time when the desktop lets windows choose.
+  void open();
+
+  bool isOnTop() const { return flags().testFlag(Qt::WindowStaysOnTopHint); }
+  void setOnTop(bool onTop) { setFlag(Qt::WindowStaysOnTopHint, onTop); }
+  platform::Appearance appearance() const { return colorScheme_.appearance(); }
+
+  /// Called with the place on the screen where the user asks for the context menu.
+  void setMenuHandler(std::function<void(QPoint)> handler) { menuHandler_ = std::move(handler); }
+  /// Called after each painting with the region (points, y downwards) that was painted.
+  void setPaintObserver(std::function<void(const QRegion&)> observer) {
+    paintObserver_ = std::move(observer);
+  }
+
+ protected:
+  bool event(QEvent* event) override;
+  void exposeEvent(QExposeEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void fitCard();
+  void updateVisibility();
+  void updateCompositing();
+  void place();
+  void savePosition();
+  void moveCard(const QMouseEvent& event);
+  platform::NSPoint cardPoint(QPointF position) const;
+
+  Card& card_;
+  QtGraphics& graphics_;
+  ColorScheme colorScheme_;
+  MouseInput mouse_;
+  std::optional<QPointF> grip_;  // where in the window the user took hold of it
+  QTimer saveTimer_;
+  std::function<void(QPoint)> menuHandler_;
+  std::function<void(const QRegion&)> paintObserver_;
+};
+
+}  // namespace desktop

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <QtCore/QSysInfo>
+#include <cstdlib>
+#include <fstream>
+
+#include "desktop/drag/folder.h"
+#include "desktop/drag/mime_data.h"
+#include "platform/foundation/file_manager.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Writes a file of the next number wherever it is told to.
+class Source final : public platform::NSDraggingSource,
+                     public platform::NSPasteboardItemDataProvider {
+ public:
+  platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
+      platform::NSDraggingSession*, platform::NSDraggingContext) override {
+    return platform::NSDragOperationCopy;
+  }
+  std::optional<std::string> draggingSession_fileNameForPromise(
+      platform::NSDraggingSession*) override {
+    return std::nullopt;
+  }
+  void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
+                                          platform::NSPasteboardItem* item,
+                                          const std::string& type) override {
+    if (type == platform::NSPasteboardTypePNG) return item->setString_forType("PNG", type);
+    const std::string path = *pasteboard->pasteLocation() + "/" + std::to_string(++files) + ".jpg";
+    platform::writeToFileAtomically(path, "JPEG");
+    item->setString_forType(platform::URL::fileURLWithPath(path)->absoluteString(), type);
+  }
+
+  int files = 0;
+};
+
+class Drag : public testing::Test {
+ protected:
+  Drag() { setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1); }
+  ~Drag() override { unsetenv("XDG_RUNTIME_DIR"); }
+
+  std::shared_ptr<platform::NSDraggingSession> session() {
+    const auto item = platform::make<platform::NSPasteboardItem>();
+    item->setDataProvider_forTypes(
+        source, {platform::NSPasteboardTypePNG, platform::NSPasteboardTypePromisedFileURL});
+    return platform::make<platform::NSDraggingSession>(
+        std::vector{platform::make<platform::NSDraggingItem>(item)}, source, platform::NSPoint{});
+  }
+
+  const tests::TemporaryFolder runtime;
+  const fs::path waiting = runtime.path() / "virelune-widget-drops";
+  const std::shared_ptr<Source> source = std::make_shared<Source>();
+};
+
+TEST_F(Drag, ReceiversAreAnsweredWhileTheSessionLastsAndOneFileServesAllQuestions) {
+  const DragFolder folder;
+  auto dragged = session();
+  const DragMimeData data(dragged, folder, nullptr);
+  EXPECT_EQ(data.formats(), QStringList({"image/png", "text/uri-list"}));
+  EXPECT_EQ(data.data("image/png"), "PNG");
+  EXPECT_EQ(data.data("XdndDirectSave0"), QByteArray());
+  EXPECT_EQ(source->files, 0);
+  const QByteArray address = QByteArray::fromStdString("file://" + waiting.string() + "/1.jpg\r\n");
+  EXPECT_EQ(data.data("text/uri-list"), address);
+  EXPECT_EQ(data.data("text/uri-list"), address);
+  fs::remove(waiting / "1.jpg");
+  EXPECT_TRUE(data.data("text/uri-list").endsWith("/2.jpg\r\n"));
+  dragged = nullptr;
+  EXPECT_EQ(data.data("image/png"), QByteArray());
+  EXPECT_EQ(data.data("text/uri-list"), QByteArray());
+}
+
+TEST_F(Drag, DirectSavePutsTheFileWhereTheReceiverSaysOrLeavesNone) {
+  const auto dragged = session();
+  const auto save = [&](const std::string& address) {
+    return DirectSave::saveAtAddress(dragged->draggingPasteboard(), address);
+  };
+  const std::string folder = runtime.path().string();
+  const std::string machine = QSysInfo::machineHostName().toUpper().toStdString();
+  fs::create_directory(runtime.path() / "taken");
+  EXPECT_EQ(save("file://" + folder + "/1.jpg"), "S");
+  EXPECT_EQ(save("file://" + folder + "/other%20name.jpg"), "S");
+  EXPECT_EQ(save("file://" + machine + folder + "/here.jpg"), "S");
+  EXPECT_EQ(save("file://" + folder + "/taken"), "E");
+  EXPECT_EQ(save("file://elsewhere.example" + folder + "/5.jpg"), "F");
+  EXPECT_EQ(save("sftp://elsewhere.example/5.jpg"), "F");
+  EXPECT_EQ(save("5.jpg"), "F") << "the receiver has put no address there";
+  EXPECT_TRUE(fs::exists(runtime.path() / "1.jpg"));
+  EXPECT_TRUE(fs::exists(runtime.path() / "other name.jpg"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 4) << "with the one here and taken";
+}
+
+TEST_F(Drag, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {
+  fs::create_directory(waiting);
+  fs::permissions(waiting, fs::perms::owner_all);
+  const auto now = fs::file_time_type::clock::now();
+  for (const auto& [name, age] : {std::pair("old.jpg", 61), std::pair("new.jpg", 59)}) {
+    std::ofstream(waiting / name) << "JPEG";
+    fs::last_write_time(waiting / name, now - std::chrono::minutes(age));
+  }
+  const DragFolder folder;
+  EXPECT_FALSE(fs::exists(waiting / "old.jpg"));
+  EXPECT_TRUE(fs::exists(waiting / "new.jpg"));
+
+  EXPECT_EQ(folder.path(), waiting);
+  fs::permissions(waiting, static_cast<fs::perms>(0755));
+  EXPECT_EQ(folder.path(), std::nullopt);
+  fs::remove_all(waiting);
+  const tests::TemporaryFolder elsewhere;
+  fs::create_symlink(elsewhere.path(), waiting);
+  EXPECT_EQ(folder.path(), std::nullopt);
+  setenv("XDG_RUNTIME_DIR", "relative", 1);
+  EXPECT_EQ(DragFolder().path(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace desktop

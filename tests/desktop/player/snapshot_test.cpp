@@ -1,0 +1,96 @@
+#include "desktop/player/snapshot.h"
+
+#include <gtest/gtest.h>
+
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusVariant>
+#include <limits>
+
+namespace desktop {
+namespace {
+
+PlayerSnapshot withMetadata(const QVariantMap& metadata) {
+  return snapshotFromProperties({{"Metadata", metadata}});
+}
+
+TEST(PlayerSnapshot, TextsComeFromWhateverAPlayerSends) {
+  const QVariant nested = QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant("a"))));
+  const std::pair<QVariant, const char*> cases[] = {
+      {"a", "a"},
+      {QStringList{"a", QString(), "b"}, "a, b"},
+      {QVariantList{"a", 7, nested}, "a, a"},
+      {nested, "a"},
+      {QVariant::fromValue(QDBusObjectPath("/t/1")), "/t/1"},
+      {QStringList(), ""},
+      {7, ""},
+      {true, ""},
+      {QByteArray("\xff\xfe"), ""},
+      {QVariantMap{{"a", 1}}, ""},
+      {QVariant(), ""},
+  };
+  for (const auto& [value, expected] : cases) {
+    EXPECT_EQ(textFromVariant(value).toStdString(), expected) << value.typeName();
+  }
+}
+
+TEST(PlayerSnapshot, OnlyFiniteNumbersAreNumbersAndLengthsHaveHoursWhenThereAreAny) {
+  constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(numberFromVariant(QVariant::fromValue<qlonglong>(-2)), -2);
+  for (const QVariant& other : {QVariant("2"), QVariant(true), QVariant(noNumber)}) {
+    EXPECT_EQ(numberFromVariant(other), std::nullopt);
+  }
+  EXPECT_EQ(secondsFromMicroseconds(QVariant::fromValue<qulonglong>(1'500'000)), 1.5);
+  EXPECT_EQ(secondsFromMicroseconds(-5), 0);
+  for (const auto& [seconds, microseconds] :
+       {std::pair(1.0000004, 1'000'000), {-1, 0}, {noNumber, 0}}) {
+    EXPECT_EQ(microsecondsFromSeconds(seconds), microseconds);
+  }
+  EXPECT_GT(microsecondsFromSeconds(1e300), 0);
+  for (const auto& [seconds, text] : {std::pair(-3.0, ""),
+                                      {0, ""},
+                                      {noNumber, ""},
+                                      {0.4, "0:00"},
+                                      {59.9, "0:59"},
+                                      {3599, "59:59"},
+                                      {3600, "1:00:00"},
+                                      {36'061, "10:01:01"}}) {
+    EXPECT_EQ(lengthText(seconds), text);
+  }
+}
+
+TEST(PlayerSnapshot, ATrackWithoutATitleGoesByItsFileAndAStreamIsElsewhereWithoutALength) {
+  struct Case {
+    const char* address;
+    qlonglong length;
+    const char* title;
+    bool isStream;
+  };
+  for (const Case& c : {Case{"file:///music/A%20%C3%BC.flac", 0, "A ü.flac", false},
+                        Case{"/music/plain name.flac", 0, "plain name.flac", false},
+                        Case{"http://radio.example/", 0, "radio.example", true},
+                        Case{"rtsp://radio.example/live", -1, "live", true},
+                        Case{"https://radio.example/song", 1, "song", false},
+                        Case{"file://host/song", 0, "song", false}, Case{"", 0, "", false}}) {
+    const auto snapshot =
+        withMetadata({{"xesam:url", QString::fromUtf8(c.address)}, {"mpris:length", c.length}});
+    EXPECT_EQ(snapshot.title, c.title) << c.address;
+    EXPECT_EQ(snapshot.isStream(), c.isStream) << c.address;
+  }
+}
+
+TEST(PlayerSnapshot, RatingsBelowZeroAndTrackIdsThatAreNoObjectPathsAreNone) {
+  const auto idOf = [](const QVariant& id) {
+    return withMetadata({{"mpris:trackid", id}}).trackId.toStdString();
+  };
+  EXPECT_EQ(idOf(QVariant::fromValue(QDBusObjectPath("/a"))), "/a");
+  for (const char* id : {"", "1", "/a/", "//", "/a b", "spotify:track:1",
+                         "/org/mpris/MediaPlayer2/TrackList/NoTrack"}) {
+    EXPECT_EQ(idOf(id), "") << id;
+  }
+  const auto rated = withMetadata({{"xesam:userRating", -0.5}, {"xesam:autoRating", 7.0}});
+  EXPECT_EQ(rated.userRating, std::nullopt);
+  EXPECT_EQ(rated.autoRating, 1.0);
+}
+
+}  // namespace
+}  // namespace desktop

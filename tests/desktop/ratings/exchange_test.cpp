@@ -1,0 +1,110 @@
+#include "desktop/ratings/exchange.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+class RatingsExchange : public testing::Test {
+ protected:
+  int import(RatingsStore& into, const std::string& text) {
+    std::ofstream(file, std::ios::binary) << text;
+    report.str("");
+    messages.str("");
+    return importRatings(into, file, report, messages);
+  }
+  std::string exported(RatingsStore& from) {
+    EXPECT_EQ(exportRatings(from, file, messages), EXIT_SUCCESS) << messages.str();
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  }
+  /// The report's counts, as they stand behind the file's name.
+  std::string counts() const { return report.str().substr(report.str().find(": ")); }
+
+  tests::TemporaryFolder folder;
+  const std::string file = folder.path() / "ratings.jsonl";
+  std::ostringstream report, messages;
+  RatingsStore store{folder.path() / "one.sqlite", messages};
+  RatingsStore other{folder.path() / "two.sqlite", messages};
+};
+
+TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder) {
+  const TrackIdentity named{.address = "blob:x",
+                            .artist = "Björk \"quoted\"\n",
+                            .album = "\\",
+                            .title = "\xFF malformed",
+                            .length = 215.6};
+  store.setTrackRating(named, 0);
+  store.setTrackLoved({.address = "/music/\xE9 %.flac", .title = "by address"}, false);
+  store.setAlbumRating(named, 100);
+  store.setAlbumLoved({.artist = "A", .album = "B"}, true);
+  const std::string lines = exported(store);
+  EXPECT_EQ(import(other, lines), EXIT_SUCCESS) << messages.str();
+  EXPECT_EQ(counts(), ": 4 added, 0 changed, 0 unchanged\n");
+  EXPECT_EQ(exported(other), lines);
+  EXPECT_EQ(other.trackMarks(named), (Marks{.rating = 0}));
+  EXPECT_EQ(import(other, lines), EXIT_SUCCESS);
+  EXPECT_EQ(counts(), ": 0 added, 0 changed, 4 unchanged\n");
+}
+
+TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
+  const auto line = [](const char* title, const char* marks, const char* year = nullptr) {
+    return R"({"kind":"track","title":")" + std::string(title) + "\"," + marks +
+           (year ? R"(,"ratingChanged":")" + std::string(year) + R"(-01-01T00:00:00Z"})" : "}") +
+           '\n';
+  };
+  ASSERT_EQ(import(store, line("newer", R"("rating":60)", "2021") +
+                              line("older", R"("rating":60)", "2020") +
+                              line("undated", R"("rating":60)") + line("half", R"("loved":true)")),
+            EXIT_SUCCESS);
+  ASSERT_EQ(import(store, "\xEF\xBB\xBF" + line("newer", R"("rating":20)", "2020") +
+                              line("OLDER", R"("rating":20)", "2021") +
+                              line("undated", R"("rating":20)") +
+                              line("half", R"("rating":20,"loved":false)") + "\r\n" +
+                              line("new", R"("loved":false)")),
+            EXIT_SUCCESS);
+  EXPECT_EQ(counts(), ": 1 added, 2 changed, 2 unchanged\n");
+  EXPECT_EQ(store.trackMarks({.title = "newer"}).rating, 60);
+  EXPECT_EQ(store.trackMarks({.title = "older"}).rating, 20);
+  EXPECT_EQ(store.trackMarks({.title = "undated"}).rating, 60);
+  EXPECT_EQ(store.trackMarks({.title = "half"}), (Marks{.rating = 20, .loved = true}));
+}
+
+TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
+  const std::string good = R"({"kind":"track","title":"good","rating":20})"
+                           "\n\n";
+  for (const std::string bad :
+       {"{", "[]", "{} {}", R"({"title":"C","rating":20})",
+        R"({"kind":"song","title":"C","rating":20})",
+        R"({"kind":"album","artist":"A","title":"C","rating":20})",
+        R"({"kind":"track","title":7,"rating":20})", R"({"kind":"track","title":"C"})",
+        R"({"kind":"track","address":"blob:1","rating":20})",
+        R"({"kind":"track","title":"C","rating":101})",
+        R"({"kind":"track","title":"C","rating":18446744073709551615})",
+        R"({"kind":"track","title":"C","rating":2.5})", R"({"kind":"track","title":"C","loved":1})",
+        R"({"kind":"track","title":"C","loved":true,"length":-1})",
+        R"({"kind":"track","title":"C","loved":true,"lovedChanged":"today"})",
+        "{\"kind\":\"track\",\"title\":\"\xFF\",\"rating\":20}"}) {
+    EXPECT_EQ(import(store, good + bad + '\n' + good), EXIT_FAILURE) << bad;
+    EXPECT_NE(messages.str().find("line 3: "), std::string::npos) << messages.str();
+    EXPECT_EQ(report.str(), "");
+  }
+  EXPECT_EQ(store.trackMarks({.title = "good"}), Marks{});
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "one.sqlite"));
+}
+
+TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
+  const std::string missing = folder.path() / "none/ratings.jsonl";
+  EXPECT_EQ(importRatings(store, missing, report, messages), EXIT_FAILURE);
+  EXPECT_EQ(exportRatings(store, missing, messages), EXIT_FAILURE);
+  EXPECT_NE(messages.str().find(missing), std::string::npos);
+}
+
+}  // namespace
+}  // namespace desktop

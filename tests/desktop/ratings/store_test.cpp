@@ -1,0 +1,239 @@
+#include "desktop/ratings/store.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <vector>
+
+#include "desktop/ratings/sqlite.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+const TrackIdentity song{
+    .address = "/music/a.flac", .artist = "A", .album = "B", .title = "C", .length = 215};
+
+std::string contents(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+class RatingsStoreTest : public testing::Test {
+ protected:
+  /// Does this in a file of the folder, the store's unless it has a name, and answers the file.
+  fs::path inDatabase(const char* sql, const char* name = nullptr) const {
+    const fs::path path = name != nullptr ? folder.path() / name : file;
+    Database database;
+    EXPECT_EQ(database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
+    EXPECT_EQ(database.execute(sql), SQLITE_OK);
+    return path;
+  }
+  std::vector<fs::path> damagedFiles() const {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(file.parent_path())) {
+      const std::string name = entry.path().filename();
+      if (name.starts_with("ratings-damaged-20") && name.ends_with(".sqlite")) {
+        found.push_back(entry.path());
+      }
+    }
+    return found;
+  }
+  std::ptrdiff_t lines() const {
+    const std::string all = messages.str();
+    return std::count(all.begin(), all.end(), '\n');
+  }
+
+  tests::TemporaryFolder folder;
+  const fs::path file = folder.path() / "data/virelune-widget/ratings.sqlite";
+  std::ostringstream messages;
+};
+
+TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
+  {
+    RatingsStore store(file, messages);
+    EXPECT_EQ(store.trackMarks(song), Marks{});
+    EXPECT_FALSE(fs::exists(file.parent_path())) << "reading made something";
+    EXPECT_TRUE(store.setTrackRating(song, 130));
+    EXPECT_TRUE(store.setAlbumLoved(song, true));
+    EXPECT_TRUE(store.setAlbumRating(song, -5));
+    EXPECT_FALSE(store.setTrackRating({.artist = "A"}, 20)) << "cannot be recognised again";
+  }
+  EXPECT_FALSE(fs::exists(file.native() + "-wal")) << "one file is all there is to back up";
+  RatingsStore one(file, messages), other(file, messages);
+  EXPECT_EQ(one.trackMarks(song), (Marks{.rating = 100}));
+  EXPECT_EQ(other.albumMarks(song), (Marks{.rating = 0, .loved = true}));
+  EXPECT_TRUE(one.setTrackLoved(song, false));
+  EXPECT_EQ(other.trackMarks(song), (Marks{.rating = 100, .loved = false}));
+  fs::remove_all(file.parent_path());
+  EXPECT_EQ(one.trackMarks(song), Marks{}) << "the store was removed";
+  EXPECT_TRUE(one.setTrackRating(song, 40));
+  EXPECT_EQ(other.trackMarks(song).rating, 40) << "the other one found the new store";
+  EXPECT_EQ(messages.str(), "");
+}
+
+TEST_F(RatingsStoreTest, MigrationIsAllOrNothingAndKeepsWhatIsThere) {
+  Database database;
+  ASSERT_EQ(database.open(folder.path() / "old", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), 0);
+  const char* const first[] = {"CREATE TABLE t (a); INSERT INTO t VALUES (7)"};
+  const char* const broken[] = {first[0], "ALTER TABLE t ADD b DEFAULT 8", "no statement"};
+  const char* const whole[] = {first[0], broken[1], "ALTER TABLE t ADD c DEFAULT 9"};
+  std::int64_t number = 0;
+  EXPECT_EQ(migrate(database, first), SQLITE_OK);
+  EXPECT_NE(migrate(database, broken), SQLITE_OK);
+  EXPECT_NE(database.readInteger("SELECT b FROM t", number), SQLITE_OK) << "half done";
+  EXPECT_EQ(migrate(database, whole), SQLITE_OK);
+  EXPECT_EQ(migrate(database, first), SQLITE_OK) << "an older program leaves it as it is";
+  EXPECT_EQ(database.readInteger("SELECT a * 100 + b * 10 + c FROM t", number), SQLITE_OK);
+  EXPECT_EQ(number, 789);
+}
+
+TEST_F(RatingsStoreTest, AStoreOfANewerVersionIsLeftAlone) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  inDatabase("PRAGMA user_version = 1000");
+  const std::string before = contents(file);
+  RatingsStore store(file, messages);
+  for (int again = 0; again < 2; ++again) {
+    EXPECT_EQ(store.trackMarks(song), Marks{});
+    EXPECT_FALSE(store.setTrackRating(song, 20));
+    EXPECT_FALSE(store.forEach([](const RatingsRecord&) { FAIL(); }));
+  }
+  EXPECT_EQ(contents(file), before);
+  EXPECT_EQ(lines(), 1) << messages.str();
+  EXPECT_NE(messages.str().find("newer version"), std::string::npos);
+}
+
+TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  const std::string sound = contents(file);
+  std::size_t count = 0;
+  for (const std::string& damaged :
+       {std::string(5000, 'x'), sound.substr(0, 600), std::string("SQLite format 3"),
+        sound.substr(0, 100) + std::string(sound.size() - 100, '\xFF'),
+        contents(inDatabase("CREATE TABLE t (a); PRAGMA user_version = 1", "foreign"))}) {
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << damaged;
+    messages.str("");
+    RatingsStore store(file, messages);
+    EXPECT_EQ(store.trackMarks(song), Marks{});
+    EXPECT_TRUE(store.setTrackRating(song, 20));
+    EXPECT_EQ(lines(), 1) << messages.str();
+    const auto kept = damagedFiles();
+    EXPECT_EQ(kept.size(), ++count);
+    EXPECT_TRUE(std::any_of(kept.begin(), kept.end(), [&](const fs::path& path) {
+      return contents(path) == damaged && messages.str().find(path) != std::string::npos;
+    })) << messages.str();
+  }
+}
+
+TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
+  RatingsStore one(file, messages), other(file, messages);
+  std::vector<RatingsRecord> many(500);
+  for (std::size_t i = 0; i < many.size(); ++i) {
+    many[i].identity = {.address = "/music/" + std::to_string(i) + ".flac"};
+    many[i].marks.rating = 40;
+  }
+  { ASSERT_TRUE(RatingsStore(file, messages).merge(many)); }
+  EXPECT_EQ(one.trackMarks(many[0].identity).rating, 40);
+  EXPECT_EQ(other.trackMarks(many[0].identity).rating, 40);
+  // All pages but the first, under both open connections; their logs were taken over before.
+  inDatabase("PRAGMA wal_checkpoint(TRUNCATE)");
+  std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(4096)
+      << std::string(fs::file_size(file) - 4096, '\xFF');
+  RatingsStore third(file, messages);
+  EXPECT_TRUE(third.setTrackRating(song, 80));
+  EXPECT_EQ(damagedFiles().size(), 1U);
+  EXPECT_EQ(lines(), 1) << messages.str();
+  EXPECT_TRUE(one.setTrackLoved(song, true));
+  EXPECT_EQ(other.trackMarks(song), (Marks{.rating = 80, .loved = true}));
+  EXPECT_EQ(damagedFiles().size(), 1U) << "a sound store was set aside";
+}
+
+TEST_F(RatingsStoreTest, ALockedFileIsNeitherWrittenNorWaitedFor) {
+  struct Case {
+    const char* lock;
+    Marks readable;  // by a widget that starts meanwhile
+  };
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  for (const Case& c : {Case{"BEGIN IMMEDIATE", {.rating = 60}},
+                        Case{"PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE", {}}}) {
+    Database other;
+    ASSERT_EQ(other.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
+    ASSERT_EQ(other.execute(c.lock), SQLITE_OK);
+    messages.str("");
+    RatingsStore store(file, messages);
+    const auto begin = std::chrono::steady_clock::now();
+    for (int click = 0; click < 10; ++click) {
+      EXPECT_FALSE(store.setTrackRating(song, click));
+      EXPECT_EQ(store.trackMarks(song), c.readable);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1)) << c.lock;
+    EXPECT_EQ(lines(), 1) << messages.str();
+    other.close();
+    EXPECT_TRUE(store.setTrackRating(song, 60));
+  }
+}
+
+/// The tests below run in a process of their own: they give up rights.
+using RatingsStoreDeathTest = RatingsStoreTest;
+
+TEST_F(RatingsStoreDeathTest, AReadOnlyFolderIsReadAndRefusesWrites) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  const auto setRights = [&](int rights) {
+    for (const fs::path& each : {folder.path(), folder.path() / "data", file.parent_path(), file}) {
+      fs::permissions(each, static_cast<fs::perms>(rights));
+    }
+  };
+  setRights(0555);
+  EXPECT_EXIT(
+      {
+        constexpr uid_t nobody = 65534;
+        if (::geteuid() == 0 && ::setuid(nobody) != 0) ::_exit(2);
+        RatingsStore store(file);
+        bool right = true;
+        for (int again = 0; again < 3; ++again) {
+          right = right && store.trackMarks(song).rating == 60;
+          right = right && !store.setTrackRating(song, 20) && !store.setTrackLoved(song, true);
+        }
+        ::_exit(right ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "^virelune-widget: [^\n]*\n$");
+  setRights(0700);
+}
+
+TEST_F(RatingsStoreDeathTest, AFullDiskRefusesWritesUntilThereIsSpace) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  EXPECT_EXIT(
+      {
+        std::signal(SIGXFSZ, SIG_IGN);
+        RatingsStore store(file);
+        bool right = store.setTrackRating(song, 40);
+        rlimit limit{};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = 16384;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        int last = 40;
+        while (last < 100 && store.setTrackRating(song, last + 1)) ++last;
+        right = right && last < 100 && !store.setTrackRating(song, 0);
+        right = right && store.trackMarks(song).rating == last;
+        limit.rlim_cur = limit.rlim_max;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        right = right && store.trackMarks(song).rating == last;
+        right = right && store.setTrackRating(song, 7);
+        ::_exit(right ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "^virelune-widget: [^\n]*\n$");
+  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 7);
+}
+
+}  // namespace
+}  // namespace desktop

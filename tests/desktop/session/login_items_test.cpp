@@ -1,0 +1,140 @@
+#include "desktop/session/login_items.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <iterator>
+#include <map>
+
+#include "extensions/login_items.h"
+#include "platform/application/bundle.h"
+#include "platform/platform.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+using Strings = std::vector<std::string>;
+
+/// Login items through the widget's own operations.
+class LoginItemsTest : public testing::Test {
+ protected:
+  LoginItemsTest() {
+    platform.scripting = &transport;
+    platform.mainBundle = &bundle;
+  }
+
+  void write(const std::string& name, const std::string& keys) const {
+    fs::create_directories(folder);
+    std::ofstream(folder / name) << "[Desktop Entry]\n" << keys;
+  }
+  std::map<std::string, std::string> files() const {
+    std::map<std::string, std::string> all;
+    if (!fs::exists(folder)) return all;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      std::ifstream stream(entry.path());
+      all[entry.path().filename()] = {std::istreambuf_iterator<char>(stream), {}};
+    }
+    return all;
+  }
+  Strings paths() const {
+    const auto items = virelune::vl_SystemEventsApplication()->loginItems();
+    Strings all;
+    for (std::int64_t i = 0; i < items.count(); ++i) {
+      all.push_back(items.objectAtIndex(i)->path().value_or("none"));
+    }
+    return all;
+  }
+  tests::TemporaryFolder temporary;
+  const fs::path folder = temporary.path() / "config/autostart";
+  const std::string ownBundle = "/opt/virelune/share/virelune-widget";
+  const std::string executable = "/opt/virelune/bin/virelune-widget";
+  LoginItems transport{{folder, ownBundle, executable, "--wait"}, nullptr};
+  platform::NSBundle bundle{ownBundle, {}};
+  platform::Platform platform;
+  platform::PlatformScope scope{platform};
+};
+
+TEST_F(LoginItemsTest, LaunchAtLoginSwitchesOnAndOffAmongForeignEntries) {
+  write("z.desktop", "Type=Application\nExec=/usr/bin/z --quiet %U\n");
+  write("a.desktop", "Type=Application\nExec=\"/opt/a b/run\" \"x y\"\n# kept\n");
+  const auto before = files();
+  EXPECT_TRUE(virelune::vl_setLaunchingAtLogin(true));
+  EXPECT_TRUE(virelune::vl_isLaunchingAtLogin());
+  EXPECT_EQ(paths(), (Strings{"/opt/a b/run", "/usr/bin/z", ownBundle}));
+  EXPECT_TRUE(virelune::vl_SystemEventsApplication()
+                  ->loginItems()
+                  .objectAtIndex(2)
+                  ->propertyWithCode(platform::code("hidn"))
+                  ->boolValue());
+  EXPECT_NE(
+      files().at("virelune-widget.desktop").find("\nExec=\"" + executable + "\" \"--wait\"\n"),
+      std::string::npos)
+      << "the session starts the program, not its bundle";
+  EXPECT_TRUE(virelune::vl_setLaunchingAtLogin(false));
+  EXPECT_EQ(files(), before);
+}
+
+TEST_F(LoginItemsTest, NewItemsComeLastInTheOrderOfTheirMaking) {
+  write("zz.desktop", "Type=Application\nExec=/usr/bin/zz\n");
+  for (const char* program : {"/usr/bin/y", "/usr/bin/b", "/opt/y"}) {
+    EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden(program, false));
+  }
+  EXPECT_EQ(paths(), (Strings{"/usr/bin/zz", "/usr/bin/y", "/usr/bin/b", "/opt/y"}));
+  EXPECT_TRUE(virelune::vl_removeLoginItemWithPath("/USR/bin/B"));
+  EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden("/usr/bin/b", false));
+  EXPECT_EQ(paths(), (Strings{"/usr/bin/zz", "/usr/bin/y", "/opt/y", "/usr/bin/b"}));
+}
+
+TEST_F(LoginItemsTest, OddPathsComeBackAsTheyWereAndEndNoLine) {
+  for (const std::string path : {"/a b/c", "/%f/%%/100%", "/q\"u'o`t$e\\d", "/line\nExec=evil\r\t",
+                                 "/\xC3\xA9/;#=", "/ ", "/back\\n\\s\\"}) {
+    ASSERT_TRUE(virelune::vl_addLoginItemWithPath_hidden(path, true)) << path;
+    EXPECT_EQ(paths(), Strings{path});
+    const std::string text = files().begin()->second;
+    EXPECT_EQ(text.find("\nExec="), text.rfind("\nExec=")) << text;
+    EXPECT_TRUE(virelune::vl_removeLoginItemWithPath(path));
+    EXPECT_TRUE(files().empty());
+  }
+  EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden(std::string("/a\0b", 4), true));
+}
+
+TEST_F(LoginItemsTest, OnlyWhatTheSessionStartsIsALoginItem) {
+  const std::string application = "Type=Application\n";
+  write("deleted.desktop", application + "Exec=x\nHidden=true\n");
+  write("off.desktop", application + "Exec=x\nX-GNOME-Autostart-enabled=false\n");
+  write("link.desktop", "Type=Link\nURL=https://host/\n");
+  write("empty.desktop", application);
+  write("open.desktop", application + "Exec=\"x\n");
+  write("notes.txt", application + "Exec=x\n");
+  ASSERT_EQ(::mkfifo((folder / "pipe.desktop").c_str(), 0600), 0);
+  EXPECT_EQ(paths(), Strings{});
+  // An entry of ours that the user switched off counts as none, and is replaced.
+  EXPECT_TRUE(virelune::vl_setLaunchingAtLogin(true));
+  std::ofstream(folder / "virelune-widget.desktop", std::ios::app) << "Hidden=true\n";
+  EXPECT_FALSE(virelune::vl_isLaunchingAtLogin());
+  EXPECT_TRUE(virelune::vl_setLaunchingAtLogin(true));
+  EXPECT_EQ(paths(), Strings{ownBundle});
+}
+
+TEST_F(LoginItemsTest, WhatCannotBeDoneIsNotAnswered) {
+  const auto answers = [this](platform::ScriptingRequest::Kind kind, std::int64_t index) {
+    return transport
+        .send({.bundleIdentifier = "com.apple.systemevents",
+               .kind = kind,
+               .path = {{platform::code("logi"), index}}})
+        .has_value();
+  };
+  write("a.desktop", "Type=Application\nExec=a\n");
+  EXPECT_TRUE(answers(platform::ScriptingRequest::Kind::resolve, 0));
+  EXPECT_FALSE(answers(platform::ScriptingRequest::Kind::resolve, 1));
+  EXPECT_FALSE(answers(platform::ScriptingRequest::Kind::remove, -1));
+  fs::remove_all(folder.parent_path());
+  std::ofstream(folder.parent_path()) << "a file where the folder should be";
+  EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden("/usr/bin/a", false));
+}
+
+}  // namespace
+}  // namespace desktop

@@ -1,0 +1,213 @@
+#include "desktop/window/card.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEventLoop>
+#include <QtCore/QTimer>
+#include <vector>
+
+#include "desktop/window/card_style.h"
+#include "desktop/window/card_surface.h"
+#include "desktop/window/mouse_input.h"
+#include "platform/platform.h"
+
+namespace {
+
+using platform::NSEventType;
+using platform::NSMakeRect;
+using platform::NSPoint;
+using platform::NSRect;
+
+/// Notes how often it is drawn, and its mouse events.
+class NotingView : public platform::NSView {
+ public:
+  using NSView::NSView;
+  void drawRect(NSRect) override { ++drawings; }
+  void mouseDown(const platform::NSEvent* event) override { events.push_back(*event); }
+  void mouseDragged(const platform::NSEvent* event) override { events.push_back(*event); }
+  void mouseUp(const platform::NSEvent* event) override { events.push_back(*event); }
+
+  int drawings = 0;
+  std::vector<platform::NSEvent> events;
+};
+
+class FakeWidget : public platform::NSViewController, public platform::NCWidgetProviding {
+ public:
+  bool init() override {
+    setView(platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64)));
+    for (auto [child, x] :
+         {std::pair(&left, 0.0), std::pair(&middle, 100.0), std::pair(&right, 300.0)}) {
+      *child = platform::make<NotingView>(NSMakeRect(x, 0, 20, 20));
+      view()->addSubview(*child);
+    }
+    setPreferredContentSize({320, 64});
+    return true;
+  }
+  void viewWillAppear() override { appeared = true; }
+  void viewWillDisappear() override { appeared = false; }
+  void widgetPerformUpdateWithCompletionHandler(
+      const std::function<void(platform::NCUpdateResult)>& handler) override {
+    handler(platform::NCUpdateResult::newData);
+  }
+  platform::NSEdgeInsets widgetMarginInsetsForProposedMarginInsets(
+      platform::NSEdgeInsets) override {
+    return platform::NSEdgeInsetsZero;
+  }
+  bool widgetAllowsEditing() const override { return allowsEditing; }
+  void widgetDidBeginEditing() override { editing.push_back(true); }
+  void widgetDidEndEditing() override { editing.push_back(false); }
+
+  std::shared_ptr<NotingView> left, middle, right;
+  bool appeared = false;
+  bool allowsEditing = true;
+  std::vector<bool> editing;
+};
+
+class CardTest : public testing::Test {
+ protected:
+  CardTest() { platform_.graphics = &graphics_; }
+
+  void click(NSPoint point) {
+    for (const auto type : {NSEventType::leftMouseDown, NSEventType::leftMouseUp}) {
+      card_.window().sendEvent({.type = type, .locationInWindow = point, .clickCount = 1});
+    }
+  }
+
+  platform::Platform platform_;
+  platform::PlatformScope scope_{platform_};
+  desktop::QtGraphics graphics_{desktop::opaqueLabelColor};
+  std::shared_ptr<FakeWidget> widget_ = platform::make<FakeWidget>();
+  desktop::Card card_{widget_, "Name"};
+
+  // In the header, 24 points high above the widget's 64.
+  const NSPoint closeControl_{305, 76};
+  const NSPoint editControl_{285, 76};
+  const NSPoint title_{40, 76};
+};
+
+TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
+  int closings = 0;
+  card_.header().setCloseHandler([&] { ++closings; });
+  EXPECT_TRUE(card_.header().isHandle(title_));
+  EXPECT_FALSE(card_.header().isHandle(closeControl_));
+  EXPECT_FALSE(card_.header().isHandle(editControl_));
+  EXPECT_FALSE(card_.header().isHandle({40, 63}));
+  for (const NSPoint point : {editControl_, title_, editControl_}) click(point);
+  EXPECT_EQ(widget_->editing, (std::vector<bool>{true, false}));
+  EXPECT_EQ(closings, 0);
+  click(closeControl_);
+  EXPECT_EQ(closings, 1);
+
+  const auto fixed = platform::make<FakeWidget>();
+  fixed->allowsEditing = false;
+  EXPECT_TRUE(desktop::Card(fixed, "Name").header().isHandle(editControl_));
+}
+
+TEST_F(CardTest, PicturesAreTransparentAroundTheCornersOnly) {
+  const QImage picture = card_.picture(1, platform::Appearance::light);
+  EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
+  EXPECT_GT(qAlpha(picture.pixel(160, 44)), 240);
+  card_.setTranslucent(false);
+  EXPECT_EQ(qAlpha(card_.picture(1, platform::Appearance::light).pixel(0, 0)), 255);
+}
+
+class CardWindowTest : public CardTest {
+ protected:
+  CardWindowTest() {
+    window_.setPaintObserver([this](const QRegion& region) {
+      painted_ += region;
+      wasReady_ = widget_->appeared;
+    });
+  }
+
+  /// Lets events run until something has been painted, and a little longer.
+  void runUntilPainted() {
+    painted_ = {};
+    for (int i = 0; i < 250 && painted_.isEmpty(); ++i) runEvents();
+    runEvents();
+  }
+  static void runEvents() {
+    QEventLoop loop;
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+  }
+  void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButtons buttons,
+                 Qt::KeyboardModifiers modifiers = Qt::NoModifier, quint64 timestamp = 0) {
+    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, position, position, button, buttons, modifiers);
+    event.setTimestamp(timestamp);
+    QCoreApplication::sendEvent(&window_, &event);
+  }
+  void press(quint64 timestamp, QPointF position = {110, 78},
+             Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    sendMouse(QEvent::MouseButtonPress, position, Qt::LeftButton, modifiers, timestamp);
+  }
+  void release() { sendMouse(QEvent::MouseButtonRelease, {110, 78}, Qt::NoButton); }
+
+  desktop::CardSurface window_{card_, graphics_, "Name", false};
+  QRegion painted_;
+  bool wasReady_ = false;
+};
+
+TEST_F(CardWindowTest, PaintsWhatWasMarkedAndNothingBetween) {
+  window_.open();
+  runUntilPainted();
+  window_.update();  // off screen, the first update is always a whole one
+  runUntilPainted();
+  for (const auto& view : {widget_->left, widget_->middle, widget_->right}) view->drawings = 0;
+  widget_->left->setNeedsDisplay(true);
+  widget_->right->setNeedsDisplayInRect(NSMakeRect(5, 5, 4, 4));
+  runUntilPainted();
+  EXPECT_EQ(painted_, QRegion(0, 68, 20, 20) + QRegion(305, 79, 4, 4));
+  EXPECT_GE(widget_->left->drawings, 1);
+  EXPECT_EQ(widget_->middle->drawings, 0);
+  EXPECT_GE(widget_->right->drawings, 1);
+}
+
+TEST_F(CardWindowTest, FollowsTheSizeInPlaceAndTellsTheWidgetWhenItIsSeen) {
+  window_.setPosition(100, 50);
+  window_.open();
+  runUntilPainted();
+  EXPECT_TRUE(wasReady_);
+  const QPoint corner = window_.position();
+  widget_->setPreferredContentSize({320, 30});
+  runUntilPainted();
+  EXPECT_EQ(window_.size(), QSize(320, 54));
+  EXPECT_EQ(window_.position(), corner);
+  window_.hide();
+  runEvents();
+  EXPECT_FALSE(widget_->appeared);
+}
+
+TEST_F(CardWindowTest, MouseEventsCountUpwardsWithClicksAndTheOptionKey) {
+  press(1000, {110, 78}, Qt::AltModifier);
+  release();
+  for (const auto& [time, position] :
+       {std::pair(1100, QPointF(110, 78)), std::pair(5000, QPointF(110, 78)),
+        std::pair(5100, QPointF(104, 72))}) {
+    press(static_cast<quint64>(time), position);
+    release();
+  }
+  std::vector<std::int64_t> clicks;
+  for (const auto& event : widget_->middle->events) {
+    if (event.type == NSEventType::leftMouseDown) clicks.push_back(event.clickCount);
+  }
+  EXPECT_EQ(clicks, (std::vector<std::int64_t>{1, 2, 1, 1}));
+  const platform::NSEvent& first = widget_->middle->events.front();
+  EXPECT_EQ(first.locationInWindow, (NSPoint{110, 10}));
+  EXPECT_EQ(first.modifierFlags, platform::NSEventModifierFlagOption);
+}
+
+TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
+  press(1000);
+  sendMouse(QEvent::MouseMove, {111, 78}, Qt::LeftButton);
+  EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 1U);
+  const auto heard = widget_->middle->events.size();
+  sendMouse(QEvent::MouseMove, {112, 78}, Qt::NoButton);
+  EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U);
+  release();
+  EXPECT_EQ(widget_->middle->events.size(), heard);
+}
+
+}  // namespace

@@ -1,0 +1,64 @@
+#include "platform/foundation/property_list.h"
+
+#include <gtest/gtest.h>
+
+using namespace std::string_literals;
+using platform::Array;
+using platform::Dictionary;
+using platform::Value;
+
+namespace {
+
+std::optional<Value> read(const std::string& bytes) {
+  return platform::propertyListFromData(platform::Data::fromText(bytes));
+}
+
+/// A binary list of these objects, the first one at the top.
+std::string binary(const std::vector<std::string>& objects) {
+  std::string bytes = "bplist00";
+  std::string table;
+  for (const std::string& object : objects) {
+    table += static_cast<char>(bytes.size());
+    bytes += object;
+  }
+  const auto tableOffset = static_cast<char>(bytes.size());
+  return bytes + table + "\0\0\0\0\0\0\1\1"s + std::string(7, '\0') +
+         static_cast<char>(objects.size()) + std::string(15, '\0') + tableOffset;
+}
+
+const std::string head = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
+
+}  // namespace
+
+TEST(PropertyList, OfEitherFormIsRead) {
+  EXPECT_EQ(read(head + "<dict><key>on</key><true/><key>n</key><integer>-3</integer><key>list</key>"
+                        "<array><string>é&#65;</string><real>0.5</real></array></dict></plist>"),
+            Value(Dictionary{{"on", true}, {"n", -3}, {"list", Array{"éA", 0.5}}}));
+  EXPECT_EQ(read(binary({"\xA2\1\1", "\x51x"})), Value(Array{"x", "x"}));
+  EXPECT_EQ(read(binary({"\xD1\1\2"s, "\x51k", "\x5F\x10\1v"})), Value(Dictionary{{"k", "v"}}));
+}
+
+TEST(PropertyList, RefusesWhatIsMalformedOrWhatItsLibraryCannotCopeWith) {
+  std::string deep = head;
+  for (int i = 0; i < 200000; ++i) deep += "<array>";
+  const std::string bad[] = {
+      "",
+      "\0\0\0"s,
+      "{}",
+      "bplist00",
+      head + "<dict><key>on</key>",
+      deep,
+      head + "<dict><key>&#x00;</key><true/></dict></plist>",
+      binary({"\xD1\1\2"s, "\x51k", "\x51v"}).substr(0, 30),
+      binary({"\xD1\1\2"s, "\x52k\0"s, "\x51v"}),  // a zero character in a key
+      binary({"\xD1\1\2"s, "\x61\0\0"s, "\x51v"}),
+      binary({"\xA2\1\1", "\xA2\2\2", "\x51x"}),  // unrolls to double its size each level
+      binary({"\xA1\0"s}),                        // holds itself
+      binary({"\xA1\7"}),
+      binary({"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}),
+      binary({})};
+  for (const std::string& bytes : bad) {
+    const auto value = read(bytes);
+    EXPECT_FALSE(value && !(value->as<Dictionary>() && value->as<Dictionary>()->empty())) << bytes;
+  }
+}

@@ -1,0 +1,138 @@
+#include <cmath>
+#include <limits>
+
+#include "platform/application/bundle.h"
+#include "platform/foundation/text.h"
+#include "platform/foundation/url_components.h"
+#include "tests/support/widget_fixture.h"
+
+namespace tests {
+namespace {
+
+using platform::Array;
+using platform::Dictionary;
+using platform::Number;
+using platform::URL;
+using platform::Value;
+
+TEST(Values, NumbersConvertWithinTheirRangeAndCompareByAmount) {
+  EXPECT_EQ(Number(1e300).integerValue(), std::numeric_limits<std::int64_t>::max());
+  EXPECT_EQ(Number(-1e300).integerValue(), std::numeric_limits<std::int64_t>::min());
+  EXPECT_EQ(Number(std::nan("")).integerValue(), 0);
+  EXPECT_EQ(Number(-2.9).integerValue(), -2);
+  EXPECT_EQ(Value(true), Value(1));
+  EXPECT_EQ(Value(2), Value(2.0));
+  EXPECT_FALSE(Value(9007199254740993) == Value(9007199254740992));
+  EXPECT_FALSE(Value("1") == Value(1));
+  EXPECT_EQ(Value(Dictionary{{"a", Array{1, "x"}}}), Value(Dictionary{{"a", Array{1.0, "x"}}}));
+  EXPECT_FALSE(Value().as<std::string>());
+  EXPECT_TRUE(Value(true).as<Number>());
+  EXPECT_FALSE(Value(1).as<bool>());
+}
+
+TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
+  EXPECT_TRUE(platform::caseInsensitiveEqual("BEATS 1", "beats 1"));
+  EXPECT_TRUE(platform::caseInsensitiveEqual("STRASSE", "straße"));
+  EXPECT_TRUE(platform::caseInsensitiveEqual("\u00C9t\u00E9", "e\u0301TE\u0301"));
+  EXPECT_TRUE(platform::caseInsensitiveEqual("ΣΊΣΥΦΟΣ", "σίσυφος"));
+  EXPECT_FALSE(platform::caseInsensitiveEqual("Beats 1", "Beats 1 "));
+  EXPECT_FALSE(platform::caseInsensitiveEqual("\xFF", "\xFE"));
+  EXPECT_FALSE(platform::caseInsensitiveEqual("resume", "résumé"));
+}
+
+TEST(Texts, DisplayableTextIsWholeCharactersWithoutControls) {
+  EXPECT_EQ(platform::displayableText(std::string("a\0b\x1B\nc", 6), 100), "a b \nc");
+  EXPECT_EQ(platform::displayableText("日本語", 7), "日本");
+  EXPECT_EQ(platform::displayableText("\xC3(", 100), "\xEF\xBF\xBD(");
+  EXPECT_EQ(platform::displayableText(std::string(1'000'000, 'x'), 4000).size(), 4000U);
+  EXPECT_EQ(platform::repairedUTF8("ok\xE2\x82"), "ok\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(Addresses, AreTakenOnlyWhenWellFormed) {
+  for (const char* good : {"http://www.virelune.org", "mailto:hello@virelune.org",
+                           "http://http://a.org", "https://[::1]:80/a%20b?q=1#f", "file:///a"}) {
+    EXPECT_TRUE(URL::fromText(good)) << good;
+  }
+  for (const char* bad :
+       {"", "www.virelune.org", "mailto:a b@c", "http://a b/", "http://a/%zz", "1http://a",
+        "http://a:99999/", "http://a/\xC3\xA9", "http://a/#b#c", "http://a:b:c/", "http://a/%4"}) {
+    EXPECT_FALSE(URL::fromText(bad)) << bad;
+  }
+  EXPECT_EQ(URL::fileURLWithPath("/a b/ü?#%.jpg")->absoluteString(),
+            "file:///a%20b/%C3%BC%3F%23%25.jpg");
+  EXPECT_EQ(URL::fileURLWithPath("/a b/ü?#%.jpg")->filePath(), "/a b/ü?#%.jpg");
+  EXPECT_FALSE(URL::fromText("file://other/a")->filePath());
+  EXPECT_FALSE(URL::fromText("file:///a%00b")->filePath());
+  EXPECT_EQ(URL::fromText("HTTP://user@Host:80/p?q")->host(), "Host");
+}
+
+std::string afterAppendingItem(const std::string& address) {
+  auto components = platform::NSURLComponents::componentsWithString(address);
+  if (!components) return "none";
+  auto items =
+      components->percentEncodedQueryItems().value_or(std::vector<platform::NSURLQueryItem>());
+  items.push_back({"at", "1"});
+  components->setPercentEncodedQueryItems(items);
+  components->setScheme("x");
+  const auto url = components->url();
+  return url ? url->absoluteString() : "no address";
+}
+
+TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
+  const std::pair<const char*, const char*> table[] = {
+      {"https://h/p", "x://h/p?at=1"},
+      {"https://h/p?", "x://h/p?at=1"},
+      {"https://h/p?a=%2B&&b&c==&d=%26#f?g", "x://h/p?a=%2B&&b&c==&d=%26&at=1#f?g"},
+      {"//h/p?a:b", "x://h/p?a:b&at=1"},
+      {"mailto:a@b", "x:a@b?at=1"},
+      {"https://h/a b", "none"},
+      {"https://h:99999/", "none"},
+      {"https://h/%zz", "none"},
+      {"1nvalid://h/", "none"}};
+  for (const auto& [before, after] : table) EXPECT_EQ(afterAppendingItem(before), after) << before;
+}
+
+TEST(Addresses, ComponentsAppendToFoldersWithAndWithoutATrailingSlash) {
+  for (const char* folder : {"file:///a", "file:///a/"}) {
+    const auto url = platform::URLByAppendingPathComponent(*URL::fromText(folder), "b %?#ü", false);
+    EXPECT_EQ(url->absoluteString(), "file:///a/b%20%25%3F%23%C3%BC");
+    EXPECT_EQ(platform::URLByAppendingPathExtension(*url, "plist")->filePath(), "/a/b %?#ü.plist");
+  }
+  EXPECT_EQ(platform::URLByAppendingPathComponent(*URL::fromText("file:///a"), "b", true)
+                ->absoluteString(),
+            "file:///a/b/");
+}
+
+TEST(Text, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
+  EXPECT_TRUE(platform::caseInsensitiveContains("STRASSE 7", "straße"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("cafe\u0301", "cafe"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("cafe\u0301 cafe", "cafe"));
+  EXPECT_TRUE(platform::caseInsensitiveContains("\377bar", "bar"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("\377bar", "BAR"));
+  EXPECT_FALSE(platform::caseInsensitiveContains("bar", ""));
+}
+
+class Bundles : public WidgetFixture {
+ protected:
+  std::string text(std::vector<std::string> languages, const std::string& key) {
+    const auto other = platform::NSBundle::bundleWithPath(bundlePath(), std::move(languages));
+    return other->localizedStringForKey_table(key, std::nullopt);
+  }
+};
+
+TEST_F(Bundles, TextsComeInTheBestLanguageThatIsThere) {
+  const std::string key = "0001.0001";
+  const std::string english = text({}, key);
+  EXPECT_NE(english, key);
+  EXPECT_EQ(text({"xx-YY"}, key), english);
+  EXPECT_NE(text({"de-AT"}, key), english);
+  EXPECT_EQ(text({"de_AT"}, key), text({"de"}, key));
+  EXPECT_EQ(text({"zh-CN"}, key), text({"zh-Hans-CN"}, key));
+  EXPECT_NE(text({"zh-CN"}, key), english);
+  EXPECT_EQ(text({"xx", "pt-BR"}, key), text({"pt"}, key));
+  EXPECT_EQ(text({"de"}, "no such key"), "no such key");
+}
+
+}  // namespace
+}  // namespace tests

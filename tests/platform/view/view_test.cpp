@@ -1,0 +1,158 @@
+#include "platform/view/view.h"
+#include "platform/graphics/canvas.h"
+
+#include "platform/view/button.h"
+#include "platform/view/view_controller.h"
+#include "tests/support/listener.h"
+#include "tests/support/widget_fixture.h"
+
+namespace tests {
+namespace {
+
+using platform::NSEvent;
+using platform::NSEventType;
+using platform::NSMakeRect;
+using platform::NSRect;
+using platform::NSView;
+using testing::ElementsAre;
+
+class Controller : public platform::NSViewController {
+ public:
+  Controller(std::vector<std::string>& log, std::string name) : log_(log), name_(std::move(name)) {}
+  void viewWillAppear() override {
+    log_.push_back("+" + name_);
+    if (onAppearing) onAppearing();
+  }
+  void viewWillDisappear() override {
+    log_.push_back("-" + name_ + (view()->window() != nullptr ? "" : ", without a window"));
+  }
+  std::function<void()> onAppearing;
+
+ private:
+  std::vector<std::string>& log_;
+  std::string name_;
+};
+
+/// Writes down its mouse events.
+class Filled : public NSView {
+ public:
+  using NSView::NSView;
+  void drawRect(NSRect) override {
+    platform::setCurrentColor(platform::NSColor::grayColor());
+    platform::NSRectFillUsingOperation(bounds(), platform::NSCompositeSourceOver);
+  }
+  void mouseDown(const NSEvent*) override { note('d'); }
+  void mouseDragged(const NSEvent*) override { note('m'); }
+  void mouseUp(const NSEvent*) override { note('u'); }
+  std::string events;  ///< with the buttons that were pressed then
+
+ private:
+  void note(char event) { events += event + std::to_string(NSEvent::pressedMouseButtons()); }
+};
+
+class Views : public WidgetFixture {
+ protected:
+  Views() { window->setContentView(root); }
+  std::shared_ptr<Controller> makeController(const std::string& name) {
+    auto controller = platform::make<Controller>(log, name);
+    controller->setView(platform::make<NSView>(NSMakeRect(0, 0, 10, 10)));
+    return controller;
+  }
+  template <class View>
+  std::shared_ptr<View> add(NSRect frame) {
+    auto view = platform::make<View>(frame);
+    root->addSubview(view);
+    return view;
+  }
+  std::vector<DrawingStep> display(NSRect rect) {
+    RecordingCanvas canvas;
+    window->display(canvas, rect);
+    EXPECT_TRUE(canvas.isBalanced());
+    return canvas.steps();
+  }
+  std::vector<std::string> log;
+  std::shared_ptr<NSView> root = platform::make<NSView>(NSMakeRect(0, 0, 100, 50));
+};
+
+TEST_F(Views, ControllersAreToldOnceWhenTheirViewComesAndWhileItStillHasItsWindowGoes) {
+  const auto outer = makeController("outer");
+  const auto inner = makeController("inner");
+  const auto added = makeController("added meanwhile");
+  auto destroyed = makeController("destroyed");
+  outer->onAppearing = [&] { outer->view()->addSubview(added->view()); };
+  window->setContentView(outer->view());
+  window->setVisible(true);
+  window->setVisible(true);
+  outer->view()->addSubview(inner->view());
+  inner->view()->removeFromSuperview();
+  outer->view()->addSubview(destroyed->view());
+  destroyed.reset();
+  window->setVisible(false);
+  EXPECT_THAT(log, ElementsAre("+outer", "+added meanwhile", "+inner", "-inner", "+destroyed",
+                               "-outer", "-added meanwhile"));
+}
+
+TEST_F(Views, MarksAreInWindowCoordinatesAndCutToWhatTheParentsShow) {
+  const auto view = add<NSView>(NSMakeRect(10, -7, 20, 14));
+  marked.clear();
+  view->setNeedsDisplay(true);
+  EXPECT_THAT(marked, ElementsAre(NSMakeRect(10, 0, 20, 7)));
+  marked.clear();
+  view->setHidden(true);
+  view->setNeedsDisplay(true);
+  EXPECT_THAT(marked, ElementsAre(NSMakeRect(10, 0, 20, 7)));
+}
+
+TEST_F(Views, DisplayDrawsOnlyWhatMeetsTheRectangleWithItsOpacity) {
+  add<Filled>(NSMakeRect(0, 0, 10, 10));
+  add<Filled>(NSMakeRect(50, 5, 10, 10))->setAlphaValue(0.5);
+  const auto steps = display(NSMakeRect(45, 0, 20, 20));
+  ASSERT_EQ(steps.size(), 1U);
+  EXPECT_EQ(steps[0].rect, NSMakeRect(50, 5, 10, 10));
+  EXPECT_DOUBLE_EQ(steps[0].alpha, 0.5);
+}
+
+TEST_F(Views, PressedViewGetsDragsAndReleaseWhereverThePointerGoesUntilItIsRemoved) {
+  auto left = add<Filled>(NSMakeRect(0, 0, 10, 10));
+  const auto right = add<Filled>(NSMakeRect(50, 0, 10, 10));
+  sendMouse(NSEventType::leftMouseDown, {5, 5});
+  sendMouse(NSEventType::leftMouseDragged, {55, 5});
+  sendMouse(NSEventType::leftMouseUp, {500, 500});
+  EXPECT_EQ(left->events, "d1m1u0");
+  EXPECT_FALSE(platform_.application->currentEvent());
+
+  sendMouse(NSEventType::leftMouseDown, {5, 5});
+  left->removeFromSuperview();
+  left.reset();
+  sendMouse(NSEventType::leftMouseUp, {55, 5});
+  EXPECT_EQ(right->events, "");
+  EXPECT_EQ(NSEvent::pressedMouseButtons(), 0U);
+}
+
+TEST_F(Views, ButtonClicksOnlyWhenReleasedInsideAndItsTargetLives) {
+  const auto button = add<platform::NSButton>(NSMakeRect(0, 0, 20, 20));
+  auto target = platform::make<Listener>();
+  button->setTarget(target);
+  click({5, 5});
+  EXPECT_EQ(target->count, 0) << "no action set yet";
+  button->setAction(&Listener::clicked);
+  click({5, 5});
+  sendMouse(NSEventType::leftMouseDown, {5, 5});
+  sendMouse(NSEventType::leftMouseUp, {25, 5});
+  EXPECT_EQ(target->count, 1);
+  target.reset();
+  click({5, 5});
+  button->setTarget(makeController("other class"));
+  click({5, 5});
+}
+
+TEST_F(Views, ImageKeepsItsProportionsInTheButton) {
+  const auto button = add<platform::NSButton>(NSMakeRect(0, 0, 40, 20));
+  button->setBordered(false);
+  button->setImageScaling(platform::NSImageScaling::proportionallyUpOrDown);
+  button->setImage(platform::make<TestImage>("square", platform::NSSize{10, 10}));
+  EXPECT_EQ(display(root->bounds()).at(0).rect, NSMakeRect(10, 0, 20, 20));
+}
+
+}  // namespace
+}  // namespace tests
