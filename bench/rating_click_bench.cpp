@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr double kLimit = 0.2;  // milliseconds
+constexpr double limit = 0.2;  // milliseconds
 
-constexpr const char* kRule =
+constexpr const char* loveRule =
     "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>UseAutoLove</key><true/>"
     "<key>UseAutoLoveValue</key><integer>80</integer></dict></plist>";
 
@@ -44,9 +44,9 @@ int main(int argc, char** argv) {
     desktop::Composition composition;
     if (composition.openBundle(VIRELUNE_BENCH_BUNDLE)) {
       demo::DemoPlayer& player = composition.useDemo();
-      player.launch(demo::kPlaying);
+      player.launch(demo::statePlaying);
       const auto file = virelune::vl_applicationPreferencesURLForPlistGeneral();
-      if (file) std::ofstream(file->filePath().value_or("")) << kRule;
+      if (file) std::ofstream(file->filePath().value_or("")) << loveRule;
       click = medianClick();
       // Proof that the rule was on: a track rated 40 is not loved, one rated 100 is.
       virelune::vl_setCurrentTrackRating(100);
@@ -54,6 +54,6 @@ int main(int argc, char** argv) {
     }
   }
   std::filesystem::remove_all(folder);
-  std::printf("rating click, rule on: median %.4f ms, at most %.1f\n", click, kLimit);
-  return click >= 0 && click <= kLimit ? EXIT_SUCCESS : EXIT_FAILURE;
+  std::printf("rating click, rule on: median %.4f ms, at most %.1f\n", click, limit);
+  return click >= 0 && click <= limit ? EXIT_SUCCESS : EXIT_FAILURE;
 }

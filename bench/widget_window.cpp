@@ -35,7 +35,7 @@ Milliseconds since(std::int64_t started) {
 
 void refresh() {
   platform::current().distributedCenter->postNotification(
-      platform::NSNotification(desktop::kPlayerInfoNotification));
+      platform::NSNotification(desktop::playerInfoNotification));
 }
 
 int start(desktop::CardSurface& window) {
@@ -140,7 +140,7 @@ class Signals final : public QObject {
     }
     // A command makes the bridge forget what it knew, so this refresh asks the player anew.
     auto* scripting = platform::current().scripting;
-    scripting->send({.bundleIdentifier = desktop::kPlayerBundleIdentifier,
+    scripting->send({.bundleIdentifier = desktop::playerBundleIdentifier,
                      .kind = platform::ScriptingRequest::Kind::set,
                      .path = {{platform::code("pPos"), std::nullopt}},
                      .value = 10.0 + left_});
@@ -175,7 +175,7 @@ int main(int argc, char** argv) {
     }
   } else {
     player = &composition.useDemo();
-    player->launch(demo::kPlaying);
+    player->launch(demo::statePlaying);
   }
   desktop::Card* card = composition.makeCard(virelune::principalClasses());
   if (card == nullptr) return EXIT_FAILURE;

@@ -14,7 +14,7 @@ namespace demo {
 
 namespace {
 
-constexpr std::uint32_t kSide = 300;  // pixels
+constexpr std::uint32_t side = 300;  // pixels
 
 struct Color {
   double red, green, blue;
@@ -32,7 +32,7 @@ Color mix(Color from, Color to, double part) {
 }
 
 /// How much of a pixel lies inside a shape, by its distance outside the edge (in sides).
-double inside(double distance) { return std::clamp(0.5 - distance * kSide, 0.0, 1.0); }
+double inside(double distance) { return std::clamp(0.5 - distance * side, 0.0, 1.0); }
 
 // Every design answers the colour at (x, y), both from 0 to 1, y downwards.
 
@@ -149,11 +149,11 @@ void append32(Bytes& bytes, std::uint32_t value) {
 /// The rows of a truecolour PNG, each after its filter type (0, none).
 Bytes rowsOf(CoverDesign design) {
   Bytes rows;
-  rows.reserve(kSide * (3 * kSide + 1));
-  for (std::uint32_t row = 0; row < kSide; ++row) {
+  rows.reserve(side * (3 * side + 1));
+  for (std::uint32_t row = 0; row < side; ++row) {
     rows.push_back(0);
-    for (std::uint32_t column = 0; column < kSide; ++column) {
-      const Color color = colorAt(design, (column + 0.5) / kSide, (row + 0.5) / kSide);
+    for (std::uint32_t column = 0; column < side; ++column) {
+      const Color color = colorAt(design, (column + 0.5) / side, (row + 0.5) / side);
       for (const double part : {color.red, color.green, color.blue}) {
         rows.push_back(static_cast<std::uint8_t>(std::clamp(part, 0.0, 255.0) + 0.5));
       }
@@ -165,10 +165,10 @@ Bytes rowsOf(CoverDesign design) {
 /// The bytes as a zlib stream of stored blocks (RFC 1950 and 1951): larger than need be, but read
 /// only by ourselves, once.
 Bytes zlibStream(std::span<const std::uint8_t> bytes) {
-  constexpr std::size_t kLargestBlock = 65535;
+  constexpr std::size_t largestBlock = 65535;
   Bytes stream = {0x78, 0x01};
-  for (std::size_t start = 0; start < bytes.size(); start += kLargestBlock) {
-    const auto block = bytes.subspan(start, std::min(kLargestBlock, bytes.size() - start));
+  for (std::size_t start = 0; start < bytes.size(); start += largestBlock) {
+    const auto block = bytes.subspan(start, std::min(largestBlock, bytes.size() - start));
     const bool last = start + block.size() == bytes.size();
     stream.push_back(last ? 1 : 0);
     for (const std::size_t length : {block.size(), ~block.size()}) {
@@ -179,11 +179,11 @@ Bytes zlibStream(std::span<const std::uint8_t> bytes) {
   }
   std::uint32_t a = 1;
   std::uint32_t b = 0;
-  constexpr std::size_t kSafeRun = 5552;  // so many bytes cannot overflow the sums
+  constexpr std::size_t safeRun = 5552;  // so many bytes cannot overflow the sums
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     a += bytes[i];
     b += a;
-    if ((i + 1) % kSafeRun == 0) {
+    if ((i + 1) % safeRun == 0) {
       a %= 65521;
       b %= 65521;
     }
@@ -205,14 +205,14 @@ constexpr std::array<std::uint32_t, 256> crcTable() {
 }
 
 void appendChunk(Bytes& image, std::string_view type, std::span<const std::uint8_t> content) {
-  static constexpr auto kTable = crcTable();
+  static constexpr auto crcValues = crcTable();
   append32(image, static_cast<std::uint32_t>(content.size()));
   const std::size_t start = image.size();
   image.insert(image.end(), type.begin(), type.end());
   image.insert(image.end(), content.begin(), content.end());
   std::uint32_t crc = 0xffffffffu;
   for (std::size_t i = start; i < image.size(); ++i) {
-    crc = kTable[(crc ^ image[i]) & 255] ^ crc >> 8;
+    crc = crcValues[(crc ^ image[i]) & 255] ^ crc >> 8;
   }
   append32(image, ~crc);
 }
@@ -221,8 +221,8 @@ void appendChunk(Bytes& image, std::string_view type, std::span<const std::uint8
 
 platform::Data coverPNG(CoverDesign design) {
   Bytes header;
-  append32(header, kSide);
-  append32(header, kSide);
+  append32(header, side);
+  append32(header, side);
   header.insert(header.end(), {8, 2, 0, 0, 0});  // eight bits, truecolour, not interlaced
   Bytes image = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
   appendChunk(image, "IHDR", header);

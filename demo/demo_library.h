@@ -12,8 +12,8 @@
 namespace demo {
 
 // Rating kinds.
-inline constexpr platform::FourCharCode kRatedByUser = platform::code("kRtU");
-inline constexpr platform::FourCharCode kRatingComputed = platform::code("kRtC");
+inline constexpr platform::FourCharCode ratedByUser = platform::code("kRtU");
+inline constexpr platform::FourCharCode ratingComputed = platform::code("kRtC");
 
 /// What a listener thinks of a track or of an album.
 struct Marks {
@@ -36,13 +36,13 @@ struct Track {
 };
 
 // Where the library's special cases are.
-inline constexpr std::size_t kPlainTrack = 0;
-inline constexpr std::size_t kTrackWithoutCover = 1;
-inline constexpr std::size_t kTrackWithoutAlbum = 2;
-inline constexpr std::size_t kTrackWithLongName = 3;
-inline constexpr std::size_t kJapaneseTrack = 4;
-inline constexpr std::size_t kTrackLongerThanAnHour = 5;
-inline constexpr std::size_t kLiveStation = 7;
+inline constexpr std::size_t plainTrack = 0;
+inline constexpr std::size_t trackWithoutCover = 1;
+inline constexpr std::size_t trackWithoutAlbum = 2;
+inline constexpr std::size_t trackWithLongName = 3;
+inline constexpr std::size_t japaneseTrack = 4;
+inline constexpr std::size_t trackLongerThanAnHour = 5;
+inline constexpr std::size_t liveStation = 7;
 
 /// The tracks, always the same, the live station "Beats 1" last.
 std::vector<Track> library();

@@ -15,7 +15,7 @@ using platform::RunLoop;
 namespace {
 
 // Going back within this many seconds from the start leaves the track.
-constexpr double kRestartAfter = 3;
+constexpr double restartAfter = 3;
 
 double now() {
   const RunLoop* runLoop = platform::current().runLoop;
@@ -43,7 +43,7 @@ void DemoPlayer::launch(FourCharCode state) {
   runFrom(0);
   tellLater([] {
     if (auto* workspace = platform::current().workspace) {
-      workspace->postDidLaunch(kPlayerBundleIdentifier);
+      workspace->postDidLaunch(playerBundleIdentifier);
     }
   });
   announce();
@@ -52,38 +52,38 @@ void DemoPlayer::launch(FourCharCode state) {
 void DemoPlayer::quit() {
   if (!running_) return;
   running_ = false;
-  state_ = kStopped;
+  state_ = stateStopped;
   runFrom(0);
   tellLater([] {
     if (auto* workspace = platform::current().workspace) {
-      workspace->postDidTerminate(kPlayerBundleIdentifier);
+      workspace->postDidTerminate(playerBundleIdentifier);
     }
   });
 }
 
 platform::ObjectArray DemoPlayer::runningApplications(const std::string& bundleIdentifier) const {
   platform::ObjectArray instances;
-  if (!platform::caseInsensitiveEqual(bundleIdentifier, kPlayerBundleIdentifier)) return instances;
+  if (!platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier)) return instances;
   if (listsTerminatedInstance_) {
-    instances.push_back(platform::make<NSRunningApplication>(kPlayerBundleIdentifier, true));
+    instances.push_back(platform::make<NSRunningApplication>(playerBundleIdentifier, true));
   }
   if (running_) {
-    instances.push_back(platform::make<NSRunningApplication>(kPlayerBundleIdentifier, false));
+    instances.push_back(platform::make<NSRunningApplication>(playerBundleIdentifier, false));
   }
   return instances;
 }
 
 void DemoPlayer::play() {
-  if (current_) changeState(kPlaying);
+  if (current_) changeState(statePlaying);
 }
 
 void DemoPlayer::pause() {
-  if (state_ != kStopped) changeState(kPaused);
+  if (state_ != stateStopped) changeState(statePaused);
 }
 
-void DemoPlayer::stop() { changeState(kStopped); }
+void DemoPlayer::stop() { changeState(stateStopped); }
 
-void DemoPlayer::playPause() { state_ == kPlaying ? pause() : play(); }
+void DemoPlayer::playPause() { state_ == statePlaying ? pause() : play(); }
 
 void DemoPlayer::changeState(FourCharCode state) {
   if (!running_ || state == state_) return;
@@ -92,19 +92,19 @@ void DemoPlayer::changeState(FourCharCode state) {
 }
 
 void DemoPlayer::nextTrack() {
-  if (state_ == kStopped || !current_) return;
+  if (state_ == stateStopped || !current_) return;
   moveTo((*current_ + 1) % tracks_.size());
 }
 
 void DemoPlayer::previousTrack() {
-  if (state_ == kStopped || !current_) return;
+  if (state_ == stateStopped || !current_) return;
   const std::size_t before = (*current_ + tracks_.size() - 1) % tracks_.size();
-  moveTo(position() > kRestartAfter ? *current_ : before);
+  moveTo(position() > restartAfter ? *current_ : before);
 }
 
 void DemoPlayer::playTrack(std::size_t index) {
   if (!running_ || index >= tracks_.size()) return;
-  state_ = kPlaying;
+  state_ = statePlaying;
   moveTo(index);
 }
 
@@ -115,7 +115,7 @@ void DemoPlayer::moveTo(std::size_t index) {
 
 bool DemoPlayer::seek(double seconds) {
   const Track* track = currentTrack();
-  if (state_ == kStopped || track == nullptr || !std::isfinite(seconds)) return false;
+  if (state_ == stateStopped || track == nullptr || !std::isfinite(seconds)) return false;
   const double end = track->duration > 0 ? track->duration : seconds;
   runFrom(std::max(0.0, std::min(seconds, end)));
   announce();
@@ -126,7 +126,7 @@ void DemoPlayer::announce() const {
   if (!running_) return;
   tellLater([] {
     platform::current().distributedCenter->postNotification(
-        platform::NSNotification(kPlayerInfoNotification));
+        platform::NSNotification(playerInfoNotification));
   });
 }
 
@@ -140,11 +140,11 @@ void DemoPlayer::setCurrentTrackIndex(std::optional<std::size_t> index) {
 void DemoPlayer::setState(FourCharCode state) {
   const double reached = position();
   state_ = state;
-  runFrom(state == kStopped ? 0 : reached);
+  runFrom(state == stateStopped ? 0 : reached);
 }
 
 double DemoPlayer::position() const {
-  if (state_ != kPlaying || !current_) return heldPosition_;
+  if (state_ != statePlaying || !current_) return heldPosition_;
   const double reached = heldPosition_ + (now() - heldSince_);
   const double duration = tracks_[*current_].duration;
   return duration > 0 ? std::min(reached, std::max(duration, heldPosition_)) : reached;
@@ -159,7 +159,7 @@ void DemoPlayer::runFrom(double seconds) {
   endTimer_ = nullptr;
 
   RunLoop* runLoop = platform::current().runLoop;
-  if (state_ != kPlaying || !current_ || runLoop == nullptr) return;
+  if (state_ != statePlaying || !current_ || runLoop == nullptr) return;
   const double duration = tracks_[*current_].duration;
   if (duration <= 0 || seconds > duration) return;
   endTimer_ = platform::NSTimer::timerWithBlock(duration - seconds,

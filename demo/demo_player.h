@@ -16,13 +16,13 @@
 
 namespace demo {
 
-inline constexpr const char* kPlayerBundleIdentifier = "com.apple.iTunes";
-inline constexpr const char* kPlayerInfoNotification = "com.apple.iTunes.playerInfo";
+inline constexpr const char* playerBundleIdentifier = "com.apple.iTunes";
+inline constexpr const char* playerInfoNotification = "com.apple.iTunes.playerInfo";
 
 // Player states.
-inline constexpr platform::FourCharCode kStopped = platform::code("kPSS");
-inline constexpr platform::FourCharCode kPlaying = platform::code("kPSP");
-inline constexpr platform::FourCharCode kPaused = platform::code("kPSp");
+inline constexpr platform::FourCharCode stateStopped = platform::code("kPSS");
+inline constexpr platform::FourCharCode statePlaying = platform::code("kPSP");
+inline constexpr platform::FourCharCode statePaused = platform::code("kPSp");
 
 /// A scriptable player with a small library, played in a circle. Everything happens on the main
 /// thread and on the clock of the installed platform's run loop, which must outlive the player;
@@ -45,7 +45,7 @@ class DemoPlayer : public platform::ScriptingTransport {
 
   /// Starts the process at the start of its current track (at first the first one). Does nothing
   /// when it runs already.
-  void launch(platform::FourCharCode state = kStopped);
+  void launch(platform::FourCharCode state = stateStopped);
   /// Ends the process; the library, the marks and the current track stay as they are.
   void quit();
   bool isRunning() const { return running_; }
@@ -130,7 +130,7 @@ class DemoPlayer : public platform::ScriptingTransport {
   std::vector<Track> tracks_;
   std::map<std::string, Marks> albumMarks_;
   std::optional<std::size_t> current_;
-  platform::FourCharCode state_ = kStopped;
+  platform::FourCharCode state_ = stateStopped;
   double heldPosition_ = 0;
   platform::TimeInterval heldSince_ = 0;
   std::shared_ptr<platform::NSTimer> endTimer_;

@@ -64,8 +64,8 @@ std::string text(const ScriptingRequest& request) {
 
 /// The length as players write it: m:ss or h:mm:ss, empty when unknown.
 std::string lengthText(double duration) {
-  constexpr double kLongest = 1e9;  // nothing that could be meant as a length
-  if (!(duration > 0 && duration < kLongest)) return {};
+  constexpr double longest = 1e9;  // nothing that could be meant as a length
+  if (!(duration > 0 && duration < longest)) return {};
   const auto seconds = static_cast<long long>(duration);
   std::array<char, 32> characters{};
   if (seconds >= 3600) {
@@ -77,8 +77,8 @@ std::string lengthText(double duration) {
   return characters.data();
 }
 
-constexpr FourCharCode kCurrentTrack = code("pTrk");
-constexpr FourCharCode kArtwork = code("cArt");
+constexpr FourCharCode currentTrackCode = code("pTrk");
+constexpr FourCharCode artworkClass = code("cArt");
 
 bool isProperty(const platform::ScriptingStep& step, FourCharCode property) {
   return step.code == property && !step.index;
@@ -96,7 +96,7 @@ bool rate(Marks& marks, const Value& value) {
   const auto rating = ratingFrom(value);
   if (!rating) return false;
   marks.rating = *rating;
-  marks.ratingKind = kRatedByUser;
+  marks.ratingKind = ratedByUser;
   return true;
 }
 
@@ -110,7 +110,7 @@ bool love(Marks& marks, const Value& value) {
 }  // namespace
 
 DemoPlayer::Reply DemoPlayer::send(const Request& request) {
-  if (request.bundleIdentifier != kPlayerBundleIdentifier) return std::nullopt;
+  if (request.bundleIdentifier != playerBundleIdentifier) return std::nullopt;
   ++requestCount_;
   if (logging_) log_.push_back(text(request));
   if (const auto hook = requestHook_) hook(request);
@@ -145,11 +145,11 @@ DemoPlayer::Reply DemoPlayer::get(const ScriptingPath& path) {
   if (path.empty()) return std::nullopt;
   if (path.size() == 1 && isProperty(path[0], code("pPlS"))) return state_;
   if (path.size() == 1 && isProperty(path[0], code("pPos"))) return Value(position());
-  if (!isProperty(path[0], kCurrentTrack)) return std::nullopt;
+  if (!isProperty(path[0], currentTrackCode)) return std::nullopt;
   if (path.size() == 2 && !path[1].index) return trackProperty(path[1].code);
 
   const Track* track = currentTrack();
-  const bool wantsCover = path.size() == 3 && path[1].code == kArtwork && path[1].index == 0 &&
+  const bool wantsCover = path.size() == 3 && path[1].code == artworkClass && path[1].index == 0 &&
                           isProperty(path[2], code("pRaw"));
   if (!wantsCover || track == nullptr || !track->cover) return std::nullopt;
   return Value(track->cover->bytes());
@@ -190,8 +190,8 @@ DemoPlayer::Reply DemoPlayer::trackProperty(FourCharCode property) {
 
 DemoPlayer::Reply DemoPlayer::count(const ScriptingPath& path) {
   const Track* track = currentTrack();
-  const bool countsArtworks =
-      path.size() == 2 && isProperty(path[0], kCurrentTrack) && isProperty(path[1], kArtwork);
+  const bool countsArtworks = path.size() == 2 && isProperty(path[0], currentTrackCode) &&
+                              isProperty(path[1], artworkClass);
   if (!countsArtworks || track == nullptr) return std::nullopt;
   return Value(track->cover ? 1 : 0);
 }
@@ -199,10 +199,10 @@ DemoPlayer::Reply DemoPlayer::count(const ScriptingPath& path) {
 DemoPlayer::Reply DemoPlayer::resolve(const ScriptingPath& path) {
   if (path.empty()) return code("capp");
   const Track* track = currentTrack();
-  if (!isProperty(path[0], kCurrentTrack) || track == nullptr) return std::nullopt;
+  if (!isProperty(path[0], currentTrackCode) || track == nullptr) return std::nullopt;
   if (path.size() == 1) return track->isStream ? code("cURT") : code("cFlT");
-  const bool isCover = path.size() == 2 && path[1].code == kArtwork && path[1].index == 0;
-  return isCover && track->cover ? Reply(kArtwork) : std::nullopt;
+  const bool isCover = path.size() == 2 && path[1].code == artworkClass && path[1].index == 0;
+  return isCover && track->cover ? Reply(artworkClass) : std::nullopt;
 }
 
 DemoPlayer::Reply DemoPlayer::set(const Request& request) {
@@ -213,7 +213,7 @@ DemoPlayer::Reply DemoPlayer::set(const Request& request) {
     return seconds && seek(seconds->doubleValue()) ? Reply(Value()) : std::nullopt;
   }
   const bool isTrackProperty =
-      path.size() == 2 && isProperty(path[0], kCurrentTrack) && !path[1].index;
+      path.size() == 2 && isProperty(path[0], currentTrackCode) && !path[1].index;
   if (!isTrackProperty || !setTrackProperty(path[1].code, request.value)) return std::nullopt;
   announce();
   return Value();
@@ -260,7 +260,7 @@ DemoPlayer::Reply DemoPlayer::command(const Request& request) {
     }
   }
   const Track* track = currentTrack();
-  const bool reveals = path.size() == 1 && isProperty(path[0], kCurrentTrack) &&
+  const bool reveals = path.size() == 1 && isProperty(path[0], currentTrackCode) &&
                        request.eventIdentifier == code("Revl");
   if (!reveals || track == nullptr) return std::nullopt;
   revealedTracks_.push_back(track->name);

@@ -11,8 +11,8 @@
 namespace demo {
 namespace {
 
-constexpr const char* kStreamFolder = "/streams/hub02/session02/64k/";
-constexpr int kListedSegments = 6;
+constexpr const char* streamFolder = "/streams/hub02/session02/64k/";
+constexpr int listedSegments = 6;
 
 std::int64_t secondsNow() {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -73,11 +73,11 @@ class DemoStation::Server {
   Server(StationPace pace, std::vector<Programme> list)
       : pace_{std::max(1, pace.segmentDuration), std::max(1, pace.segmentsPerProgramme)},
         programmes_(std::move(list)) {
-    server_.Get(kStreamFolder + std::string("prog\\.m3u8"),
+    server_.Get(streamFolder + std::string("prog\\.m3u8"),
                 [this](const httplib::Request&, httplib::Response& response) {
                   response.set_content(playlist(), "application/vnd.apple.mpegurl");
                 });
-    server_.Get(kStreamFolder + std::string("live-([^/]*)\\.aac"),
+    server_.Get(streamFolder + std::string("live-([^/]*)\\.aac"),
                 [this](const httplib::Request& request, httplib::Response& response) {
                   answerSegment(request.matches[1], response);
                 });
@@ -100,9 +100,8 @@ class DemoStation::Server {
     const std::int64_t current = secondsNow() / pace_.segmentDuration;
     const std::string duration = std::to_string(pace_.segmentDuration);
     std::string text = "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:" + duration +
-                       "\n#EXT-X-MEDIA-SEQUENCE:" + std::to_string(current - kListedSegments) +
-                       "\n";
-    for (std::int64_t number = current - kListedSegments; number < current; ++number) {
+                       "\n#EXT-X-MEDIA-SEQUENCE:" + std::to_string(current - listedSegments) + "\n";
+    for (std::int64_t number = current - listedSegments; number < current; ++number) {
       text += "#EXTINF:" + duration + ",\n" + segmentName(number * pace_.segmentDuration) + "\n";
     }
     return text;
@@ -141,7 +140,7 @@ DemoStation::~DemoStation() = default;
 std::string DemoStation::host() const { return server_->host(); }
 
 std::string DemoStation::streamAddress() const {
-  return "http://" + host() + kStreamFolder + "prog.m3u8";
+  return "http://" + host() + streamFolder + "prog.m3u8";
 }
 
 }  // namespace demo

@@ -7,10 +7,10 @@ namespace demo {
 namespace {
 
 // It is part of this program, so there is no file of its own; the name only has to be told apart.
-constexpr const char* kPlayerPath = "demo-player:";
+constexpr const char* playerPath = "demo-player:";
 
 bool isPlayer(const std::string& bundleIdentifier) {
-  return platform::caseInsensitiveEqual(bundleIdentifier, kPlayerBundleIdentifier);
+  return platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier);
 }
 
 }  // namespace
@@ -22,12 +22,12 @@ platform::ObjectArray DemoWorkspace::runningApplications(const std::string& bund
 }
 
 std::optional<std::string> DemoWorkspace::applicationPath(const std::string& bundleIdentifier) {
-  if (isPlayer(bundleIdentifier)) return kPlayerPath;
+  if (isPlayer(bundleIdentifier)) return playerPath;
   return others_ != nullptr ? others_->applicationPath(bundleIdentifier) : std::nullopt;
 }
 
 std::shared_ptr<platform::NSImage> DemoWorkspace::icon(const std::string& path) {
-  if (path == kPlayerPath || others_ == nullptr) return nullptr;
+  if (path == playerPath || others_ == nullptr) return nullptr;
   return others_->icon(path);
 }
 
@@ -36,7 +36,7 @@ void DemoWorkspace::launchApplication(const std::string& bundleIdentifier) {
     if (others_ != nullptr) others_->launchApplication(bundleIdentifier);
     return;
   }
-  player_.launch(kPlaying);
+  player_.launch(statePlaying);
   player_.play();
 }
 

@@ -10,7 +10,7 @@ using platform::SBObject;
 
 namespace {
 
-constexpr FourCharCode kEventClass = code("hook");
+constexpr FourCharCode eventClass = code("hook");
 
 /// The reference to a property by its name in the player's dictionary.
 std::shared_ptr<SBObject> property(const SBObject& owner, std::string_view name) {
@@ -18,7 +18,7 @@ std::shared_ptr<SBObject> property(const SBObject& owner, std::string_view name)
 }
 
 void command(const SBObject& receiver, FourCharCode eventIdentifier) {
-  receiver.sendEvent_id_parameters(kEventClass, eventIdentifier);
+  receiver.sendEvent_id_parameters(eventClass, eventIdentifier);
 }
 
 using Maker = std::shared_ptr<AEiTunesItem> (*)(const SBObject& reference);

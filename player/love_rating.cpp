@@ -12,11 +12,11 @@ namespace virelune {
 
 namespace {
 
-constexpr std::int64_t kMaximumRating = 100;
-constexpr std::int64_t kHalfStar = 10;
+constexpr std::int64_t maximumRating = 100;
+constexpr std::int64_t halfStar = 10;
 
 std::int64_t clampedRating(std::int64_t rating) {
-  return std::clamp<std::int64_t>(rating, 0, kMaximumRating);
+  return std::clamp<std::int64_t>(rating, 0, maximumRating);
 }
 
 /// The marks that a command works on: the track's own, or its album's.
@@ -28,11 +28,11 @@ struct Marks {
   FourCharCode (AEiTunesTrack::*ratingKind)() const;
 };
 
-constexpr Marks kTrackMarks{&AEiTunesTrack::loved, &AEiTunesTrack::setLoved, &AEiTunesTrack::rating,
-                            &AEiTunesTrack::setRating, &AEiTunesTrack::ratingKind};
-constexpr Marks kAlbumMarks{&AEiTunesTrack::albumLoved, &AEiTunesTrack::setAlbumLoved,
-                            &AEiTunesTrack::albumRating, &AEiTunesTrack::setAlbumRating,
-                            &AEiTunesTrack::albumRatingKind};
+constexpr Marks trackMarks{&AEiTunesTrack::loved, &AEiTunesTrack::setLoved, &AEiTunesTrack::rating,
+                           &AEiTunesTrack::setRating, &AEiTunesTrack::ratingKind};
+constexpr Marks albumMarks{&AEiTunesTrack::albumLoved, &AEiTunesTrack::setAlbumLoved,
+                           &AEiTunesTrack::albumRating, &AEiTunesTrack::setAlbumRating,
+                           &AEiTunesTrack::albumRatingKind};
 
 /// A write would wake a player that does not run.
 std::shared_ptr<AEiTunesTrack> trackToMark() {
@@ -54,7 +54,7 @@ bool setAutoRating(const Marks& marks) {
     (*track.*marks.setRating)(threshold);
     return true;
   }
-  const std::int64_t unlovedRating = std::max<std::int64_t>(threshold - kHalfStar, 0);
+  const std::int64_t unlovedRating = std::max<std::int64_t>(threshold - halfStar, 0);
   if (rating < unlovedRating) return false;
   (*track.*marks.setRating)(unlovedRating);
   return true;
@@ -111,32 +111,32 @@ std::int64_t vl_autoLovedRating() {
   return value ? clampedRating(value->integerValue()) : 0;
 }
 
-bool vl_toggleTrackLoved() { return toggleLoved(kTrackMarks); }
+bool vl_toggleTrackLoved() { return toggleLoved(trackMarks); }
 
-bool vl_setCurrentTrackLoved(bool loved) { return setLoved(kTrackMarks, loved); }
+bool vl_setCurrentTrackLoved(bool loved) { return setLoved(trackMarks, loved); }
 
 bool vl_setCurrentTrackAutoLoved() {
   const auto track = trackToMark();
   if (!track || std::dynamic_pointer_cast<AEiTunesURLTrack>(track->get())) return false;
-  return setAutoLoved(kTrackMarks);
+  return setAutoLoved(trackMarks);
 }
 
 bool vl_setCurrentTrackRating(std::int64_t rating) {
-  return setRating(kTrackMarks, rating, vl_setCurrentTrackAutoLoved);
+  return setRating(trackMarks, rating, vl_setCurrentTrackAutoLoved);
 }
 
-bool vl_setCurrentTrackAutoRating() { return setAutoRating(kTrackMarks); }
+bool vl_setCurrentTrackAutoRating() { return setAutoRating(trackMarks); }
 
-bool vl_toggleAlbumLoved() { return toggleLoved(kAlbumMarks); }
+bool vl_toggleAlbumLoved() { return toggleLoved(albumMarks); }
 
-bool vl_setCurrentAlbumLoved(bool loved) { return setLoved(kAlbumMarks, loved); }
+bool vl_setCurrentAlbumLoved(bool loved) { return setLoved(albumMarks, loved); }
 
-bool vl_setCurrentAlbumAutoLoved() { return setAutoLoved(kAlbumMarks); }
+bool vl_setCurrentAlbumAutoLoved() { return setAutoLoved(albumMarks); }
 
 bool vl_setCurrentAlbumRating(std::int64_t rating) {
-  return setRating(kAlbumMarks, rating, vl_setCurrentAlbumAutoLoved);
+  return setRating(albumMarks, rating, vl_setCurrentAlbumAutoLoved);
 }
 
-bool vl_setCurrentAlbumAutoRating() { return setAutoRating(kAlbumMarks); }
+bool vl_setCurrentAlbumAutoRating() { return setAutoRating(albumMarks); }
 
 }  // namespace virelune

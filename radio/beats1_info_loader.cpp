@@ -12,16 +12,16 @@ namespace virelune {
 namespace {
 
 // Entries of the record.
-constexpr const char* kPlaylist = "playlist";
-constexpr const char* kTracks = "tracks";
-constexpr const char* kDate = "date";
-constexpr const char* kAlbum = "track album";
-constexpr const char* kArtist = "track artist";
-constexpr const char* kName = "track name";
-constexpr const char* kArtworkAddress = "artwork web address";
-constexpr const char* kArtwork = "track artwork";
+constexpr const char* playlistKey = "playlist";
+constexpr const char* tracksKey = "tracks";
+constexpr const char* dateKey = "date";
+constexpr const char* albumKey = "track album";
+constexpr const char* artistKey = "track artist";
+constexpr const char* nameKey = "track name";
+constexpr const char* artworkAddress = "artwork web address";
+constexpr const char* artworkKey = "track artwork";
 
-constexpr double kIntervalAfterFailure = 5.0;  // seconds
+constexpr double intervalAfterFailure = 5.0;  // seconds
 
 template <class T>
 platform::Value valueOrNull(std::optional<T> value) {
@@ -139,18 +139,18 @@ void VLBeats1InfoLoader::handleReceivedData(const std::optional<platform::Data>&
 
 bool VLBeats1InfoLoader::handleReceivedDataForPlaylist(const std::optional<platform::Data>& data) {
   if (isEmpty(data) || !platform::isValidUTF8(data->view())) return false;
-  trackInfoUpdateForKey_withValue(kPlaylist, std::string(data->view()));
+  trackInfoUpdateForKey_withValue(playlistKey, std::string(data->view()));
 
   const auto tracks = playlistTracksFromText(data->view());
   if (!tracks) return false;
-  trackInfoUpdateForKey_withValue(kTracks, *tracks);
+  trackInfoUpdateForKey_withValue(tracksKey, *tracks);
 
   // The third from the end is complete on every server; a short playlist leaves only its end.
   const auto count = static_cast<std::int64_t>(tracks->size());
   const auto name =
       vl_objectAtIndex_withClass<std::string>(*tracks, count >= 4 ? count - 3 : count - 1);
   if (!name || name->empty()) return false;
-  trackInfoUpdateForKey_withValue(kDate, valueOrNull(trackDateFromName(*name)));
+  trackInfoUpdateForKey_withValue(dateKey, valueOrNull(trackDateFromName(*name)));
   return startTrackConnectionWithName(*name);
 }
 
@@ -160,17 +160,17 @@ bool VLBeats1InfoLoader::handleReceivedDataForTrack(const std::optional<platform
     trackInfoUpdateForKey_withValue(key,
                                     valueOrNull(trackInfoTextForKey_fromData(identifier, *data)));
   };
-  updateText(kAlbum, "TALB");
-  updateText(kArtist, "TPE1");
-  updateText(kName, "TIT2");
-  trackInfoUpdateForKey_withValue(kArtworkAddress,
+  updateText(albumKey, "TALB");
+  updateText(artistKey, "TPE1");
+  updateText(nameKey, "TIT2");
+  trackInfoUpdateForKey_withValue(artworkAddress,
                                   valueOrNull(trackInfoArtworkWebAddressFromData(*data)));
   return startArtworkConnection();
 }
 
 bool VLBeats1InfoLoader::handleReceivedDataForArtwork(const std::optional<platform::Data>& data) {
   const auto image = isEmpty(data) ? nullptr : platform::imageWithData(*data);
-  trackInfoUpdateForKey_withValue(kArtwork, image);
+  trackInfoUpdateForKey_withValue(artworkKey, image);
   postInfoNotification();
   return startTimer(this);
 }
@@ -192,20 +192,20 @@ std::optional<std::string> VLBeats1InfoLoader::infoTrackTextForKey(std::string_v
 }
 
 std::optional<std::string> VLBeats1InfoLoader::infoTrackName() const {
-  return infoTrackTextForKey(kName);
+  return infoTrackTextForKey(nameKey);
 }
 
 std::optional<std::string> VLBeats1InfoLoader::infoTrackArtist() const {
-  return infoTrackTextForKey(kArtist);
+  return infoTrackTextForKey(artistKey);
 }
 
 std::optional<std::string> VLBeats1InfoLoader::infoTrackAlbum() const {
-  return infoTrackTextForKey(kAlbum);
+  return infoTrackTextForKey(albumKey);
 }
 
 std::shared_ptr<platform::NSImage> VLBeats1InfoLoader::infoTrackArtwork() const {
-  return infoTrackValueForKey_andClass<std::shared_ptr<platform::NSImage>>(kArtwork).value_or(
-      nullptr);
+  return infoTrackValueForKey_andClass<std::shared_ptr<platform::NSImage>>(artworkKey)
+      .value_or(nullptr);
 }
 
 bool VLBeats1InfoLoader::cleanup(platform::NSObject*) {
@@ -222,7 +222,7 @@ bool VLBeats1InfoLoader::cleanup(platform::NSObject*) {
 bool VLBeats1InfoLoader::startTimer(platform::NSObject*) {
   cancelTimer(this);
   double interval = infoPlaylistLoadingTimeInterval();
-  if (!(interval > 0)) interval = kIntervalAfterFailure;
+  if (!(interval > 0)) interval = intervalAfterFailure;
   auto timer =
       platform::NSTimer::timerWithTimeInterval(interval, this, &VLBeats1InfoLoader::firedTimer);
   platform::RunLoop* runLoop = platform::RunLoop::currentRunLoop();

@@ -11,12 +11,12 @@ namespace virelune {
 namespace {
 
 // A frame: identifier, size (4 bytes, big-endian), flags (2 bytes), content.
-constexpr std::size_t kSizeLength = 4;
-constexpr std::size_t kFlagsLength = 2;
+constexpr std::size_t sizeLength = 4;
+constexpr std::size_t flagsLength = 2;
 /// An identifier this close to the end is not looked for: its size would not fit any more.
-constexpr std::size_t kTailLength = 8;
+constexpr std::size_t tailLength = 8;
 
-constexpr char kTextIsUTF8 = 3;  // the encoding byte before a frame's text
+constexpr char textIsUTF8 = 3;  // the encoding byte before a frame's text
 
 /// Where the needle first occurs at or after a position; npos when nowhere.
 std::size_t find(std::string_view bytes, std::string_view needle, std::size_t from = 0) {
@@ -49,13 +49,13 @@ std::string withoutControlCharacters(std::string_view text) {
 VLBeats1InfoLoader::BytesRange VLBeats1InfoLoader::trackInfoBytesRangeForKey_fromData(
     std::string_view identifier, const platform::Data& data) {
   const std::string_view bytes = data.view();
-  if (identifier.empty() || bytes.size() < kTailLength) return {};
-  const std::size_t found = find(bytes.substr(0, bytes.size() - kTailLength), identifier);
+  if (identifier.empty() || bytes.size() < tailLength) return {};
+  const std::size_t found = find(bytes.substr(0, bytes.size() - tailLength), identifier);
   if (found == std::string_view::npos) return {};
   const std::size_t sizeStart = found + identifier.size();
-  const std::uint32_t size = bigEndianNumber(bytes.substr(sizeStart, kSizeLength));
+  const std::uint32_t size = bigEndianNumber(bytes.substr(sizeStart, sizeLength));
   if (size == 0) return {};
-  return {sizeStart + kSizeLength + kFlagsLength, size};
+  return {sizeStart + sizeLength + flagsLength, size};
 }
 
 std::optional<std::string> VLBeats1InfoLoader::trackInfoTextForKey_fromData(
@@ -65,7 +65,7 @@ std::optional<std::string> VLBeats1InfoLoader::trackInfoTextForKey_fromData(
   if (range.location + range.length > data.length()) return std::nullopt;
   std::string_view text = data.view().substr(range.location, range.length);
   if (!platform::isValidUTF8(text)) return std::nullopt;
-  if (text.starts_with(kTextIsUTF8)) text.remove_prefix(1);
+  if (text.starts_with(textIsUTF8)) text.remove_prefix(1);
   const std::string cleaned = withoutControlCharacters(text);
   const std::string_view trimmed = platform::stringByTrimmingCharactersInSet(
       cleaned, platform::whitespaceAndNewlineCharacterSet);

@@ -8,7 +8,7 @@ namespace virelune {
 namespace {
 
 /// The entry of the information dictionary that names the stream server: a host, or host:port.
-constexpr std::string_view kStreamHostEntry = "VLStreamHost";
+constexpr std::string_view streamHostEntry = "VLStreamHost";
 
 /// An address made of texts that may be none.
 std::optional<platform::URL> urlFromText(const std::optional<std::string>& text) {
@@ -21,7 +21,7 @@ std::optional<std::string> VLBeats1InfoLoader::streamBaseAddress() {
   const platform::NSBundle* bundle = platform::current().mainBundle;
   if (bundle == nullptr) return std::nullopt;
   const auto host =
-      vl_objectForKey_withClass<std::string>(bundle->infoDictionary(), kStreamHostEntry);
+      vl_objectForKey_withClass<std::string>(bundle->infoDictionary(), streamHostEntry);
   if (!host || host->empty()) return std::nullopt;
   return "http://" + *host + "/streams/hub02/session02/64k/";
 }

@@ -16,7 +16,7 @@ using platform::NSRect;
 namespace {
 
 /// Of the controls that step back behind the texts.
-constexpr double kDimmedAlpha = 0.5;
+constexpr double dimmedAlpha = 0.5;
 
 std::shared_ptr<VLTextLabel> preparedTextLabel(const std::optional<NSFont>& font,
                                                const std::optional<NSColor>& color, NSRect frame,
@@ -145,7 +145,7 @@ std::shared_ptr<NSButton> VLTrackViewController::preparedImageButton(const char*
   if (!image) return nullptr;
   auto button = platform::make<NSButton>(frame);
   configurePanelButton(*button, std::move(image), shared_from_this(), std::move(action));
-  button->setAlphaValue(kDimmedAlpha);
+  button->setAlphaValue(dimmedAlpha);
   return button;
 }
 
@@ -158,7 +158,7 @@ std::shared_ptr<NSButton> VLTrackViewController::preparedPlayButton() {
   auto button = platform::make<NSButton>(preparedPlayButtonFrame());
   configurePanelButton(*button, nullptr, shared_from_this(),
                        &VLTrackViewController::clickedPlayButton);
-  button->setAlphaValue(kDimmedAlpha);
+  button->setAlphaValue(dimmedAlpha);
   return button;
 }
 
@@ -184,7 +184,7 @@ std::shared_ptr<VLRatingIndicator> VLTrackViewController::preparedRatingIndicato
   auto indicator = platform::make<VLRatingIndicator>(preparedRatingIndicatorFrame());
   indicator->setTarget(shared_from_this());
   indicator->setAction(&VLTrackViewController::clickedRatingIndicator);
-  indicator->setAlphaValue(kDimmedAlpha);
+  indicator->setAlphaValue(dimmedAlpha);
   return indicator;
 }
 
@@ -222,8 +222,8 @@ NSRect VLTrackViewController::preparedPreviousButtonFrame() const {
 
 NSRect VLTrackViewController::preparedProgressIndicatorFrame() const {
   if (!view()) return platform::NSZeroRect;
-  constexpr double kHeight = 14;  // its lower half lies outside the root view
-  return NSMakeRect(0, -kHeight / 2, view()->frame().size.width, kHeight);
+  constexpr double barHeight = 14;  // its lower half lies outside the root view
+  return NSMakeRect(0, -barHeight / 2, view()->frame().size.width, barHeight);
 }
 
 NSRect VLTrackViewController::preparedLoveButtonFrame() const { return NSMakeRect(64, 10, 11, 11); }

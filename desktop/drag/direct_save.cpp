@@ -37,7 +37,7 @@ std::unique_ptr<DirectSave> DirectSave::forApplication() {
 }
 
 DirectSave::DirectSave(xcb_connection_t* connection)
-    : connection_(connection), directSave_(atom(kDirectSaveType)), status_(atom("XdndStatus")) {}
+    : connection_(connection), directSave_(atom(directSaveType)), status_(atom("XdndStatus")) {}
 
 DirectSave::~DirectSave() { end(); }
 
@@ -149,7 +149,7 @@ void DirectSave::offerAddress(xcb_window_t target) {
   const auto at = [](std::int16_t coordinate) { return static_cast<std::uint16_t>(coordinate); };
   const std::uint32_t place = std::uint32_t{at(pointer->root_x)} << 16U | at(pointer->root_y);
   send("XdndLeave", {});
-  send("XdndEnter", {std::min(*version, protocolVersion) << 24U, atom(kAddressListType),
+  send("XdndEnter", {std::min(*version, protocolVersion) << 24U, atom(addressListType),
                      atom("image/png"), directSave_});
   send("XdndPosition", {0, place, XCB_CURRENT_TIME, atom("XdndActionCopy")});
   xcb_flush(connection_);

@@ -15,8 +15,8 @@
 
 namespace desktop {
 
-inline constexpr const char* kDirectSaveType = "XdndDirectSave0";
-inline constexpr const char* kAddressListType = "text/uri-list";  // RFC 2483
+inline constexpr const char* directSaveType = "XdndDirectSave0";
+inline constexpr const char* addressListType = "text/uri-list";  // RFC 2483
 
 /// X Direct Save (freedesktop.org): a property of the drag's source window holds the name that the
 /// file is to have; at the drop the receiver puts the file's full address there and asks for the

@@ -17,11 +17,11 @@ DragMimeData::DragMimeData(const std::shared_ptr<platform::NSDraggingSession>& s
     : session_(session), folder_(folder), directSave_(directSave) {}
 
 QStringList DragMimeData::formats() const {
-  return {pictureType, directSave_ != nullptr ? kDirectSaveType : kAddressListType};
+  return {pictureType, directSave_ != nullptr ? directSaveType : addressListType};
 }
 
 bool DragMimeData::hasFormat(const QString& type) const {
-  return formats().contains(type) || type == QLatin1String(kAddressListType);
+  return formats().contains(type) || type == QLatin1String(addressListType);
 }
 
 QVariant DragMimeData::retrieveData(const QString& type, QMetaType) const {
@@ -29,8 +29,8 @@ QVariant DragMimeData::retrieveData(const QString& type, QMetaType) const {
   if (!session) return {};
   platform::NSPasteboard& pasteboard = session->draggingPasteboard();
   if (type == QLatin1String(pictureType)) return picture(pasteboard);
-  if (type == QLatin1String(kAddressListType)) return addressList(pasteboard);
-  if (type == QLatin1String(kDirectSaveType) && directSave_ != nullptr) {
+  if (type == QLatin1String(addressListType)) return addressList(pasteboard);
+  if (type == QLatin1String(directSaveType) && directSave_ != nullptr) {
     return directSave_->save(pasteboard);
   }
   return {};

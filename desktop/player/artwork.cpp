@@ -3,9 +3,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <QByteArray>
-#include <QFile>
-#include <QUrl>
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QUrl>
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -23,11 +23,11 @@ namespace {
 
 using platform::Data;
 
-constexpr std::size_t kMaximumLength = 32 * 1024 * 1024;
-constexpr std::size_t kKeptCovers = 4;
-constexpr platform::TimeInterval kTransferTimeout = 30;
+constexpr std::size_t maximumCoverLength = 32 * 1024 * 1024;
+constexpr std::size_t keptCovers = 4;
+constexpr platform::TimeInterval transferTimeout = 30;
 /// A cover that could not be had is asked for again after this many seconds.
-constexpr platform::TimeInterval kRetryAfter = 60;
+constexpr platform::TimeInterval retryAfter = 60;
 
 /// Tells whether a file is still the one that was read.
 struct FileStamp {
@@ -46,7 +46,7 @@ Data dataFrom(const QByteArray& bytes) {
 /// The content of a "data:" address; empty when it is malformed or too long.
 Data decodedDataAddress(const QString& address) {
   const qsizetype comma = address.indexOf(QLatin1Char(','));
-  if (comma < 0 || static_cast<std::size_t>(address.size()) > kMaximumLength / 3 * 4) return {};
+  if (comma < 0 || static_cast<std::size_t>(address.size()) > maximumCoverLength / 3 * 4) return {};
   const QByteArray content =
       QByteArray::fromPercentEncoding(QStringView(address).mid(comma + 1).toLatin1());
   const bool isBase64 =
@@ -114,7 +114,7 @@ const PlayerArtwork::Entry& PlayerArtwork::entryFor(const QString& address) {
     entries_.splice(entries_.begin(), entries_, found);
   } else {
     entries_.emplace_front().address = address;
-    if (entries_.size() > kKeptCovers) entries_.pop_back();
+    if (entries_.size() > keptCovers) entries_.pop_back();
   }
   load(entries_.front());
   return entries_.front();
@@ -138,7 +138,7 @@ void PlayerArtwork::loadFile(Entry& entry, const QString& path) {
       ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
   struct stat status {};
   const bool isReadable = file && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
-                          status.st_size <= static_cast<std::int64_t>(kMaximumLength);
+                          status.st_size <= static_cast<std::int64_t>(maximumCoverLength);
   if (!isReadable) {
     entry.bytes = Data();
     entry.stamp.reset();
@@ -155,13 +155,13 @@ void PlayerArtwork::startTransfer(Entry& entry) {
   platform::HTTPTransport* http = platform::current().http;
   platform::RunLoop* runLoop = platform::current().runLoop;
   if (entry.transfer != nullptr || http == nullptr || runLoop == nullptr) return;
-  if (entry.missingSince && runLoop->now() - *entry.missingSince < kRetryAfter) return;
+  if (entry.missingSince && runLoop->now() - *entry.missingSince < retryAfter) return;
   const std::weak_ptr<PlayerArtwork*> weak = self_;
   const std::uint64_t number = entry.transferNumber = ++transferCount_;
   entry.transfer = http->start({.url = QUrl(entry.address).toEncoded().toStdString(),
                                 .headers = {},
-                                .timeout = kTransferTimeout,
-                                .maximumLength = kMaximumLength},
+                                .timeout = transferTimeout,
+                                .maximumLength = maximumCoverLength},
                                [weak, runLoop, number](platform::HTTPResult result) {
                                  runLoop->dispatchAsync([weak, number, result = std::move(result)] {
                                    if (const auto self = weak.lock())
@@ -177,8 +177,8 @@ void PlayerArtwork::completeTransfer(std::uint64_t number, const platform::HTTPR
   if (found == entries_.end()) return;
   found->transfer.reset();
   found->missingSince.reset();
-  constexpr int kFirstErrorStatus = 400;
-  if (result.body && result.status < kFirstErrorStatus) found->bytes = *result.body;
+  constexpr int firstErrorStatus = 400;
+  if (result.body && result.status < firstErrorStatus) found->bytes = *result.body;
   if (found->bytes.isEmpty()) found->missingSince = platform::current().runLoop->now();
   arrived_();
 }

@@ -1,7 +1,7 @@
 // The bytes behind the address of a cover: files, "data:" addresses (RFC 2397) and the web.
 #pragma once
 
-#include <QString>
+#include <QtCore/QString>
 #include <cstdint>
 #include <functional>
 #include <list>

@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 
 /// A player may signal as often as it likes; the widget refreshes no more often than this.
-constexpr milliseconds kAnnouncementInterval{50};
+constexpr milliseconds announcementInterval{50};
 
 /// "mpv" for "mpv.instance42".
 QString firstComponent(const QString& name) { return name.section(QLatin1Char('.'), 0, 0); }
@@ -55,7 +55,7 @@ PlayerBridge::Reply PlayerBridge::send(const platform::ScriptingRequest& request
   using Kind = platform::ScriptingRequest::Kind;
   PlayerMirror* player = registry_.chosen();
   if (player == nullptr) return std::nullopt;
-  if (!platform::caseInsensitiveEqual(request.bundleIdentifier, kPlayerBundleIdentifier)) {
+  if (!platform::caseInsensitiveEqual(request.bundleIdentifier, playerBundleIdentifier)) {
     return std::nullopt;
   }
   switch (request.kind) {
@@ -113,7 +113,7 @@ void PlayerBridge::scheduleAnnouncement() {
   if (announcement_.isActive()) return;
   auto delay = milliseconds::zero();
   if (sinceAnnouncement_.isValid()) {
-    delay = std::max(kAnnouncementInterval - milliseconds(sinceAnnouncement_.elapsed()), delay);
+    delay = std::max(announcementInterval - milliseconds(sinceAnnouncement_.elapsed()), delay);
   }
   announcement_.start(delay);
 }
@@ -125,11 +125,11 @@ void PlayerBridge::announce() {
   platform::NSWorkspace* workspace = platform::NSWorkspace::sharedWorkspace();
   if (isRunningNow == wasRunning || workspace == nullptr) {
     platform::current().distributedCenter->postNotification(
-        platform::NSNotification(kPlayerInfoNotification));
+        platform::NSNotification(playerInfoNotification));
   } else if (isRunningNow) {
-    workspace->postDidLaunch(kPlayerBundleIdentifier);
+    workspace->postDidLaunch(playerBundleIdentifier);
   } else {
-    workspace->postDidTerminate(kPlayerBundleIdentifier);
+    workspace->postDidTerminate(playerBundleIdentifier);
   }
 }
 

@@ -2,10 +2,10 @@
 // player on the session bus that speaks MPRIS2 (the MPRIS D-Bus interface, version 2.2).
 #pragma once
 
-#include <QDBusConnection>
-#include <QElapsedTimer>
-#include <QString>
-#include <QTimer>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QString>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusConnection>
 #include <optional>
 #include <string>
 #include <vector>

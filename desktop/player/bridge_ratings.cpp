@@ -10,8 +10,8 @@ namespace {
 
 using platform::code;
 
-constexpr platform::FourCharCode kRatedByUser = code("kRtU");
-constexpr platform::FourCharCode kRatingComputed = code("kRtC");
+constexpr platform::FourCharCode ratedByUser = code("kRtU");
+constexpr platform::FourCharCode ratingComputed = code("kRtC");
 
 /// 0 to 100 for 0 to 1.
 std::int64_t percent(double rating) { return std::llround(rating * 100); }
@@ -37,17 +37,17 @@ Marks PlayerBridge::albumMarks(const PlayerSnapshot& track) {
 
 PlayerBridge::Rating PlayerBridge::trackRating(PlayerMirror& player, const PlayerSnapshot& track) {
   if (player.hasWritableRating(track)) {
-    return track.ownRating ? Rating{percent(*track.ownRating), kRatedByUser} : Rating{};
+    return track.ownRating ? Rating{percent(*track.ownRating), ratedByUser} : Rating{};
   }
-  if (const auto rating = trackMarks(track).rating) return {*rating, kRatedByUser};
-  if (track.userRating) return {percent(*track.userRating), kRatedByUser};
-  if (track.autoRating) return {percent(*track.autoRating), kRatingComputed};
+  if (const auto rating = trackMarks(track).rating) return {*rating, ratedByUser};
+  if (track.userRating) return {percent(*track.userRating), ratedByUser};
+  if (track.autoRating) return {percent(*track.autoRating), ratingComputed};
   return {};
 }
 
 PlayerBridge::Rating PlayerBridge::albumRating(const PlayerSnapshot& track) {
   const auto rating = albumMarks(track).rating;
-  return rating ? Rating{*rating, kRatedByUser} : Rating{};
+  return rating ? Rating{*rating, ratedByUser} : Rating{};
 }
 
 bool PlayerBridge::setTrackRating(PlayerMirror& player, const PlayerSnapshot& track, int rating) {

@@ -13,8 +13,8 @@ using platform::Number;
 using platform::ScriptingPath;
 using platform::Value;
 
-constexpr FourCharCode kCurrentTrack = code("pTrk");
-constexpr FourCharCode kArtwork = code("cArt");
+constexpr FourCharCode currentTrackCode = code("pTrk");
+constexpr FourCharCode artworkClass = code("cArt");
 
 /// True when the path consists of these plain properties.
 bool isPath(const ScriptingPath& path, std::initializer_list<FourCharCode> codes) {
@@ -26,13 +26,13 @@ bool isPath(const ScriptingPath& path, std::initializer_list<FourCharCode> codes
 
 /// True for a plain property of the current track.
 bool isTrackProperty(const ScriptingPath& path) {
-  return path.size() == 2 && isPath({path.front()}, {kCurrentTrack}) && !path.back().index;
+  return path.size() == 2 && isPath({path.front()}, {currentTrackCode}) && !path.back().index;
 }
 
 /// True for the bytes of the current track's first artwork.
 bool isFirstArtworkBytes(const ScriptingPath& path) {
-  return path.size() == 3 && isPath({path[0]}, {kCurrentTrack}) && path[1].code == kArtwork &&
-         path[1].index == 0 && isPath({path[2]}, {code("pRaw")});
+  return path.size() == 3 && isPath({path[0]}, {currentTrackCode}) &&
+         path[1].code == artworkClass && path[1].index == 0 && isPath({path[2]}, {code("pRaw")});
 }
 
 /// A text that is there; none for an empty one.
@@ -114,7 +114,7 @@ PlayerBridge::Reply PlayerBridge::set(PlayerMirror& player, const ScriptingPath&
 
 PlayerBridge::Reply PlayerBridge::count(PlayerMirror& player, const ScriptingPath& path) {
   const auto track = player.snapshot();
-  if (track == nullptr || !isPath(path, {kCurrentTrack, kArtwork})) return std::nullopt;
+  if (track == nullptr || !isPath(path, {currentTrackCode, artworkClass})) return std::nullopt;
   return Value(artwork_.exists(track->artworkAddress) ? 1 : 0);
 }
 
@@ -122,7 +122,7 @@ PlayerBridge::Reply PlayerBridge::resolve(PlayerMirror& player, const ScriptingP
   const auto track = player.snapshot();
   if (track == nullptr) return std::nullopt;
   if (path.empty()) return code("capp");
-  if (!isPath(path, {kCurrentTrack}) || !track->hasTrack) return std::nullopt;
+  if (!isPath(path, {currentTrackCode}) || !track->hasTrack) return std::nullopt;
   return track->isStream() ? code("cURT") : code("cFlT");
 }
 
@@ -133,14 +133,14 @@ PlayerBridge::Reply PlayerBridge::command(PlayerMirror& player,
     FourCharCode eventIdentifier;
     bool (*carryOut)(PlayerMirror&);
   };
-  static constexpr Command kCommands[] = {
+  static constexpr Command commands[] = {
       {code("hook"), code("PlPs"), [](PlayerMirror& to) { return to.command("PlayPause"); }},
       {code("hook"), code("Next"), [](PlayerMirror& to) { return to.command("Next"); }},
       {code("hook"), code("Prev"), [](PlayerMirror& to) { return to.command("Previous"); }},
       {code("hook"), code("Revl"), [](PlayerMirror& to) { return to.raise(); }},
       {code("misc"), code("actv"), [](PlayerMirror& to) { return to.raise(); }},
   };
-  for (const Command& known : kCommands) {
+  for (const Command& known : commands) {
     if (known.eventClass != request.eventClass) continue;
     if (known.eventIdentifier != request.eventIdentifier) continue;
     return known.carryOut(player) ? Reply(Value()) : std::nullopt;

@@ -1,11 +1,11 @@
 #include "desktop/player/mirror.h"
 
-#include <QDBusObjectPath>
-#include <QDBusPendingCall>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
-#include <QVariantMap>
-#include <QXmlStreamReader>
+#include <QtCore/QVariantMap>
+#include <QtCore/QXmlStreamReader>
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusPendingCall>
+#include <QtDBus/QDBusPendingReply>
+#include <QtDBus/QDBusVariant>
 #include <algorithm>
 #include <limits>
 #include <string_view>
@@ -19,16 +19,16 @@ namespace {
 using std::chrono::milliseconds;
 
 /// How long the interface stands still for one answer.
-constexpr int kPatience = 250;
+constexpr int patience = 250;
 /// A player that takes longer than this for an answer is not waited for any more.
-constexpr int kPromptAnswer = 100;
-constexpr int kForever = std::numeric_limits<int>::max();
+constexpr int promptAnswer = 100;
+constexpr int noTimeout = std::numeric_limits<int>::max();
 
-constexpr milliseconds kShortestProbeDelay{1000};
-constexpr milliseconds kLongestProbeDelay{30'000};
+constexpr milliseconds shortestProbeDelay{1000};
+constexpr milliseconds longestProbeDelay{30'000};
 
 /// Some players forget a signal now and then; what they told is not trusted for longer.
-constexpr milliseconds kLongestSnapshotAge{5000};
+constexpr milliseconds longestSnapshotAge{5000};
 
 /// True when nobody answered; an error is an answer too.
 bool isSilence(const QDBusMessage& reply) {
@@ -50,7 +50,7 @@ QStringList writableProperties(const QString& introspection) {
     if (reader.name() == QLatin1String("interface")) {
       interface = attributes.value(QLatin1String("name")).toString();
     } else if (reader.name() == QLatin1String("property") &&
-               interface == QLatin1String(kPlayerInterface) &&
+               interface == QLatin1String(playerInterface) &&
                attributes.value(QLatin1String("access")) == QLatin1String("readwrite")) {
       names << attributes.value(QLatin1String("name")).toString();
     }
@@ -61,29 +61,26 @@ QStringList writableProperties(const QString& introspection) {
 }  // namespace
 
 PlayerMirror::PlayerMirror(const QDBusConnection& bus, QString name, QString owner)
-    : bus_(bus),
-      name_(std::move(name)),
-      owner_(std::move(owner)),
-      probeDelay_(kShortestProbeDelay) {
+    : bus_(bus), name_(std::move(name)), owner_(std::move(owner)), probeDelay_(shortestProbeDelay) {
   nextProbe_.setSingleShot(true);
   connect(&nextProbe_, &QTimer::timeout, this, &PlayerMirror::probe);
 }
 
 QString PlayerMirror::shortName() const {
-  return name_.mid(static_cast<qsizetype>(std::string_view(kPlayerNamePrefix).size()));
+  return name_.mid(static_cast<qsizetype>(std::string_view(playerNamePrefix).size()));
 }
 
 // Messages.
 
 QDBusMessage PlayerMirror::methodCall(const char* interface, const char* member) const {
   QDBusMessage message = QDBusMessage::createMethodCall(
-      owner_, QLatin1String(kPlayerPath), QLatin1String(interface), QLatin1String(member));
+      owner_, QLatin1String(playerPath), QLatin1String(interface), QLatin1String(member));
   message.setAutoStartService(false);
   return message;
 }
 
 QDBusMessage PlayerMirror::propertiesCall(const char* member, const char* interface) const {
-  QDBusMessage message = methodCall(kPropertiesInterface, member);
+  QDBusMessage message = methodCall(propertiesInterface, member);
   message << QString::fromLatin1(interface);
   return message;
 }
@@ -93,12 +90,12 @@ QDBusMessage PlayerMirror::propertiesCall(const char* member, const char* interf
 std::optional<QVariant> PlayerMirror::ask(const QDBusMessage& message) {
   QElapsedTimer timer;
   timer.start();
-  const QDBusMessage reply = bus_.call(message, QDBus::Block, kPatience);
+  const QDBusMessage reply = bus_.call(message, QDBus::Block, patience);
   if (isSilence(reply)) giveUp();
   if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
     return std::nullopt;
   }
-  if (timer.elapsed() > kPromptAnswer) {
+  if (timer.elapsed() > promptAnswer) {
     isPrompt_ = false;
     nextProbe_.start(probeDelay_);
   }
@@ -113,9 +110,9 @@ void PlayerMirror::giveUp() {
 }
 
 std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
-  if (isPrompt_ && snapshot_ && snapshotAge_.hasExpired(kLongestSnapshotAge.count())) forget();
+  if (isPrompt_ && snapshot_ && snapshotAge_.hasExpired(longestSnapshotAge.count())) forget();
   if (isPrompt_ && !snapshot_) {
-    const auto answer = ask(propertiesCall("GetAll", kPlayerInterface));
+    const auto answer = ask(propertiesCall("GetAll", playerInterface));
     if (answer) {
       adopt(*answer);
     } else if (isPrompt_) {
@@ -128,7 +125,7 @@ std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
 double PlayerMirror::position() {
   if (snapshot() == nullptr) return 0;
   if (!isPrompt_ || positionIsFresh_) return position_;
-  QDBusMessage message = propertiesCall("Get", kPlayerInterface);
+  QDBusMessage message = propertiesCall("Get", playerInterface);
   message << QStringLiteral("Position");
   const auto answer = ask(message);
   if (!answer) return 0;
@@ -185,9 +182,9 @@ void PlayerMirror::askTogether(std::span<PlayerMirror* const> players) {
   std::vector<QDBusPendingCall> answers;
   for (const PlayerMirror* player : players) {
     descriptions.push_back(
-        player->bus_.asyncCall(player->propertiesCall("GetAll", kRootInterface), kPatience));
+        player->bus_.asyncCall(player->propertiesCall("GetAll", rootInterface), patience));
     answers.push_back(
-        player->bus_.asyncCall(player->propertiesCall("GetAll", kPlayerInterface), kPatience));
+        player->bus_.asyncCall(player->propertiesCall("GetAll", playerInterface), patience));
   }
   for (std::size_t i = 0; i < players.size(); ++i) {
     descriptions[i].waitForFinished();
@@ -210,18 +207,18 @@ void PlayerMirror::probe() {
   nextProbe_.stop();
   probeAge_.start();
   if (identity_.isEmpty()) {
-    bus_.callWithCallback(propertiesCall("GetAll", kRootInterface), this,
-                          SLOT(described(QDBusMessage)), kForever);
+    bus_.callWithCallback(propertiesCall("GetAll", rootInterface), this,
+                          SLOT(described(QDBusMessage)), noTimeout);
   }
-  bus_.callWithCallback(propertiesCall("GetAll", kPlayerInterface), this,
+  bus_.callWithCallback(propertiesCall("GetAll", playerInterface), this,
                         SLOT(probeAnswered(QDBusMessage)),
-                        SLOT(probeFailed(QDBusError, QDBusMessage)), kForever);
+                        SLOT(probeFailed(QDBusError, QDBusMessage)), noTimeout);
 }
 
 void PlayerMirror::probeAnswered(const QDBusMessage& reply) {
   isProbing_ = false;
-  isPrompt_ = probeAge_.elapsed() <= kPromptAnswer;
-  probeDelay_ = kShortestProbeDelay;
+  isPrompt_ = probeAge_.elapsed() <= promptAnswer;
+  probeDelay_ = shortestProbeDelay;
   adopt(reply.arguments().value(0));
   if (!isPrompt_) nextProbe_.start(probeDelay_);
   emit changed();
@@ -231,7 +228,7 @@ void PlayerMirror::probeFailed(const QDBusError&, const QDBusMessage&) {
   isProbing_ = false;
   isPrompt_ = false;
   nextProbe_.start(probeDelay_);
-  probeDelay_ = std::min(probeDelay_ * 2, kLongestProbeDelay);
+  probeDelay_ = std::min(probeDelay_ * 2, longestProbeDelay);
   if (std::exchange(snapshot_, nullptr)) emit changed();
 }
 
@@ -248,7 +245,7 @@ bool PlayerMirror::hasWritableRating(const PlayerSnapshot& now) {
   if (!askedForWritableProperties_) {
     askedForWritableProperties_ = true;
     bus_.callWithCallback(methodCall("org.freedesktop.DBus.Introspectable", "Introspect"), this,
-                          SLOT(introspected(QDBusMessage)), kForever);
+                          SLOT(introspected(QDBusMessage)), noTimeout);
   }
   return writableProperties_.contains(now.ratingProperty);
 }
@@ -266,11 +263,9 @@ bool PlayerMirror::tell(const QDBusMessage& message) {
   return true;
 }
 
-bool PlayerMirror::command(const char* member) {
-  return tell(methodCall(kPlayerInterface, member));
-}
+bool PlayerMirror::command(const char* member) { return tell(methodCall(playerInterface, member)); }
 
-bool PlayerMirror::raise() { return bus_.send(methodCall(kRootInterface, "Raise")); }
+bool PlayerMirror::raise() { return bus_.send(methodCall(rootInterface, "Raise")); }
 
 bool PlayerMirror::setPosition(double seconds) {
   const auto now = snapshot();
@@ -278,18 +273,18 @@ bool PlayerMirror::setPosition(double seconds) {
   const double target = now->length > 0 ? std::min(seconds, now->length) : seconds;
   if (now->trackId.isEmpty()) {
     // Without the track's id only a distance can be asked for.
-    QDBusMessage seek = methodCall(kPlayerInterface, "Seek");
+    QDBusMessage seek = methodCall(playerInterface, "Seek");
     seek << microsecondsFromSeconds(target) - microsecondsFromSeconds(position());
     return tell(seek);
   }
-  QDBusMessage message = methodCall(kPlayerInterface, "SetPosition");
+  QDBusMessage message = methodCall(playerInterface, "SetPosition");
   message << QVariant::fromValue(QDBusObjectPath(now->trackId)) << microsecondsFromSeconds(target);
   return tell(message);
 }
 
 bool PlayerMirror::setOwnRating(const PlayerSnapshot& now, double rating) {
   if (!hasWritableRating(now)) return false;
-  QDBusMessage message = propertiesCall("Set", kPlayerInterface);
+  QDBusMessage message = propertiesCall("Set", playerInterface);
   message << now.ratingProperty << QVariant::fromValue(QDBusVariant(rating));
   return tell(message);
 }

@@ -1,15 +1,15 @@
 // One player on the bus: what it told last, and the questions and commands to it.
 #pragma once
 
-#include <QDBusConnection>
-#include <QDBusError>
-#include <QDBusMessage>
-#include <QElapsedTimer>
-#include <QObject>
-#include <QString>
-#include <QStringList>
-#include <QTimer>
-#include <QVariant>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QTimer>
+#include <QtCore/QVariant>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusError>
+#include <QtDBus/QDBusMessage>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -19,11 +19,11 @@
 
 namespace desktop {
 
-inline constexpr const char* kPlayerNamePrefix = "org.mpris.MediaPlayer2.";
-inline constexpr const char* kPlayerPath = "/org/mpris/MediaPlayer2";
-inline constexpr const char* kPlayerInterface = "org.mpris.MediaPlayer2.Player";
-inline constexpr const char* kRootInterface = "org.mpris.MediaPlayer2";
-inline constexpr const char* kPropertiesInterface = "org.freedesktop.DBus.Properties";
+inline constexpr const char* playerNamePrefix = "org.mpris.MediaPlayer2.";
+inline constexpr const char* playerPath = "/org/mpris/MediaPlayer2";
+inline constexpr const char* playerInterface = "org.mpris.MediaPlayer2.Player";
+inline constexpr const char* rootInterface = "org.mpris.MediaPlayer2";
+inline constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
 /// Asks a player for all it tells in one message, and keeps the answer until the player speaks
 /// or is spoken to. The position alone changes without a word and is asked for once per turn of

@@ -1,7 +1,7 @@
 #include "desktop/player/registry.h"
 
-#include <QDBusReply>
-#include <QStringList>
+#include <QtCore/QStringList>
+#include <QtDBus/QDBusReply>
 #include <algorithm>
 #include <tuple>
 #include <utility>
@@ -11,7 +11,7 @@ namespace desktop {
 namespace {
 
 /// Stands for whichever player was active last, so it would count that one twice.
-constexpr auto kProxyName = "playerctld";
+constexpr auto proxyName = "playerctld";
 
 QDBusMessage busCall(const char* member) {
   return QDBusMessage::createMethodCall(
@@ -26,15 +26,15 @@ bool isEqual(const QString& a, const QString& b) { return a.compare(b, Qt::CaseI
 PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName)
     : bus_(bus),
       wantedName_(std::move(wantedName)),
-      watcher_(QLatin1String(kPlayerNamePrefix).chopped(1) + QLatin1Char('*'), bus,
+      watcher_(QLatin1String(playerNamePrefix).chopped(1) + QLatin1Char('*'), bus,
                QDBusServiceWatcher::WatchForOwnerChange) {
   connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
           &PlayerRegistry::ownerChanged);
   QDBusConnection connection = bus;
-  connection.connect(QString(), QLatin1String(kPlayerPath), QLatin1String(kPropertiesInterface),
+  connection.connect(QString(), QLatin1String(playerPath), QLatin1String(propertiesInterface),
                      QStringLiteral("PropertiesChanged"), this,
                      SLOT(propertiesChanged(QDBusMessage)));
-  connection.connect(QString(), QLatin1String(kPlayerPath), QLatin1String(kPlayerInterface),
+  connection.connect(QString(), QLatin1String(playerPath), QLatin1String(playerInterface),
                      QStringLiteral("Seeked"), this, SLOT(seeked(QDBusMessage)));
   findPlayers();
   choose();
@@ -44,7 +44,7 @@ void PlayerRegistry::findPlayers() {
   const QDBusReply<QStringList> names = bus_.call(busCall("ListNames"));
   std::vector<PlayerMirror*> found;
   for (const QString& name : names.value()) {
-    if (!name.startsWith(QLatin1String(kPlayerNamePrefix))) continue;
+    if (!name.startsWith(QLatin1String(playerNamePrefix))) continue;
     QDBusMessage question = busCall("GetNameOwner");
     question << name;
     const QDBusReply<QString> owner = bus_.call(question);
@@ -79,7 +79,7 @@ std::vector<const PlayerMirror*> PlayerRegistry::players() const {
 
 bool PlayerRegistry::isWanted(const PlayerMirror& player) const {
   const QString name = player.shortName();
-  if (wantedName_.isEmpty()) return name != QLatin1String(kProxyName);
+  if (wantedName_.isEmpty()) return name != QLatin1String(proxyName);
   return isEqual(wantedName_, name) || isEqual(wantedName_, player.name()) ||
          isEqual(wantedName_, name.section(QLatin1Char('.'), 0, 0)) ||
          isEqual(wantedName_, player.identity());
@@ -129,7 +129,7 @@ void PlayerRegistry::heard(const QDBusMessage& message, Tell tell) {
 }
 
 void PlayerRegistry::propertiesChanged(const QDBusMessage& message) {
-  if (message.arguments().value(0).toString() != QLatin1String(kPlayerInterface)) return;
+  if (message.arguments().value(0).toString() != QLatin1String(playerInterface)) return;
   heard(message, [&](PlayerMirror& player) { player.receivedPropertiesChanged(message); });
 }
 

@@ -1,11 +1,11 @@
 // The players on the bus, and the one among them that the widget follows.
 #pragma once
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusServiceWatcher>
-#include <QObject>
-#include <QString>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtDBus/QDBusConnection>
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusServiceWatcher>
 #include <cstdint>
 #include <memory>
 #include <vector>

@@ -1,11 +1,11 @@
 #include "desktop/player/snapshot.h"
 
-#include <QDBusArgument>
-#include <QDBusObjectPath>
-#include <QDBusVariant>
-#include <QRegularExpression>
-#include <QStringList>
-#include <QUrl>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QStringList>
+#include <QtCore/QUrl>
+#include <QtDBus/QDBusArgument>
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusVariant>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -16,7 +16,7 @@ namespace {
 
 using platform::code;
 
-constexpr double kMicrosecondsPerSecond = 1'000'000;
+constexpr double microsecondsPerSecond = 1'000'000;
 
 /// Variants inside variants, as some players send them; an absurd depth answers none.
 QVariant unwrapped(QVariant value) {
@@ -34,8 +34,8 @@ bool isObjectPath(const QString& text) {
 /// Object paths and texts alike: many players send the track's id as a text.
 QString trackIdFromVariant(const QVariant& value) {
   const QString text = textFromVariant(value);
-  constexpr auto kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
-  return isObjectPath(text) && text != QLatin1String(kNoTrack) ? text : QString();
+  constexpr auto noTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
+  return isObjectPath(text) && text != QLatin1String(noTrack) ? text : QString();
 }
 
 /// The last component of an address, decoded; the host when there is no path.
@@ -125,19 +125,19 @@ std::string statusFromState(platform::FourCharCode state) {
 }
 
 double secondsFromMicroseconds(const QVariant& value) {
-  return std::max(numberFromVariant(value).value_or(0), 0.0) / kMicrosecondsPerSecond;
+  return std::max(numberFromVariant(value).value_or(0), 0.0) / microsecondsPerSecond;
 }
 
 qint64 microsecondsFromSeconds(double seconds) {
-  constexpr double kCentury = 100.0 * 366 * 24 * 3600;
+  constexpr double century = 100.0 * 366 * 24 * 3600;
   if (!(seconds > 0)) return 0;
-  return static_cast<qint64>(std::llround(std::min(seconds, kCentury) * kMicrosecondsPerSecond));
+  return static_cast<qint64>(std::llround(std::min(seconds, century) * microsecondsPerSecond));
 }
 
 std::string lengthText(double seconds) {
-  constexpr double kCentury = 100.0 * 366 * 24 * 3600;
+  constexpr double century = 100.0 * 366 * 24 * 3600;
   if (!(seconds > 0)) return {};
-  const auto whole = static_cast<long long>(std::min(seconds, kCentury));
+  const auto whole = static_cast<long long>(std::min(seconds, century));
   const auto twoDigits = [](long long value) {
     return (value < 10 ? "0" : "") + std::to_string(value);
   };

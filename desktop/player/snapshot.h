@@ -2,8 +2,8 @@
 // interface, version 2.2, and the MPRIS metadata guidelines for the "xesam:" and "mpris:" keys).
 #pragma once
 
-#include <QString>
-#include <QVariantMap>
+#include <QtCore/QString>
+#include <QtCore/QVariantMap>
 #include <optional>
 #include <string>
 

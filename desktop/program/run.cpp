@@ -81,7 +81,7 @@ std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& com
     }
     std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
   }
-  useDemo(commandLine, composition).launch(demo::kPlaying);
+  useDemo(commandLine, composition).launch(demo::statePlaying);
   return std::nullopt;
 }
 

@@ -45,7 +45,7 @@ std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std
   const std::array<Stop, 6> stops{{
       {"playing.png",
        [&] {
-         player.launch(demo::kPlaying);
+         player.launch(demo::statePlaying);
          player.seek(shownPosition);
        }},
       {"paused.png", [&] { player.pause(); }},
@@ -58,8 +58,8 @@ std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std
        }},
       {"live.png",
        [&] {
-         player.launch(demo::kPlaying);
-         player.playTrack(demo::kLiveStation);
+         player.launch(demo::statePlaying);
+         player.playTrack(demo::liveStation);
        },
        true},
   }};

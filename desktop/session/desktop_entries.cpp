@@ -2,10 +2,10 @@
 
 #include <unistd.h>
 
-#include <QProcess>
-#include <QStandardPaths>
-#include <QString>
-#include <QStringList>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 using Group = std::map<std::string, std::string, std::less<>>;
 
-constexpr std::uintmax_t kMaximumFileLength = 1024 * 1024;
+constexpr std::uintmax_t maximumFileLength = 1024 * 1024;
 
 std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(" \t\r");
@@ -65,7 +65,7 @@ std::map<std::string, Group, std::less<>> parseKeyFile(std::string_view text) {
 
 std::string readFile(const fs::path& path) {
   std::error_code error;
-  if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > kMaximumFileLength) {
+  if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > maximumFileLength) {
     return {};
   }
   std::ifstream file(path, std::ios::binary);
@@ -74,12 +74,13 @@ std::string readFile(const fs::path& path) {
 
 /// The escapes of string values: \s \n \t \r and the backslash itself.
 std::string unescaped(std::string_view text) {
-  static const std::map<char, char> kEscapes = {
+  static const std::map<char, char> escapeSequences = {
       {'s', ' '}, {'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'\\', '\\'}};
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool isEscape = text[i] == '\\' && i + 1 < text.size() && kEscapes.contains(text[i + 1]);
-    result += isEscape ? kEscapes.at(text[++i]) : text[i];
+    const bool isEscape =
+        text[i] == '\\' && i + 1 < text.size() && escapeSequences.contains(text[i + 1]);
+    result += isEscape ? escapeSequences.at(text[++i]) : text[i];
   }
   return result;
 }
@@ -272,9 +273,9 @@ std::optional<DesktopEntry> desktopEntryWithIdentifier(const std::string& identi
 }
 
 std::optional<DesktopEntry> defaultApplicationForType(const std::string& type) {
-  constexpr std::string_view kSuffix = ".desktop";
+  constexpr std::string_view suffix = ".desktop";
   for (std::string name : associatedEntries(type)) {
-    if (name.ends_with(kSuffix)) name.resize(name.size() - kSuffix.size());
+    if (name.ends_with(suffix)) name.resize(name.size() - suffix.size());
     if (auto entry = entryNamed(name)) return entry;
   }
   std::optional<DesktopEntry> entry;
@@ -328,11 +329,11 @@ std::optional<std::string> iconPath(const DesktopEntry& entry) {
   }
   if (entry.icon.empty() || entry.icon.find('/') != std::string::npos) return std::nullopt;
   // Every application installs its icon into the theme that all others fall back on.
-  constexpr std::array kSizes = {"scalable", "512x512", "256x256", "192x192", "128x128",
-                                 "96x96",    "64x64",   "48x48",   "32x32"};
+  constexpr std::array sizes = {"scalable", "512x512", "256x256", "192x192", "128x128",
+                                "96x96",    "64x64",   "48x48",   "32x32"};
   for (const fs::path& data : dataFolders()) {
     std::vector<fs::path> places;
-    for (const char* size : kSizes) places.push_back(data / "icons/hicolor" / size / "apps");
+    for (const char* size : sizes) places.push_back(data / "icons/hicolor" / size / "apps");
     places.push_back(data / "pixmaps");
     for (const fs::path& place : places) {
       for (const char* extension : {".svg", ".png"}) {

@@ -7,8 +7,8 @@
 
 namespace desktop {
 
-inline constexpr const char* kPlayerBundleIdentifier = "com.apple.iTunes";
-inline constexpr const char* kPlayerInfoNotification = "com.apple.iTunes.playerInfo";
+inline constexpr const char* playerBundleIdentifier = "com.apple.iTunes";
+inline constexpr const char* playerInfoNotification = "com.apple.iTunes.playerInfo";
 
 /// Narrow, so that a player on the bus and the built-in one are the same to the workspace.
 class PlayerApplication {

@@ -33,12 +33,12 @@ std::vector<std::string> commandForAddress(const platform::URL& url) {
 }
 
 bool DesktopWorkspace::isPlayer(const std::string& bundleIdentifier) const {
-  return platform::caseInsensitiveEqual(bundleIdentifier, kPlayerBundleIdentifier);
+  return platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier);
 }
 
 platform::ObjectArray DesktopWorkspace::runningApplications(const std::string& bundleIdentifier) {
   if (!isPlayer(bundleIdentifier) || player_ == nullptr || !player_->isRunning()) return {};
-  return {platform::make<platform::NSRunningApplication>(kPlayerBundleIdentifier, false)};
+  return {platform::make<platform::NSRunningApplication>(playerBundleIdentifier, false)};
 }
 
 std::optional<std::string> DesktopWorkspace::applicationPath(const std::string& bundleIdentifier) {

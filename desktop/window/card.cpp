@@ -19,7 +19,7 @@ void paintBorder(QPainter& painter, platform::NSSize size, platform::Appearance 
   const double line = 1 / painter.device()->devicePixelRatioF();
   const QRectF middle =
       QRectF(0, 0, size.width, size.height).adjusted(line / 2, line / 2, -line / 2, -line / 2);
-  const double radius = kCardCornerRadius - line / 2;
+  const double radius = cardCornerRadius - line / 2;
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(qtColor(cardBorderColor(appearance), appearance), line));
@@ -32,10 +32,10 @@ Card::Card(std::shared_ptr<platform::NSViewController> controller, const std::st
     : controller_(std::move(controller)),
       window_(platform::make<platform::NSWindow>()),
       content_(platform::make<platform::NSView>()),
-      header_(platform::make<CardHeader>(NSMakeRect(0, 0, cardWidth, kCardHeaderHeight), title)) {
+      header_(platform::make<CardHeader>(NSMakeRect(0, 0, cardWidth, cardHeaderHeight), title)) {
   // What lies at the card's edge follows its corners.
   content_->setWantsLayer(true);
-  content_->layer()->cornerRadius = kCardCornerRadius;
+  content_->layer()->cornerRadius = cardCornerRadius;
   content_->layer()->masksToBounds = true;
   if (controller_->view()) content_->addSubview(controller_->view());
   content_->addSubview(header_);
@@ -61,7 +61,7 @@ void Card::layOut() {
   double height = controller_->preferredContentSize().height;
   if (height <= 0 && controller_->view()) height = controller_->view()->frame().size.height;
   height = std::ceil(height);
-  content_->setFrame(NSMakeRect(0, 0, cardWidth, height + kCardHeaderHeight));
+  content_->setFrame(NSMakeRect(0, 0, cardWidth, height + cardHeaderHeight));
   header_->setFrameOrigin({0, height});
   if (sizeHandler_) sizeHandler_(size());
 }
@@ -100,7 +100,7 @@ void Card::paintBackground(QPainter& painter, platform::Appearance appearance) c
     painter.fillRect(area, Qt::transparent);
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath outline;
-    outline.addRoundedRect(area, kCardCornerRadius, kCardCornerRadius);
+    outline.addRoundedRect(area, cardCornerRadius, cardCornerRadius);
     painter.fillPath(outline, color);
   }
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);

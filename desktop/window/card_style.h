@@ -5,8 +5,8 @@
 
 namespace desktop {
 
-inline constexpr double kCardCornerRadius = 12;  ///< points
-inline constexpr double kCardHeaderHeight = 24;  ///< points
+inline constexpr double cardCornerRadius = 12;  ///< points
+inline constexpr double cardHeaderHeight = 24;  ///< points
 
 /// What the card is filled with. A hint of what lies behind shines through.
 constexpr platform::NSColor cardColor(platform::Appearance appearance) {

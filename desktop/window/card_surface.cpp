@@ -20,12 +20,12 @@ bool canChoosePlace() { return QGuiApplication::platformName() == "xcb"; }
 
 /// The pixels of a card that lie within its corners.
 QRegion cardMask(QSize size) {
-  const int rows = static_cast<int>(kCardCornerRadius);
+  const int rows = static_cast<int>(cardCornerRadius);
   QRegion mask(0, rows, size.width(), size.height() - 2 * rows);
   for (int row = 0; row < rows; ++row) {
-    const double rise = kCardCornerRadius - row - 0.5;
-    const double run = std::sqrt(kCardCornerRadius * kCardCornerRadius - rise * rise);
-    const int inset = qRound(kCardCornerRadius - run);
+    const double rise = cardCornerRadius - row - 0.5;
+    const double run = std::sqrt(cardCornerRadius * cardCornerRadius - rise * rise);
+    const int inset = qRound(cardCornerRadius - run);
     const int width = size.width() - 2 * inset;
     mask += QRect(inset, row, width, 1);
     mask += QRect(inset, size.height() - 1 - row, width, 1);

@@ -9,11 +9,11 @@ namespace platform {
 namespace {
 
 // The kinds of objects that matter here, in the high half of an object's first byte.
-constexpr std::uint64_t kText = 0x5;
-constexpr std::uint64_t kTextUTF16 = 0x6;
-constexpr std::uint64_t kArray = 0xA;
-constexpr std::uint64_t kSet = 0xC;
-constexpr std::uint64_t kDictionary = 0xD;
+constexpr std::uint64_t text = 0x5;
+constexpr std::uint64_t textUTF16 = 0x6;
+constexpr std::uint64_t array = 0xA;
+constexpr std::uint64_t set = 0xC;
+constexpr std::uint64_t dictionary = 0xD;
 
 class Reader {
  public:
@@ -31,7 +31,7 @@ class Reader {
     std::uint64_t offset = 0;
     bool isReferredTo = false;
 
-    bool isContainer() const { return kind == kArray || kind == kSet || kind == kDictionary; }
+    bool isContainer() const { return kind == array || kind == set || kind == dictionary; }
   };
 
   /// The big-endian number at an offset; none when it reaches past the end.
@@ -80,11 +80,11 @@ class Reader {
 
   bool isSound(const Object& object) {
     const auto isNotZero = [](std::uint64_t unit) { return unit != 0; };
-    if (object.kind == kText) return hasOnly(object, 1, isNotZero);
-    if (object.kind == kTextUTF16) return hasOnly(object, 2, isNotZero);
+    if (object.kind == text) return hasOnly(object, 1, isNotZero);
+    if (object.kind == textUTF16) return hasOnly(object, 2, isNotZero);
     if (!object.isContainer()) return true;
     const auto refers = [this](std::uint64_t index) { return refer(index); };
-    return hasOnly(object, referenceWidth_, refers, object.kind == kDictionary ? 2 : 1);
+    return hasOnly(object, referenceWidth_, refers, object.kind == dictionary ? 2 : 1);
   }
 
   /// True when all the elements of an object are there and pass the test.

@@ -62,15 +62,15 @@ TEST_F(TextLabel, EscapeEndsFullScreenModeOnlyWhenAskedTo) {
     label->keyDown(&key);
     return parent->keys;
   };
-  constexpr std::uint16_t kEscape = 53, kReturn = 36;
+  constexpr std::uint16_t escape = 53, returnKey = 36;
   label->enterFullScreenMode();
-  EXPECT_EQ(press(kEscape), 1);
+  EXPECT_EQ(press(escape), 1);
   EXPECT_TRUE(label->isInFullScreenMode());
   label->setEscKeyEndsFullscreenMode(true);
-  EXPECT_EQ(press(kReturn), 2);
-  EXPECT_EQ(press(kEscape), 2);
+  EXPECT_EQ(press(returnKey), 2);
+  EXPECT_EQ(press(escape), 2);
   EXPECT_FALSE(label->isInFullScreenMode());
-  EXPECT_EQ(press(kEscape), 3);
+  EXPECT_EQ(press(escape), 3);
 }
 
 }  // namespace

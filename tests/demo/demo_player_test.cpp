@@ -8,9 +8,9 @@
 
 namespace {
 
-using demo::kPaused;
-using demo::kPlaying;
-using demo::kStopped;
+using demo::statePaused;
+using demo::statePlaying;
+using demo::stateStopped;
 using platform::code;
 using platform::FourCharCode;
 using platform::SBApplication;
@@ -21,7 +21,7 @@ class DemoPlayer : public tests::WidgetFixture {
  protected:
   DemoPlayer() {
     platform_.distributedCenter->addObserver(listener.get(), &Listener::heard,
-                                             demo::kPlayerInfoNotification);
+                                             demo::playerInfoNotification);
   }
 
   /// How many announcements arrive from something that is done now.
@@ -43,13 +43,13 @@ class DemoPlayer : public tests::WidgetFixture {
 
   std::shared_ptr<Listener> listener = platform::make<Listener>();
   std::shared_ptr<SBApplication> application =
-      platform::make<SBApplication>(demo::kPlayerBundleIdentifier);
+      platform::make<SBApplication>(demo::playerBundleIdentifier);
   std::shared_ptr<SBObject> track = application->propertyWithCode(code("pTrk"));
   std::shared_ptr<SBObject> position = application->propertyWithCode(code("pPos"));
 };
 
 TEST_F(DemoPlayer, PositionRunsOnlyWhilePlayingAndStaysWithinTheTrack) {
-  startPlayer(kPlaying);
+  startPlayer(statePlaying);
   clock.advance(10);
   EXPECT_DOUBLE_EQ(position->doubleValue(), 10);
   command(code("PlPs"));
@@ -69,7 +69,7 @@ TEST_F(DemoPlayer, PositionRunsOnlyWhilePlayingAndStaysWithinTheTrack) {
 }
 
 TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
-  startPlayer(kPlaying);
+  startPlayer(statePlaying);
   const double length = player.currentTrack()->duration;
   clock.advance(100);
   player.pause();
@@ -82,13 +82,13 @@ TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
   const int before = listener->count;
   clock.advance(0.5);
   EXPECT_EQ(player.currentTrackIndex(), 1U);
-  EXPECT_EQ(player.state(), kPlaying);
+  EXPECT_EQ(player.state(), statePlaying);
   EXPECT_NEAR(player.position(), 0.499, 1e-6);
   EXPECT_EQ(listener->count, before + 1);
 }
 
 TEST_F(DemoPlayer, TheLiveStationNeverEnds) {
-  startPlayer(kPlaying, demo::kLiveStation);
+  startPlayer(statePlaying, demo::liveStation);
   clock.advance(100'000);
   EXPECT_DOUBLE_EQ(position->doubleValue(), 100'000);
   EXPECT_EQ(track->resolvedClassCode(), code("cURT"));
@@ -96,7 +96,7 @@ TEST_F(DemoPlayer, TheLiveStationNeverEnds) {
 }
 
 TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSeconds) {
-  startPlayer(kPaused, 2);
+  startPlayer(statePaused, 2);
   player.setPosition(3.01);
   command(code("Prev"));
   EXPECT_EQ(player.currentTrackIndex(), 2U);
@@ -104,7 +104,7 @@ TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSeconds) {
   player.setPosition(3);
   command(code("Prev"));
   EXPECT_EQ(player.currentTrackIndex(), 1U);
-  EXPECT_EQ(player.state(), kPaused);
+  EXPECT_EQ(player.state(), statePaused);
 
   player.setCurrentTrackIndex(0);
   command(code("Prev"));
@@ -114,20 +114,20 @@ TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSeconds) {
 }
 
 TEST_F(DemoPlayer, EveryChangeIsAnnouncedOnceAfterTheCommandReturned) {
-  startPlayer(kPlaying);
+  startPlayer(statePlaying);
   EXPECT_EQ(announcementsOf([this] { command(code("PlPs")); }), 1);
   EXPECT_EQ(announcementsOf([this] { command(code("Next")); }), 1);
   EXPECT_EQ(announcementsOf([this] { position->setTo(5.0); }), 1);
   EXPECT_EQ(announcementsOf([this] { trackProperty(code("pLov"))->setTo(true); }), 1);
   EXPECT_EQ(announcementsOf([this] { player.pause(); }), 0) << "paused already";
-  EXPECT_EQ(announcementsOf([this] { player.setState(kPlaying); }), 0);
+  EXPECT_EQ(announcementsOf([this] { player.setState(statePlaying); }), 0);
   EXPECT_EQ(announcementsOf([this] { player.quit(); }), 0);
   EXPECT_EQ(announcementsOf([this] { player.play(); }), 0) << "there is no process to play";
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U) << "nothing ticks any more";
 }
 
 TEST_F(DemoPlayer, RatingsOutsideTheScaleAndOfTheWrongClassAreRefused) {
-  startPlayer(kPaused, demo::kJapaneseTrack);
+  startPlayer(statePaused, demo::japaneseTrack);
   const auto rating = trackProperty(code("pRte"));
   const auto kind = trackProperty(code("pRtk"));
   EXPECT_EQ(announcementsOf([&] {
@@ -141,11 +141,11 @@ TEST_F(DemoPlayer, RatingsOutsideTheScaleAndOfTheWrongClassAreRefused) {
   EXPECT_EQ(rating->integerValue(), 60);
   rating->setTo(0);
   EXPECT_EQ(rating->integerValue(), 0);
-  EXPECT_EQ(kind->enumCodeValue(), demo::kRatedByUser);
+  EXPECT_EQ(kind->enumCodeValue(), demo::ratedByUser);
 }
 
 TEST_F(DemoPlayer, WithoutATrackOrAnyTracksNothingHappens) {
-  startPlayer(kPlaying);
+  startPlayer(statePlaying);
   player.setCurrentTrackIndex(std::nullopt);
   EXPECT_EQ(announcementsOf([this] {
               for (const auto skip : {code("Next"), code("Prev")}) command(skip);
@@ -154,7 +154,7 @@ TEST_F(DemoPlayer, WithoutATrackOrAnyTracksNothingHappens) {
             }),
             0);
   demo::DemoPlayer empty{std::vector<demo::Track>()};
-  empty.launch(kPlaying);
+  empty.launch(statePlaying);
   empty.nextTrack();
   empty.playTrack(0);
   EXPECT_EQ(empty.currentTrack(), nullptr);
@@ -164,11 +164,11 @@ TEST_F(DemoPlayer, LaunchingItFromTheDesktopStartsTheMusicAndOthersAreLeftToTheO
   demo::DemoWorkspace desktop(player, &workspaceBackend);
   desktop.launchApplication("org.virelune.Virelune");
   EXPECT_FALSE(player.isRunning());
-  for (const FourCharCode state : {kStopped, kPaused}) {
+  for (const FourCharCode state : {stateStopped, statePaused}) {
     player.launch(state);
     player.setState(state);
-    desktop.launchApplication(demo::kPlayerBundleIdentifier);
-    EXPECT_EQ(player.state(), kPlaying);
+    desktop.launchApplication(demo::playerBundleIdentifier);
+    EXPECT_EQ(player.state(), statePlaying);
   }
   EXPECT_THAT(workspaceBackend.asked, testing::ElementsAre("launch org.virelune.Virelune"));
 }

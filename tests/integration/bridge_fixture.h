@@ -44,7 +44,7 @@ class BridgeFixture : public testing::Test {
     using platform::NSWorkspaceDidTerminateApplicationNotification;
     platform_.distributedCenter->removeObserver(announced.get());
     platform_.distributedCenter->addObserver(announced.get(), &Announcements::changed,
-                                             desktop::kPlayerInfoNotification);
+                                             desktop::playerInfoNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::launched,
                                                  NSWorkspaceDidLaunchApplicationNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,
@@ -67,7 +67,7 @@ class BridgeFixture : public testing::Test {
     app()->sendEvent_id_parameters(platform::code("hook"), identifier);
   }
   static std::shared_ptr<platform::SBApplication> app() {
-    return platform::make<platform::SBApplication>(desktop::kPlayerBundleIdentifier);
+    return platform::make<platform::SBApplication>(desktop::playerBundleIdentifier);
   }
 
   const PrivateBus bus;

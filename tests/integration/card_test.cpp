@@ -22,8 +22,8 @@ namespace {
 
 using testing::Contains;
 
-constexpr double kTrackHeight = 64 + desktop::kCardHeaderHeight;
-constexpr double kInformationHeight = 30 + desktop::kCardHeaderHeight;
+constexpr double trackHeight = 64 + desktop::cardHeaderHeight;
+constexpr double informationHeight = 30 + desktop::cardHeaderHeight;
 
 /// Everything of a class in a tree of views.
 template <class View>
@@ -112,7 +112,7 @@ class CardOverPlayer : public testing::Test {
 TEST_F(CardOverPlayer, ShowsTheTagsOfTheFileAndThoseOfTheNextOne) {
   const Mpv mpv(bus);
   show();
-  EXPECT_TRUE(hasHeight(kTrackHeight));
+  EXPECT_TRUE(hasHeight(trackHeight));
   EXPECT_TRUE(hasLabel("First Light"));
   EXPECT_TRUE(hasLabel("The Tides — Harbour"));
   EXPECT_THAT(labels(), Contains(testing::MatchesRegex("00:[0-9]{2} . 0:40")));
@@ -172,9 +172,9 @@ TEST_F(CardOverPlayer, StarsAndHeartAreBackWhenBothHaveQuitAndStartedAgain) {
 TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
   auto mpv = std::make_unique<Mpv>(bus);
   show();
-  ASSERT_TRUE(hasHeight(kTrackHeight));
+  ASSERT_TRUE(hasHeight(trackHeight));
   bus.playerctl({"stop"});
-  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(informationHeight); }));
   const std::string stopped = information();
   EXPECT_NE(stopped, "");
 
@@ -183,7 +183,7 @@ TEST_F(CardOverPlayer, StopEndAndReturnOfThePlayerChangeThePanel) {
   EXPECT_NE(information(), "");
 
   mpv = std::make_unique<Mpv>(bus);
-  EXPECT_TRUE(waitUntil([&] { return hasHeight(kTrackHeight) && hasLabel("First Light"); }));
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(trackHeight) && hasLabel("First Light"); }));
 }
 
 TEST_F(CardOverPlayer, AHangingPlayerLeavesTheCardAliveAndIsShownAgain) {
@@ -193,9 +193,9 @@ TEST_F(CardOverPlayer, AHangingPlayerLeavesTheCardAliveAndIsShownAgain) {
   const auto begin = std::chrono::steady_clock::now();
   for (int i = 0; i < 2; ++i) card->update();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
-  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(informationHeight); }));
   mpv.program().send(SIGCONT);
-  EXPECT_TRUE(waitUntil([&] { return hasHeight(kTrackHeight) && hasLabel("First Light"); }));
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(trackHeight) && hasLabel("First Light"); }));
 }
 
 TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
@@ -206,9 +206,9 @@ TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
   bus.playerctl({"stop"});
   ASSERT_TRUE(waitUntil([&] { return bus.playerctl({"status"}) == "Stopped"; }));
   card->update();
-  EXPECT_TRUE(hasHeight(kTrackHeight));
+  EXPECT_TRUE(hasHeight(trackHeight));
   card->setEditing(false);
-  EXPECT_TRUE(waitUntil([&] { return hasHeight(kInformationHeight); }));
+  EXPECT_TRUE(waitUntil([&] { return hasHeight(informationHeight); }));
 }
 
 /// The program on an X display of the test's own.
@@ -249,7 +249,7 @@ class ProgramWindow : public testing::Test {
 TEST_F(ProgramWindow, ClicksCommandThePlayerAndTheCardFollowsIt) {
   const Mpv mpv(bus);
   open();
-  ASSERT_TRUE(waitUntil([&] { return height() == kTrackHeight; }));
+  ASSERT_TRUE(waitUntil([&] { return height() == trackHeight; }));
 
   click(280, 35);  // play and pause
   EXPECT_TRUE(waitForWitness("status", [](auto& status) { return status == "Paused"; }));
@@ -259,17 +259,17 @@ TEST_F(ProgramWindow, ClicksCommandThePlayerAndTheCardFollowsIt) {
   EXPECT_TRUE(waitForWitness("metadata title", [](auto& title) { return title == "First Light"; }));
   click(240, 1);  // three quarters along the bar
   EXPECT_TRUE(waitForWitness("position", [](auto& position) {
-    return std::abs(position.toDouble() - Media::kSeconds * 0.75) < 1;
+    return std::abs(position.toDouble() - Media::trackSeconds * 0.75) < 1;
   }));
   click(280, 35);
   EXPECT_TRUE(waitForWitness("status", [](auto& status) { return status == "Playing"; }));
 
   bus.playerctl({"stop"});
-  EXPECT_TRUE(waitUntil([&] { return height() == kInformationHeight; }));
-  click(285, kInformationHeight - 12);  // the edit toggle
-  EXPECT_TRUE(waitUntil([&] { return height() == kTrackHeight; }));
-  click(285, kTrackHeight - 12);
-  EXPECT_TRUE(waitUntil([&] { return height() == kInformationHeight; }));
+  EXPECT_TRUE(waitUntil([&] { return height() == informationHeight; }));
+  click(285, informationHeight - 12);  // the edit toggle
+  EXPECT_TRUE(waitUntil([&] { return height() == trackHeight; }));
+  click(285, trackHeight - 12);
+  EXPECT_TRUE(waitUntil([&] { return height() == informationHeight; }));
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ namespace {
 using testing::ElementsAre;
 using testing::MatchesRegex;
 
-constexpr const char* kNamePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}-[0-9]{2}-[0-9]{2}\\.jpg";
+constexpr const char* namePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}-[0-9]{2}-[0-9]{2}\\.jpg";
 
 /// The names of a folder's files; none when there is no folder.
 std::vector<std::string> filesIn(const std::filesystem::path& folder) {
@@ -100,7 +100,7 @@ class DragOut : public testing::Test {
     const QString path = QString::fromStdString(file.string());
     EXPECT_EQ(QImageReader(path).format(), "jpeg");
     desktop::QtGraphics graphics(desktop::opaqueLabelColor);
-    const auto cover = graphics.decode(demo::library().at(demo::kPlainTrack).cover->bytes());
+    const auto cover = graphics.decode(demo::library().at(demo::plainTrack).cover->bytes());
     const QImage expected = dynamic_cast<const desktop::QtImage&>(*cover).pixels();
     EXPECT_GE(expected.width(), 300);
     EXPECT_LT(difference(QImage(path), expected), 4) << file;
@@ -126,7 +126,7 @@ TEST_F(DragOut, AFileManagerHasTheCoverSavedIntoItsFolderAndNowhereElse) {
     return !files.empty() && !files.front().starts_with('.');  // which is being written
   };
   ASSERT_TRUE(drop(isSaved));
-  ASSERT_THAT(filesIn(target), ElementsAre(MatchesRegex(kNamePattern)));
+  ASSERT_THAT(filesIn(target), ElementsAre(MatchesRegex(namePattern)));
   expectCover(target / filesIn(target).front());
   EXPECT_FALSE(std::filesystem::exists(waiting));
 }
@@ -138,7 +138,7 @@ TEST_F(DragOut, AReceiverOfAddressesIsGivenAFileInAPrivateFolder) {
                              "--script=/usr/lib/mpv-mpris/mpris.so"});
   const auto address = [&] { return bus.playerctl({"metadata", "xesam:url"}); };
   ASSERT_TRUE(drop([&] { return address().startsWith("file:"); }));
-  ASSERT_THAT(filesIn(waiting), ElementsAre(MatchesRegex(kNamePattern)));
+  ASSERT_THAT(filesIn(waiting), ElementsAre(MatchesRegex(namePattern)));
   expectCover(waiting / filesIn(waiting).front());
   EXPECT_EQ(std::filesystem::status(waiting).permissions(), std::filesystem::perms::owner_all);
 }

@@ -12,7 +12,7 @@ namespace tests {
 
 namespace {
 
-constexpr std::time_t kSegmentSeconds = 4;
+constexpr std::time_t segmentSeconds = 4;
 
 std::string made(const std::string& arguments, const std::filesystem::path& file) {
   const std::string command = "ffmpeg -v error -f lavfi " + arguments + " " + file.string();
@@ -22,15 +22,15 @@ std::string made(const std::string& arguments, const std::filesystem::path& file
   return bytes.str();
 }
 
-constexpr const char* kSound = "-i sine=frequency=440 -t 4 -c:a aac -b:a 64k -f adts";
+constexpr const char* sound = "-i sine=frequency=440 -t 4 -c:a aac -b:a 64k -f adts";
 
 /// The segments of the last 20 seconds, by names that begin so.
 std::string playlist(const std::string& beginning) {
-  const std::time_t current = std::time(nullptr) / kSegmentSeconds;
+  const std::time_t current = std::time(nullptr) / segmentSeconds;
   std::string text = "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:4\n#EXT-X-MEDIA-SEQUENCE:" +
                      std::to_string(current - 5) + "\n";
   for (std::time_t number = current - 5; number < current; ++number) {
-    const std::time_t start = number * kSegmentSeconds;
+    const std::time_t start = number * segmentSeconds;
     std::tm utc{};
     std::array<char, 64> name{};
     std::strftime(name.data(), name.size(), "-%Y%m%dT%H%M%SZ.aac\n", gmtime_r(&start, &utc));
@@ -45,8 +45,8 @@ EncodedStation::EncodedStation(const std::string& title, const std::string& arti
                                const std::string& album)
     : cover_(made("-i color=teal:s=96x96 -frames:v 1", folder_.path() / "cover.jpg")),
       server_([this](Exchange& exchange) { answer(exchange); }) {
-  plainSegment_ = made(kSound, folder_.path() / "plain.aac");
-  segment_ = made(std::string(kSound) + " -write_id3v2 1 -metadata title='" + title +
+  plainSegment_ = made(sound, folder_.path() / "plain.aac");
+  segment_ = made(std::string(sound) + " -write_id3v2 1 -metadata title='" + title +
                       "' -metadata artist='" + artist + "' -metadata album='" + album +
                       "' -metadata artwork=" + server_.address("/cover.jpg"),
                   folder_.path() / "segment.aac");

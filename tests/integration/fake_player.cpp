@@ -11,9 +11,9 @@ namespace tests {
 
 namespace {
 
-const QString kPath = "/org/mpris/MediaPlayer2";
-const QString kPlayerInterface = "org.mpris.MediaPlayer2.Player";
-const QString kPropertiesInterface = "org.freedesktop.DBus.Properties";
+const QString objectPath = "/org/mpris/MediaPlayer2";
+const QString playerInterface = "org.mpris.MediaPlayer2.Player";
+const QString propertiesInterface = "org.freedesktop.DBus.Properties";
 
 QString textOf(QVariant argument) {
   if (argument.canConvert<QDBusVariant>()) argument = argument.value<QDBusVariant>().variant();
@@ -29,13 +29,13 @@ FakePlayer::FakePlayer(const PrivateBus& bus, const QString& name, const QVarian
       properties_(properties) {
   moveToThread(&thread_);
   thread_.start();
-  if (!connection_.registerVirtualObject(kPath, this) || !connection_.registerService(name_)) {
+  if (!connection_.registerVirtualObject(objectPath, this) || !connection_.registerService(name_)) {
     throw std::runtime_error("the fake player cannot get on the bus");
   }
 }
 
 FakePlayer::~FakePlayer() {
-  connection_.unregisterObject(kPath);
+  connection_.unregisterObject(objectPath);
   QDBusConnection::disconnectFromBus(connection_.name());
   thread_.quit();
   thread_.wait();
@@ -43,8 +43,8 @@ FakePlayer::~FakePlayer() {
 
 void FakePlayer::signalChange(const QVariantMap& changed) {
   QDBusMessage signal =
-      QDBusMessage::createSignal(kPath, kPropertiesInterface, "PropertiesChanged");
-  signal << kPlayerInterface << changed << QStringList();
+      QDBusMessage::createSignal(objectPath, propertiesInterface, "PropertiesChanged");
+  signal << playerInterface << changed << QStringList();
   connection_.send(signal);
 }
 
@@ -67,11 +67,10 @@ bool FakePlayer::handleMessage(const QDBusMessage& message, const QDBusConnectio
 QDBusMessage FakePlayer::answer(const QDBusMessage& message) {
   const QMutexLocker lock(&mutex_);
   const QVariantList arguments = message.arguments();
-  if (message.interface() == kPropertiesInterface && message.member() == "GetAll") {
-    return message.createReply(arguments.value(0) == kPlayerInterface ? properties_
-                                                                      : QVariantMap());
+  if (message.interface() == propertiesInterface && message.member() == "GetAll") {
+    return message.createReply(arguments.value(0) == playerInterface ? properties_ : QVariantMap());
   }
-  if (message.interface() == kPropertiesInterface && message.member() == "Get") {
+  if (message.interface() == propertiesInterface && message.member() == "Get") {
     const QVariant value = properties_.value(arguments.value(1).toString());
     return value.isValid() ? message.createReply(QVariant::fromValue(QDBusVariant(value)))
                            : message.createErrorReply(QDBusError::UnknownProperty, "unknown");

@@ -14,7 +14,7 @@ Media::Media() {
   };
   const auto makeTone = [&](const char* name, const QString& title, const QString& artist,
                             const QString& album) {
-    files_ << make(QString("sine=frequency=330:sample_rate=8000:duration=%1").arg(kSeconds),
+    files_ << make(QString("sine=frequency=330:sample_rate=8000:duration=%1").arg(trackSeconds),
                    {"-metadata", "title=" + title, "-metadata", "artist=" + artist, "-metadata",
                     "album=" + album},
                    name);

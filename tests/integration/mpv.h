@@ -11,7 +11,7 @@ namespace tests {
 /// Three tagged files with a tone each, and the cover of their folder. Made once for all tests.
 class Media {
  public:
-  static constexpr double kSeconds = 40;
+  static constexpr double trackSeconds = 40;
 
   static const Media& shared();
   const QStringList& files() const { return files_; }

@@ -1,7 +1,7 @@
 // The bridge with mpv as the player and playerctl as the witness.
 #include <gmock/gmock.h>
 
-#include <QDBusMessage>
+#include <QtDBus/QDBusMessage>
 
 #include "desktop/player/mirror.h"
 #include "tests/integration/bridge_fixture.h"
@@ -66,9 +66,9 @@ TEST_F(PlayerBridge, ARemoteTrackThatGrowsAndGrowsIsAStreamAndItsGrowthIsNoNews)
   /// The length that is shown once the player has told another one.
   const auto lengthAfter = [&](double seconds) {
     player.setProperties(metadata(seconds));
-    auto signal = QDBusMessage::createSignal(desktop::kPlayerPath, desktop::kPropertiesInterface,
+    auto signal = QDBusMessage::createSignal(desktop::playerPath, desktop::propertiesInterface,
                                              "PropertiesChanged");
-    signal << QString(desktop::kPlayerInterface) << metadata(seconds) << QStringList();
+    signal << QString(desktop::playerInterface) << metadata(seconds) << QStringList();
     mirror.receivedPropertiesChanged(signal);
     const auto now = mirror.snapshot();
     return now != nullptr ? now->length : -1;

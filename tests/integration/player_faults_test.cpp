@@ -21,7 +21,7 @@ QVariantMap playing(const QVariantMap& metadata) {
           {"Metadata", metadata}};
 }
 
-const QVariantMap kSong = {{"xesam:title", "Song"}};
+const QVariantMap song = {{"xesam:title", "Song"}};
 
 class PlayerFaults : public BridgeFixture {
  protected:
@@ -85,7 +85,7 @@ TEST_F(PlayerFaults, AKilledPlayerIsGoneAndTheNextOneIsFollowed) {
 }
 
 TEST_F(PlayerFaults, ASlowPlayerIsShownWithoutWaitingForIt) {
-  FakePlayer player(bus, "slow", playing(kSong));
+  FakePlayer player(bus, "slow", playing(song));
   follow();
   ASSERT_EQ(trackText(code("pnam")), "Song");
   player.setAnswerTime(std::chrono::milliseconds(180));
@@ -143,10 +143,10 @@ TEST_F(PlayerFaults, ValuesOfTheWrongKindCountAsMissing) {
 }
 
 TEST_F(PlayerFaults, AFloodOfSignalsIsAnnouncedAFewTimesASecond) {
-  FakePlayer player(bus, "stammerer", playing(kSong));
+  FakePlayer player(bus, "stammerer", playing(song));
   follow();
   const auto flood = [&](const char* lastTitle) {
-    for (int i = 0; i < 10'000; ++i) player.signalChange(playing(kSong));
+    for (int i = 0; i < 10'000; ++i) player.signalChange(playing(song));
     player.setProperties(playing({{"xesam:title", QLatin1String(lastTitle)}}));
     player.signalChange({});
     return waitUntil([&] {

@@ -219,7 +219,7 @@ TEST_F(Store, DemoStoreHasTheCoverThatTheDemoLibraryLacks) {
   ASSERT_NE(store, nullptr);
   transport.trust(store->certificate());
   ask(store->host());
-  const demo::Track track = demo::library()[demo::kTrackWithoutCover];
+  const demo::Track track = demo::library()[demo::trackWithoutCover];
   EXPECT_EQ(tests::nameOf(lookUp(track.artist, track.album)), "cover");
   EXPECT_EQ(tests::nameOf(lookUp(track.artist, "Another Album")), "before");
 }

@@ -14,7 +14,7 @@ TEST_F(ITunes, ATrackResolvesToItsMostSpecificClass) {
   startPlayer();
   const auto track = AEiTunesApplication::vl_currentTrack();
   EXPECT_NE(std::dynamic_pointer_cast<AEiTunesFileTrack>(track->get()), nullptr);
-  player.setCurrentTrackIndex(demo::kLiveStation);
+  player.setCurrentTrackIndex(demo::liveStation);
   EXPECT_NE(std::dynamic_pointer_cast<AEiTunesURLTrack>(track->get()), nullptr);
 
   player.setReply(code("pTrk"), code("cZzz"));
@@ -65,7 +65,7 @@ TEST_F(ITunes, PlaysInEveryReadableStateButStopped) {
 }
 
 TEST_F(ITunes, TheLiveStationIsAStreamOfExactlyThatName) {
-  startPlayer(demo::kStopped, demo::kLiveStation);
+  startPlayer(demo::stateStopped, demo::liveStation);
   const std::tuple<const char*, bool, bool, std::size_t> cases[] = {
       {"Beats 1", true, true, 2},         {"BEATS 1", true, true, 2},
       {"Beats 1", false, false, 2},       {"Beats 1 ", true, false, 1},

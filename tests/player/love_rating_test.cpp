@@ -11,10 +11,10 @@
 namespace virelune {
 namespace {
 
-using demo::kRatedByUser;
-using demo::kRatingComputed;
 using demo::Marks;
-constexpr platform::FourCharCode kUnknownKind{};
+using demo::ratedByUser;
+using demo::ratingComputed;
+constexpr platform::FourCharCode unknownKind{};
 
 /// Writes the companion application's preferences, and the requests to the player in short:
 /// "set pRte 80" for the rating of the current track.
@@ -49,7 +49,7 @@ class LoveRating : public tests::WidgetFixture {
 // One chain a line: the threshold (off: no rule), the command, the marks before (U: rated by the
 // user, C: computed, N: not rated; the rating; + loved, - not), the kind of track, the answer, the
 // marks afterwards, and the requests in their order.
-constexpr const char* kTrackChains = R"(
+constexpr const char* trackChains = R"(
 off toggle    U60- file   yes 60+  get pLov, set pLov true
 off toggle    U60+ file   yes 60-  get pLov, set pLov false
 off rate=80   N0-  file   yes 80-  set pRte 80
@@ -76,7 +76,7 @@ off rate=130  U60+ file   yes 100+ set pRte 100
 100 rate=95   N0+  file   yes 90-  set pRte 95, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, set pRte 90
 100 rate=100  N0-  file   yes 100+ set pRte 100, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
 )";
-constexpr const char* kAlbumChains = R"(
+constexpr const char* albumChains = R"(
 off toggle    U60- file   yes 60+  get pALv, set pALv true
 off rate=130  U60- file   yes 100- set pAlR 100
 80  toggle    C60- file   yes 80+  get pALv, set pALv true, get pARk, get pALv, set pAlR 80
@@ -86,7 +86,7 @@ off rate=130  U60- file   yes 100- set pAlR 100
 )";
 
 Marks marksFrom(const std::string& text) {
-  const auto kind = text[0] == 'U' ? kRatedByUser : text[0] == 'C' ? kRatingComputed : kUnknownKind;
+  const auto kind = text[0] == 'U' ? ratedByUser : text[0] == 'C' ? ratingComputed : unknownKind;
   return {std::stoll(text.substr(1)), kind, text.back() == '+'};
 }
 
@@ -101,9 +101,9 @@ bool perform(const std::string& command, bool onAlbum) {
 }
 
 TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
-  const Marks untouched{30, kRatedByUser, true};
+  const Marks untouched{30, ratedByUser, true};
   for (const bool onAlbum : {false, true}) {
-    std::istringstream table(onAlbum ? kAlbumChains : kTrackChains);
+    std::istringstream table(onAlbum ? albumChains : trackChains);
     for (std::string line; std::getline(table, line);) {
       if (line.empty()) continue;
       SCOPED_TRACE(line);
@@ -135,7 +135,7 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
 TEST_F(LoveRating, TheRuleIsReadAfreshAtEveryStep) {
   switchRuleOn("80");
   startPlayer();
-  player.currentTrack()->marks = {0, kRatedByUser, false};
+  player.currentTrack()->marks = {0, ratedByUser, false};
   player.setRequestHook([](const platform::ScriptingRequest& request) {
     if (request.kind == platform::ScriptingRequest::Kind::resolve) switchRuleOn("100");
     if (request.path.back().code == platform::code("pLov")) writeRule("");
@@ -152,7 +152,7 @@ TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothing
   EXPECT_EQ(player.requestCount(), 0U) << "a command must not wake the player";
 
   startPlayer();
-  player.currentTrack()->marks = {60, kRatedByUser, false};
+  player.currentTrack()->marks = {60, ratedByUser, false};
   player.setRefusesWrites(true);
   vl_toggleTrackLoved();
   vl_setCurrentTrackRating(100);

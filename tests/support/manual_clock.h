@@ -9,12 +9,12 @@ namespace tests {
 class ManualClock final : public platform::RunLoopDriver {
  public:
   /// 2016-03-05 14:07:09 UTC.
-  static constexpr double kStart = 1457186829;
+  static constexpr double start = 1457186829;
 
   platform::RunLoop& runLoop() { return runLoop_; }
 
   platform::TimeInterval now() const override { return elapsed_; }
-  platform::Date date() const override { return {kStart + elapsed_}; }
+  platform::Date date() const override { return {start + elapsed_}; }
   void wakeAt(std::optional<platform::TimeInterval>) override {}
   void wakeNow() override {
     const std::lock_guard lock(mutex_);

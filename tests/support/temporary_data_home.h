@@ -11,15 +11,13 @@ namespace tests {
 class TemporaryDataHome : public TemporaryFolder {
  public:
   TemporaryDataHome() {
-    if (const char* before = std::getenv(kVariable)) before_ = before;
-    ::setenv(kVariable, path().c_str(), 1);
+    if (const char* before = std::getenv(variable)) before_ = before;
+    ::setenv(variable, path().c_str(), 1);
   }
-  ~TemporaryDataHome() {
-    before_ ? ::setenv(kVariable, before_->c_str(), 1) : ::unsetenv(kVariable);
-  }
+  ~TemporaryDataHome() { before_ ? ::setenv(variable, before_->c_str(), 1) : ::unsetenv(variable); }
 
  private:
-  static constexpr const char* kVariable = "XDG_DATA_HOME";
+  static constexpr const char* variable = "XDG_DATA_HOME";
   std::optional<std::string> before_;
 };
 

@@ -28,7 +28,7 @@ class WidgetFixture : public testing::Test {
   ~WidgetFixture() override;
 
   /// Lets the player run with a track in the given state.
-  void startPlayer(platform::FourCharCode state = demo::kPlaying, std::size_t track = 0);
+  void startPlayer(platform::FourCharCode state = demo::statePlaying, std::size_t track = 0);
 
   /// A press and release at a point of the window, with modifier keys.
   void click(platform::NSPoint point, std::uint64_t modifierFlags = 0);

@@ -15,17 +15,17 @@ class TrackActions : public tests::TrackFixture {
   void clickControl(std::size_t index, std::uint64_t flags = 0) {
     click(centerOf(*panel->view()->subviews().at(index)), flags);
   }
-  static constexpr std::size_t kArtwork = 0, kNext = 3, kPlay = 4, kPrevious = 5, kLove = 7;
+  static constexpr std::size_t artwork = 0, next = 3, play = 4, previous = 5, love = 7;
   /// The middle of the third star.
-  static constexpr platform::NSPoint kThreeStars{79 + 39, 16};
+  static constexpr platform::NSPoint threeStars{79 + 39, 16};
 };
 
 TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
   show();
   const std::tuple<std::size_t, const char*, const char*> clicks[] = {
-      {kPlay, "pPlS command hook/PlPs", "Paper Lanterns"},
-      {kNext, "pPlS command hook/Next", "Night Bus, Upper Deck"},
-      {kPrevious, "pPlS command hook/Prev", "Paper Lanterns"},
+      {play, "pPlS command hook/PlPs", "Paper Lanterns"},
+      {next, "pPlS command hook/Next", "Night Bus, Upper Deck"},
+      {previous, "pPlS command hook/Prev", "Paper Lanterns"},
   };
   for (const auto& [control, requests, track] : clicks) {
     player.clearLog();
@@ -43,16 +43,16 @@ TEST_F(TrackActions, ClicksAfterThePlayerHasQuitSendNothing) {
   show();
   player.quit();
   player.clearLog();
-  for (const std::size_t control : {kArtwork, kNext, kPlay, kPrevious, kLove}) {
+  for (const std::size_t control : {artwork, next, play, previous, love}) {
     clickControl(control);
   }
   click({160, 3});
-  click(kThreeStars);
+  click(threeStars);
   EXPECT_THAT(player.log(), IsEmpty());
 }
 
 TEST_F(TrackActions, APressOnTheBarSeeksThere) {
-  show(demo::kPaused);
+  show(demo::statePaused);
   sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
   EXPECT_EQ(player.position(), 112.5);
   EXPECT_EQ(asked(), "pPlS set pPos 112.5 pPlS pPos");
@@ -63,20 +63,20 @@ TEST_F(TrackActions, APressOnTheBarSeeksThere) {
 }
 
 TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
-  show(demo::kPaused, demo::kTrackWithoutCover);
+  show(demo::statePaused, demo::trackWithoutCover);
   demo::Marks& track = player.currentTrack()->marks;
   demo::Marks& album = player.albumMarks(*player.currentTrack());
 
-  clickControl(kLove, NSEventModifierFlagOption);
+  clickControl(love, NSEventModifierFlagOption);
   EXPECT_TRUE(album.loved);
   EXPECT_FALSE(track.loved);
-  click(kThreeStars, NSEventModifierFlagOption | platform::NSEventModifierFlagShift);
+  click(threeStars, NSEventModifierFlagOption | platform::NSEventModifierFlagShift);
   EXPECT_EQ(album.rating, 60);
   EXPECT_EQ(track.rating, 0);
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 0) << "the track's stars are shown";
 
-  clickControl(kLove);
-  click(kThreeStars);
+  clickControl(love);
+  click(threeStars);
   EXPECT_TRUE(track.loved);
   EXPECT_EQ(track.rating, 60);
   EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn) << "at once";
@@ -84,20 +84,20 @@ TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
 }
 
 TEST_F(TrackActions, AClickIsFollowedByTheRefreshOfBothMarks) {
-  show(demo::kPaused);
-  clickControl(kLove);
+  show(demo::statePaused);
+  clickControl(love);
   EXPECT_EQ(asked(), "pLov set pLov false pPlS pLov pPlS pRtk pPlS pRte");
   player.clearLog();
-  click(kThreeStars);
+  click(threeStars);
   EXPECT_EQ(asked(), "pPlS set pRte 60 pPlS pRtk pPlS pRte pPlS pLov");
 }
 
 TEST_F(TrackActions, WhatThePlayerRefusesIsShownAsItReallyIs) {
-  show(demo::kPaused);
+  show(demo::statePaused);
   player.setPosition(10);
   player.setRefusesWrites(true);
-  click(kThreeStars);
-  clickControl(kLove);
+  click(threeStars);
+  clickControl(love);
   click({160, 3});
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 80);
   EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn);
@@ -106,7 +106,7 @@ TEST_F(TrackActions, WhatThePlayerRefusesIsShownAsItReallyIs) {
 
 TEST_F(TrackActions, TheArtworkRevealsTheTrackInThePlayer) {
   show();
-  clickControl(kArtwork);
+  clickControl(artwork);
   EXPECT_EQ(asked(), "pnam pPlS command misc/actv command pTrk hook/Revl");
   EXPECT_THAT(player.revealedTracks(), ElementsAre("Paper Lanterns"));
   EXPECT_EQ(workers.count(), 0U);
@@ -118,7 +118,7 @@ TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
   store.replies.push_back(R"({"results":[{"artistName":"MARLOW & FINCH",
                                "artistLinkUrl":"https://store.example/artist/7"}]})");
   platform_.http = &store;
-  clickControl(kArtwork, NSEventModifierFlagOption);
+  clickControl(artwork, NSEventModifierFlagOption);
   EXPECT_EQ(player.activationCount(), 0U);
   EXPECT_THAT(store.requests, IsEmpty());
   ASSERT_EQ(workers.count(), 1U);
@@ -129,12 +129,12 @@ TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
 }
 
 TEST_F(TrackActions, LiveTheArtworkOpensTheStoreOnceTheArtistIsKnown) {
-  show(demo::kPlaying, demo::kLiveStation);
+  show(demo::statePlaying, demo::liveStation);
   EXPECT_FALSE(panel->openItmsForPlayingTrack(panel.get()));
-  clickControl(kArtwork);
+  clickControl(artwork);
   EXPECT_EQ(workers.count(), 0U) << "no artist, no search";
   panel->contentBeats1InfoLoader()->trackInfoUpdateForKey_withValue("track artist", "Artist");
-  clickControl(kArtwork);
+  clickControl(artwork);
   EXPECT_EQ(workers.count(), 1U);
   EXPECT_EQ(player.activationCount(), 0U);
 }

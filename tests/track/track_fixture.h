@@ -10,7 +10,7 @@ namespace tests {
 class TrackFixture : public WidgetFixture {
  protected:
   /// Puts a new panel on screen, over a player in a state.
-  void show(platform::FourCharCode state = demo::kPlaying, std::size_t track = 0) {
+  void show(platform::FourCharCode state = demo::statePlaying, std::size_t track = 0) {
     startPlayer(state, track);
     panel = platform::make<virelune::VLTrackViewController>();
     window->setContentView(panel->view());

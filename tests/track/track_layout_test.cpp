@@ -8,7 +8,7 @@ using testing::ElementsAre;
 using TrackLayout = tests::TrackFixture;
 
 TEST_F(TrackLayout, ShowsATrackFromTheArtworkBelowToTheTimeAbove) {
-  show(demo::kPlaying, 6);
+  show(demo::statePlaying, 6);
   EXPECT_THAT(painted(),
               ElementsAre("cover", "Copper Wire", "Low Orbit Parade — Signals for Small Rooms",
                           VLImageControllerNext, VLImageControllerPause, VLImageControllerPrevious,

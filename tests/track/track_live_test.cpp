@@ -6,7 +6,7 @@ namespace {
 using TrackLive = tests::TrackFixture;
 
 TEST_F(TrackLive, EachRefreshLeavesOneFreshLoaderAndOneObserver) {
-  show(demo::kPlaying, demo::kLiveStation);
+  show(demo::statePlaying, demo::liveStation);
   const auto first = panel->contentBeats1InfoLoader();
   ASSERT_NE(first, nullptr);
   player.announce();
@@ -23,7 +23,7 @@ TEST_F(TrackLive, EachRefreshLeavesOneFreshLoaderAndOneObserver) {
 }
 
 TEST_F(TrackLive, TheLoadersNotificationRefreshesWhatTheProgrammeDescribes) {
-  show(demo::kPaused, demo::kLiveStation);
+  show(demo::statePaused, demo::liveStation);
   const auto loader = panel->contentBeats1InfoLoader();
   loader->trackInfoUpdateForKey_withValue("track name", "Title");
   loader->postInfoNotification();
@@ -35,12 +35,12 @@ TEST_F(TrackLive, TheLoadersNotificationRefreshesWhatTheProgrammeDescribes) {
 }
 
 TEST_F(TrackLive, AnotherTrackOrHidingEndsTheLoader) {
-  show(demo::kPlaying, demo::kLiveStation);
+  show(demo::statePlaying, demo::liveStation);
   player.playTrack(0);
   clock.settle();
   EXPECT_EQ(panel->contentBeats1InfoLoader(), nullptr);
   EXPECT_EQ(http.inFlight(), 0U);
-  player.playTrack(demo::kLiveStation);
+  player.playTrack(demo::liveStation);
   clock.settle();
   EXPECT_EQ(http.inFlight(), 1U);
   window->setVisible(false);
@@ -49,7 +49,7 @@ TEST_F(TrackLive, AnotherTrackOrHidingEndsTheLoader) {
 }
 
 TEST_F(TrackLive, ALoaderThatCannotStartLeavesTheOneBeforeRunning) {
-  show(demo::kPlaying, demo::kLiveStation);
+  show(demo::statePlaying, demo::liveStation);
   const auto loader = panel->contentBeats1InfoLoader();
   platform_.http = nullptr;
   EXPECT_FALSE(panel->startBeats1InfoLoader(panel.get()));

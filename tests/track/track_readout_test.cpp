@@ -10,7 +10,7 @@ using tests::nameOf;
 
 class TrackReadout : public tests::TrackFixture {
  protected:
-  TrackReadout() { show(demo::kPaused); }
+  TrackReadout() { show(demo::statePaused); }
   demo::Track& track() { return *player.currentTrack(); }
   VLBeats1InfoLoader& loader() { return *panel->contentBeats1InfoLoader(); }
 };
@@ -52,17 +52,17 @@ TEST_F(TrackReadout, ArtworkFallsBackToThePlaceholder) {
   track().cover.reset();
   EXPECT_FALSE(panel->infoTrackHasArtwork());
   EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
-  player.setState(demo::kStopped);
+  player.setState(demo::stateStopped);
   EXPECT_EQ(panel->infoTrackArtwork(), nullptr) << "without a track not even the placeholder";
 }
 
 TEST_F(TrackReadout, StatesAndRatingKindsThatAreUnknownReadAsPausedAndUnknown) {
   const auto playImage = [this] { return nameOf(panel->infoTrackPlayImage()); };
-  player.setState(demo::kPlaying);
+  player.setState(demo::statePlaying);
   EXPECT_EQ(playImage(), VLImageControllerPause);
   player.setState(code("kPSF"));
   EXPECT_EQ(playImage(), VLImageControllerPlay);
-  track().marks = {60, demo::kRatingComputed, false};
+  track().marks = {60, demo::ratingComputed, false};
   EXPECT_EQ(panel->infoTrackRatingType(), VLRatingTypeComputed);
   track().marks.ratingKind = code("kXyz");
   EXPECT_EQ(panel->infoTrackRatingType(), VLRatingTypeUnknown);
@@ -71,7 +71,7 @@ TEST_F(TrackReadout, StatesAndRatingKindsThatAreUnknownReadAsPausedAndUnknown) {
 }
 
 TEST_F(TrackReadout, LiveTheProgrammeComesFirstAndTheStreamAfterIt) {
-  player.playTrack(demo::kLiveStation);
+  player.playTrack(demo::liveStation);
   clock.settle();
   EXPECT_EQ(panel->infoTrackName(), "Beats 1");
   EXPECT_EQ(panel->infoTrackArtistWithAlbum(), "Live radio — On air now");

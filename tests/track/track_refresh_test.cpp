@@ -6,7 +6,7 @@ namespace {
 using TrackRefresh = tests::TrackFixture;
 
 TEST_F(TrackRefresh, AFullRefreshAsksExactlyThisInThisOrder) {
-  show(demo::kPaused);
+  show(demo::statePaused);
   panel->update(panel.get());
   EXPECT_EQ(asked(),
             "pnam pPlS pnam "                                      // name
@@ -22,7 +22,7 @@ TEST_F(TrackRefresh, AFullRefreshAsksExactlyThisInThisOrder) {
 }
 
 TEST_F(TrackRefresh, AnAlbumArtistThatIsMissingGivesWayToTheArtistInTheLookUp) {
-  show(demo::kPaused, demo::kTrackWithoutCover);
+  show(demo::statePaused, demo::trackWithoutCover);
   player.currentTrack()->albumArtist = "";
   player.clearLog();
   const std::size_t before = http.count();
@@ -33,7 +33,7 @@ TEST_F(TrackRefresh, AnAlbumArtistThatIsMissingGivesWayToTheArtistInTheLookUp) {
 }
 
 TEST_F(TrackRefresh, TheHeartbeatAsksForAndRepaintsOnlyThePositionEverySecond) {
-  show(demo::kPaused);
+  show(demo::statePaused);
   player.setPosition(7);
   clock.advance(0.9);
   EXPECT_EQ(asked(), "");
@@ -64,7 +64,7 @@ TEST_F(TrackRefresh, OneHeartbeatTicksWhileShownAndNoneWhileHidden) {
 }
 
 TEST_F(TrackRefresh, DestroyedWhileShownItLeavesNothingBehind) {
-  show(demo::kPaused, demo::kLiveStation);
+  show(demo::statePaused, demo::liveStation);
   ASSERT_EQ(http.inFlight(), 1U);
   panel = nullptr;
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
@@ -77,7 +77,7 @@ TEST_F(TrackRefresh, DestroyedWhileShownItLeavesNothingBehind) {
 }
 
 TEST_F(TrackRefresh, APlayerThatGoesInTheMiddleOfARefreshIsSurvivedAndFoundAgain) {
-  show(demo::kPaused);
+  show(demo::statePaused);
   panel->update(panel.get());
   const std::size_t requests = player.requestCount();
   for (const bool quits : {true, false}) {
@@ -94,7 +94,7 @@ TEST_F(TrackRefresh, APlayerThatGoesInTheMiddleOfARefreshIsSurvivedAndFoundAgain
       EXPECT_EQ(hasName, !quits && last > 3) << "its last question is the third: " << last;
 
       player.setSilent(false);
-      startPlayer(demo::kPaused);
+      startPlayer(demo::statePaused);
       ASSERT_EQ(panel->contentNameTextLabel()->text(), "Paper Lanterns") << last;
       ASSERT_EQ(panel->contentRatingIndicator()->nowValue(), 80);
     }

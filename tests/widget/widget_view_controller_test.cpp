@@ -47,7 +47,7 @@ TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
 
   const auto edit = [this] { widget->widgetDidBeginEditing(); };
   const auto endEditing = [this] { widget->widgetDidEndEditing(); };
-  const auto play = [this] { player.launch(demo::kPlaying); };
+  const auto play = [this] { player.launch(demo::statePlaying); };
   const auto quit = [this] { player.quit(); };
   const auto answer = [this](bool answers) {
     player.setSilent(!answers);
@@ -90,7 +90,7 @@ TEST_F(Widget, FollowsThePlayerThroughEveryTransition) {
 
 TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) {
   show();
-  startPlayer(demo::kPaused);
+  startPlayer(demo::statePaused);
   const std::weak_ptr<VLViewController> track = widget->contentViewController();
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 1U) << "the heartbeat";
   player.stop();
@@ -101,7 +101,7 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 4U);
   EXPECT_THAT(heights, ElementsAre(30, 64, 30));
 
-  startPlayer(demo::kPaused);
+  startPlayer(demo::statePaused);
   widget = nullptr;
   window->setContentView(nullptr);
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
