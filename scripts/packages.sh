@@ -9,6 +9,7 @@ test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x1
   ffmpeg lld)
 bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
 fuzz_packages=(clang libclang-rt-dev)
+lint_packages=(clang clang-format clang-tidy)
 
 # Installs those of the named packages that are missing. Ends the program with one message that
 # names them when that is not possible.

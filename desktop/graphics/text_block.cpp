@@ -19,7 +19,7 @@ constexpr double lineHeightOfSize = 1.2;
 constexpr QChar ellipsis(0x2026);
 constexpr int narrowest = 75;  // per cent of a font's own width
 constexpr double anyWidth =
-    std::numeric_limits<int>::max() / 256;  // the layout's numbers end there
+    std::numeric_limits<int>::max() / 256.0;  // the layout's numbers end there
 
 template <class T>
 T attribute(const platform::Dictionary& attributes, const char* key, T otherwise) {

@@ -7,7 +7,7 @@
 namespace desktop {
 
 struct FreeReply {
-  void operator()(void* reply) const { std::free(reply); }
+  void operator()(void* reply) const { std::free(reply); }  // NOLINT: xcb made it
 };
 
 /// Takes a reply over; null stays null.
