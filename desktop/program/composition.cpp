@@ -3,7 +3,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
 #include "platform/application/bundle.h"
-#include "platform/loop/dispatch.h"
 
 namespace desktop {
 
@@ -52,7 +51,7 @@ void Composition::setStoreHost(const std::string& host) {
 
 void Composition::useNetwork() {
   http_ = std::make_unique<platform::CurlTransport>();
-  workers_ = std::make_unique<platform::WorkerPool>();
+  workers_ = std::make_unique<WorkerPool>();
   platform_.http = http_.get();
   platform_.globalQueue = workers_.get();
 }

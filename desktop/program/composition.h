@@ -15,13 +15,14 @@
 #include "desktop/graphics/backend.h"
 #include "desktop/player/bridge.h"
 #include "desktop/program/qt_run_loop.h"
+#include "desktop/program/worker_pool.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/login_items.h"
 #include "desktop/session/workspace.h"
 #include "desktop/window/card.h"
 #include "desktop/window/card_style.h"
 #include "platform/application/bundle.h"
-#include "platform/loop/dispatch.h"
+
 #include "platform/network/curl_transport.h"
 #include "platform/platform.h"
 
@@ -85,7 +86,7 @@ class Composition {
   std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;
   std::unique_ptr<platform::NSWorkspace> workspace_;
   std::unique_ptr<platform::CurlTransport> http_;
-  std::unique_ptr<platform::WorkerPool> workers_;
+  std::unique_ptr<WorkerPool> workers_;
   std::unique_ptr<DragSource> drag_;
   std::unique_ptr<Card> card_;
 };

@@ -4,11 +4,12 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "platform/loop/dispatch.h"
 #include "platform/network/http.h"
 
 namespace tests {
@@ -41,22 +42,36 @@ class InstantHTTP final : public platform::HTTPTransport {
   std::vector<platform::HTTPRequest> requests;
 };
 
-/// Completes each request, also a cancelled one, on a thread of its own.
+/// Completes each request, also a cancelled one, on a thread of its own, in their order.
 class ThreadedHTTP final : public platform::HTTPTransport {
  public:
   using Answer = std::function<platform::Data(const std::string& url)>;
   explicit ThreadedHTTP(Answer answer) : answer_(std::move(answer)) {}
+  ~ThreadedHTTP() override {
+    // An answer may have brought on the next request.
+    while (lastThread().joinable()) continue;
+  }
+
   std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest request,
                                                 Completion completion) override {
-    worker_.async([body = answer_(request.url), completion = std::move(completion)] {
+    const std::lock_guard lock(mutex_);
+    last_ = std::jthread([before = std::move(last_), body = answer_(request.url),
+                          completion = std::move(completion)]() mutable {
+      before = {};  // which waits for its end
       completion({.body = body, .status = 200, .error = {}});
     });
     return std::make_shared<DeafTransfer>();
   }
 
  private:
+  std::jthread lastThread() {
+    const std::lock_guard lock(mutex_);
+    return std::move(last_);
+  }
+
   const Answer answer_;
-  platform::WorkerPool worker_{1};
+  std::mutex mutex_;
+  std::jthread last_;  // guarded by mutex_
 };
 
 }  // namespace tests
