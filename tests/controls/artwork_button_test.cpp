@@ -37,22 +37,18 @@ class ArtworkButton : public tests::ControlFixture<VLArtworkButton> {
   std::string shown() const { return nameOf(control->image()); }
 };
 
-TEST_F(ArtworkButton, TermKeepsQuerySyntaxAndEscapesTheRest) {
+TEST_F(ArtworkButton, CoverArrivesInTheLargeSizeOfTheAlbumAskedFor) {
   lookUp("A & B = C+D", "50% \"Ü\" #1 👋 e\u0301");
   EXPECT_EQ(http.last().request.url,
             "https://itunes.apple.com/search?term=A+&+B+=+C+D+50%25+%22%C3%9C%22+%231+"
             "%F0%9F%91%8B+e%CC%81&entity=album");
-}
-
-TEST_F(ArtworkButton, CoverArrivesInTheLargeSize) {
   lookUp();
-  http.answer(0, reply("https://img.example/100x100/a-100x100.jpg"));
-  ASSERT_EQ(http.count(), 2U);
-  EXPECT_EQ(http.at(1).request.url, "https://img.example/1000x1000/a-1000x1000.jpg");
-  EXPECT_EQ(shown(), "placeholder");
-  http.answer(1, tests::imageBytes("cover"));
+  http.answer(1, reply("https://img.example/100x100/a-100x100.jpg"));
+  ASSERT_EQ(http.count(), 3U);
+  EXPECT_EQ(http.at(2).request.url, "https://img.example/1000x1000/a-1000x1000.jpg");
+  http.answer(2, tests::imageBytes("cover"));
   EXPECT_EQ(control->contentURLSessionDataTask(), nullptr);
-  EXPECT_EQ(shown(), "placeholder");  // shown on the main thread, in its next pass
+  EXPECT_EQ(shown(), "placeholder") << "shown on the main thread, in its next pass";
   clock.settle();
   EXPECT_EQ(shown(), "cover");
   EXPECT_FALSE(control->cancelDownload(nullptr));
@@ -105,17 +101,48 @@ TEST_F(ArtworkButton, WithoutArtistOrAlbumOrDownloadNothingIsAsked) {
 }
 
 TEST_F(ArtworkButton, ExactAlbumGoesBeforeAPartialOneAndTheArtistMustMatchWhole) {
-  const Array items{Value(7), entry("Foo Fighters", "Bar", "wrong artist"),
-                    entry("FOO", "Bar (Deluxe Edition)", "partial"), entry("foo", "bar", "exact"),
+  const Array items{Value(7),
+                    entry("Foo Fighters", "Bar", "wrong artist"),
+                    entry("FOO", "Bar (Deluxe Edition)", "partial"),
+                    entry("Foo", "Bar (Remix)", "second partial"),
+                    entry("foo", "bar", "exact"),
                     entry("Foo", "Bar", "second")};
   const auto found = [&](const std::string& album, std::ptrdiff_t count) {
     return VLArtworkButton::iTMSfindArtworkAddressForArtist_withAlbum_inItems(
         "Foo", album, Array(items.begin(), items.begin() + count));
   };
   EXPECT_EQ(found("Bar", 2), std::nullopt);
-  EXPECT_EQ(found("Bar", 3), "partial");
-  EXPECT_EQ(found("Bar", 5), "exact");
-  EXPECT_EQ(found("deluxe", 5), "partial");
+  EXPECT_EQ(found("Bar", 4), "partial");
+  EXPECT_EQ(found("Bar", 6), "exact");
+  EXPECT_EQ(found("deluxe", 6), "partial");
+  EXPECT_EQ(found("", 6), std::nullopt);
+}
+
+TEST_F(ArtworkButton, DestroyedWhileItSearchesOrLoadsItCancelsAndHearsNothingMore) {
+  for (const bool loads : {false, true}) {
+    lookUp();
+    if (loads) http.answer(http.lastIndex(), reply());
+    clock.settle();
+    const std::size_t last = http.lastIndex();
+    control->removeFromSuperview();
+    control = nullptr;
+    EXPECT_TRUE(http.at(last).cancelled);
+    http.answer(last, reply());
+    clock.settle();
+    EXPECT_EQ(http.lastIndex(), last);
+    control = platform::make<VLArtworkButton>(platform::NSMakeRect(6, 9, 50, 50));
+  }
+}
+
+TEST_F(ArtworkButton, ClicksWhenReleasedInsideWithoutDimmingInAWindowThatIsNotActiveToo) {
+  EXPECT_TRUE(control->acceptsFirstMouse(nullptr));
+  for (const auto& [x, clicks] : {std::pair(57, 0), {5, 0}, {55, 1}}) {
+    marked.clear();
+    sendMouse(platform::NSEventType::leftMouseDown, {30, 30});
+    sendMouse(platform::NSEventType::leftMouseUp, {static_cast<double>(x), 30});
+    EXPECT_EQ(target->count, clicks) << x;
+    EXPECT_TRUE(marked.empty());
+  }
 }
 
 // Orderings: what was superseded changes nothing.

@@ -84,7 +84,10 @@ TEST_F(ArtworkDrag, TheFirstMovementBeginsTheOneDragOfAPressAndNothingClicks) {
   sendMouse(NSEventType::leftMouseUp, {40, 30});
   EXPECT_EQ(target->count, 0);
   ASSERT_EQ(desktop.sessions.size(), 1U);
-  EXPECT_EQ(desktop.sessions.front()->draggingLocation(), (platform::NSPoint{25, 21}));
+  auto& session = *desktop.sessions.front();
+  EXPECT_EQ(session.draggingLocation(), (platform::NSPoint{25, 21}));
+  EXPECT_EQ(session.items().front()->draggingFrame(), control->bounds());
+  EXPECT_EQ(session.items().front()->contents(), control->image());
   click({30, 30});
   EXPECT_EQ(target->count, 1) << "the next press is a press again";
 }
@@ -114,7 +117,14 @@ TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
   EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "PNG of next");
   EXPECT_EQ(desktop.text("text/plain"), "(none)");
   EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "no folder was named";
-  EXPECT_TRUE(files().empty());
+  std::ofstream(folder.path() / "file") << "text";
+  for (const char* place : {"", "/missing", "/file"}) {
+    EXPECT_EQ(desktop.drop(*place == 0 ? place : dropFolder + place), "(none)") << place;
+  }
+  EXPECT_EQ(desktop.drop("/proc/self"), "(none)");
+  EXPECT_THAT(files(), ElementsAre("file"));
+  EXPECT_NE(desktop.drop(dropFolder), "(none)");
+  EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "the folder was for once";
   control->setImage(nullptr);
   EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "(none)") << "not the bytes of the time before";
   EXPECT_EQ(desktop.drop(dropFolder), "(none)");
@@ -132,16 +142,6 @@ TEST_F(ArtworkDrag, ADropWritesAFileNamedByItsLocalSecondAndReplacesOneOfTheSame
   clock.advance(1);
   desktop.drop(dropFolder);
   EXPECT_EQ(files().size(), 2U);
-}
-
-TEST_F(ArtworkDrag, FoldersThatTakeNoFileGetNone) {
-  drag();
-  std::ofstream(folder.path() / "file") << "text";
-  for (const std::string& place :
-       {std::string(), dropFolder + "/missing", dropFolder + "/file", std::string("/proc/self")}) {
-    EXPECT_EQ(desktop.drop(place), "(none)") << place;
-  }
-  EXPECT_THAT(files(), ElementsAre("file"));
 }
 
 TEST_F(ArtworkDrag, AFullDiskLeavesTheOldFileAndNoHalfOne) {

@@ -2,8 +2,11 @@
 
 #include "extensions/collections.h"
 #include "extensions/files.h"
+#include "extensions/notifications.h"
 #include "extensions/strings.h"
+#include "extensions/views.h"
 #include "platform/view/button.h"
+#include "tests/support/listener.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 
@@ -61,12 +64,37 @@ TEST(Collections, ElementsOutsideTheArrayAndOfOtherClassesAreNone) {
 
 TEST(Collections, SettingTellsWhetherTheDictionaryChanged) {
   Dictionary dictionary;
-  EXPECT_FALSE(vl_setObject_forKey(dictionary, "value", ""));
-  EXPECT_FALSE(vl_setObject_forKey(dictionary, "", "key"));
-  EXPECT_TRUE(vl_setObject_forKey(dictionary, "value", "key"));
-  EXPECT_FALSE(vl_setObject_forKey(dictionary, "value", "key"));
-  EXPECT_TRUE(vl_setObject_forKey(dictionary, "", "key"));
-  EXPECT_TRUE(dictionary.empty());
+  const std::tuple<const char*, const char*, bool, const char*> steps[] = {
+      {"", "key", false, nullptr},     {"value", "", false, nullptr},
+      {"value", "key", true, "value"}, {"value", "key", false, "value"},
+      {"other", "key", true, "other"}, {"", "key", true, nullptr}};
+  for (const auto& [value, key, changes, stored] : steps) {
+    EXPECT_EQ(vl_setObject_forKey(dictionary, value, key), changes) << value << key;
+    EXPECT_EQ(dictionary, stored ? Dictionary({{"key", stored}}) : Dictionary());
+  }
+}
+
+TEST_F(Helpers, EqualNotificationsPostedInARowAreAllDeliveredOnceTheLoopIsIdle) {
+  const auto listener = platform::make<tests::Listener>();
+  platform_.defaultCenter->addObserver(listener.get(), &tests::Listener::heard, "name");
+  EXPECT_FALSE(vl_postNotificationWithName(listener.get(), ""));
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(vl_postNotificationWithName(listener.get(), "name"));
+  EXPECT_EQ(listener->count, 0);
+  clock.settle();
+  EXPECT_EQ(listener->count, 2);
+}
+
+TEST_F(Helpers, AllSubviewsAreRemovedAndAnEmbeddedViewKeepsItsSize) {
+  const auto view = platform::make<platform::NSView>(platform::NSMakeRect(3, 4, 50, 60));
+  EXPECT_FALSE(vl_removeSubviews(view));
+  for (int i = 0; i < 3; ++i) view->addSubview(platform::make<platform::NSView>());
+  EXPECT_TRUE(vl_removeSubviews(view));
+  EXPECT_TRUE(view->subviews().empty());
+  EXPECT_EQ(vl_image(view)->size(), view->frame().size);
+  const auto around = vl_embededInScrollView(view);
+  EXPECT_EQ(around->frame(), platform::NSMakeRect(3, 4, 50, 60));
+  EXPECT_EQ(view->frame(), platform::NSMakeRect(0, 0, 50, 60));
+  EXPECT_EQ(around->documentView(), view);
 }
 
 }  // namespace

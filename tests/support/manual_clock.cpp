@@ -29,7 +29,7 @@ void ManualClock::advance(platform::TimeInterval seconds) {
     elapsed_ = std::max(elapsed_, *deadline);
     settle();
   }
-  elapsed_ = end;
+  elapsed_ = std::max(elapsed_, end);
   settle();
 }
 

@@ -25,6 +25,8 @@ class ManualClock final : public platform::RunLoopDriver {
   void settle();
   /// Lets time pass, stopping at every timer on the way.
   void advance(platform::TimeInterval seconds);
+  /// Lets time pass in the middle of what is under way.
+  void pass(platform::TimeInterval seconds) { elapsed_ += seconds; }
 
  private:
   double elapsed_ = 0;

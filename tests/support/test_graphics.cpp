@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <sstream>
 #include "platform/graphics/canvas.h"
 
 namespace tests {
@@ -16,6 +17,66 @@ std::string nameOf(const std::shared_ptr<platform::NSImage>& image) {
 }
 
 Data imageBytes(const std::string& name) { return Data::fromText("image:" + name); }
+
+void RecordingCanvas::clip(platform::NSRect rect, double cornerRadius) {
+  rect = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
+  state_.clip = state_.clip ? platform::NSIntersectionRect(*state_.clip, rect) : rect;
+  state_.cornerRadius = cornerRadius;
+}
+
+void RecordingCanvas::drawText(const platform::NSAttributedString& text, platform::NSRect rect,
+                               unsigned options) {
+  DrawingStep& step = add(rect, text.text);
+  step.options = options;
+  for (const auto& [key, value] : text.attributes) {
+    if (const auto* color = value.get<platform::NSColor>()) step.color = *color;
+    if (const auto* font = value.get<platform::NSFont>()) step.font = *font;
+    if (const auto* style = value.get<platform::NSParagraphStyle>())
+      step.alignment = style->alignment;
+  }
+}
+
+std::vector<std::string> RecordingCanvas::names() const {
+  std::vector<std::string> found;
+  for (const auto& step : steps_) {
+    if (!step.name.empty()) found.push_back(step.name);
+  }
+  return found;
+}
+
+DrawingStep& RecordingCanvas::add(platform::NSRect rect, std::string name) {
+  rect = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
+  const auto visible = state_.clip ? platform::NSIntersectionRect(rect, *state_.clip) : rect;
+  return steps_.emplace_back(
+      DrawingStep{rect, visible, state_.cornerRadius, state_.alpha, std::move(name)});
+}
+
+std::string portrait(platform::NSView& view) {
+  RecordingCanvas canvas;
+  view.displayRect(canvas, view.bounds());
+  std::ostringstream text;
+  const auto told = [](const platform::NSRect& rect) {
+    std::ostringstream figures;
+    figures << ' ' << rect.minX() << ' ' << rect.minY() << ' ' << rect.size.width << ' '
+            << rect.size.height;
+    return figures.str();
+  };
+  constexpr const char* alignments[] = {" left", " right", " centred", " justified", ""};
+  for (const DrawingStep& step : canvas.steps()) {
+    text << '\n' << (step.name.empty() ? "fill" : step.name) << told(step.rect);
+    if (told(step.visible) != told(step.rect)) text << told(step.visible);
+    if (step.cornerRadius != 0) text << " round " << step.cornerRadius;
+    if (step.alpha != 1) text << " alpha " << step.alpha;
+    if (const auto color = step.color) {
+      const bool isLabel = color == platform::NSColor::labelColor();
+      isLabel ? text << " label" : text << " grey " << color->red() << '/' << color->alpha();
+    }
+    if (step.font) text << " size " << step.font->size;
+    if (step.font && step.font->monospacedDigits) text << " equal digits";
+    if (step.alignment) text << alignments[static_cast<std::size_t>(*step.alignment)];
+  }
+  return text.str();
+}
 
 std::shared_ptr<platform::NSImage> TestGraphics::decode(const Data& data) {
   constexpr std::string_view mark = "image:";

@@ -9,6 +9,7 @@
 
 #include "platform/graphics/canvas.h"
 #include "platform/graphics/graphics.h"
+#include "platform/view/view.h"
 
 namespace tests {
 
@@ -33,9 +34,13 @@ platform::Data imageBytes(const std::string& name);
 /// One drawing step, in the coordinates of the canvas.
 struct DrawingStep {
   platform::NSRect rect;
-  double alpha = 1;  ///< product of all opacities at work
-  std::string name;  ///< of the image, or the text; empty for a fill
-  std::optional<platform::NSColor> color;
+  platform::NSRect visible;  ///< of the rectangle, what the clips let through
+  double cornerRadius = 0;   ///< of the innermost clip
+  double alpha = 1;          ///< product of all opacities at work
+  std::string name;          ///< of the image, or the text; empty for a fill
+  std::optional<platform::NSColor> color = std::nullopt;
+  std::optional<platform::NSFont> font = std::nullopt;
+  std::optional<platform::NSTextAlignment> alignment = std::nullopt;
   unsigned options = 0;
 };
 
@@ -49,7 +54,7 @@ class RecordingCanvas final : public platform::Canvas {
   void translate(double dx, double dy) override {
     state_.origin = {state_.origin.x + dx, state_.origin.y + dy};
   }
-  void clip(platform::NSRect, double) override {}
+  void clip(platform::NSRect rect, double cornerRadius) override;
   void multiplyAlpha(double alpha) override { state_.alpha *= alpha; }
   void fillRect(platform::NSRect rect, platform::NSColor color) override {
     if (!rect.isEmpty()) add(rect).color = color;
@@ -61,35 +66,31 @@ class RecordingCanvas final : public platform::Canvas {
     add(rect, dynamic_cast<const TestImage&>(image).name()).alpha *= fraction;
   }
   void drawText(const platform::NSAttributedString& text, platform::NSRect rect,
-                unsigned options) override {
-    add(rect, text.text).options = options;
-  }
+                unsigned options) override;
 
   const std::vector<DrawingStep>& steps() const { return steps_; }
   /// The texts and the names of the images drawn, in order.
-  std::vector<std::string> names() const {
-    std::vector<std::string> found;
-    for (const auto& step : steps_) {
-      if (!step.name.empty()) found.push_back(step.name);
-    }
-    return found;
-  }
+  std::vector<std::string> names() const;
   bool isBalanced() const { return stack_.empty(); }
 
  private:
   struct State {
     platform::NSPoint origin;
     double alpha = 1;
+    std::optional<platform::NSRect> clip;
+    double cornerRadius = 0;
   };
-  DrawingStep& add(platform::NSRect rect, std::string name = "") {
-    const auto moved = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
-    return steps_.emplace_back(DrawingStep{moved, state_.alpha, std::move(name), {}, 0});
-  }
+  DrawingStep& add(platform::NSRect rect, std::string name = "");
 
   State state_;
   std::vector<State> stack_;
   std::vector<DrawingStep> steps_;
 };
+
+/// What a view draws, one step a line: the name, x y width height, and of what differs from the
+/// usual the part that is cut off, "round 3", "alpha 0.5", colour, "size 12", "equal digits" and
+/// the alignment.
+std::string portrait(platform::NSView& view);
 
 /// Every character is half as wide as the font's size; a line is 1.25 times as high as it.
 class TestGraphics final : public platform::Graphics {

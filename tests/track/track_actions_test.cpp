@@ -1,3 +1,6 @@
+#include <fstream>
+
+#include "extensions/application_paths.h"
 #include "tests/support/instant_http.h"
 #include "tests/track/track_fixture.h"
 #include "widget/constants.h"
@@ -83,13 +86,25 @@ TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
   EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 60);
 }
 
-TEST_F(TrackActions, AClickIsFollowedByTheRefreshOfBothMarks) {
-  show(demo::statePaused);
+TEST_F(TrackActions, TheLoveRuleShowsInHeartAndStarsAtOnce) {
+  std::ofstream(*vl_applicationPreferencesURLForPlistGeneral()->filePath())
+      << "<plist version=\"1.0\"><dict><key>UseAutoLove</key><true/>"
+         "<key>UseAutoLoveValue</key><integer>60</integer></dict></plist>";
+  show(demo::statePaused, demo::trackWithoutCover);
+  const auto shown = [this] {
+    const std::string heart = nameOf(panel->contentLoveButton()->image());
+    return (heart == VLImageLoveOn ? "loved " : "not ") +
+           std::to_string(panel->contentRatingIndicator()->nowValue());
+  };
   clickControl(love);
-  EXPECT_EQ(asked(), "pLov set pLov false pPlS pLov pPlS pRtk pPlS pRte");
-  player.clearLog();
+  EXPECT_EQ(shown(), "loved 60");
+  clickControl(love);
+  EXPECT_EQ(shown(), "not 50");
   click(threeStars);
-  EXPECT_EQ(asked(), "pPlS set pRte 60 pPlS pRtk pPlS pRte pPlS pLov");
+  EXPECT_EQ(shown(), "loved 60");
+  clickControl(love);
+  clickControl(love, NSEventModifierFlagOption);
+  EXPECT_EQ(player.albumMarks(*player.currentTrack()).rating, 60);
 }
 
 TEST_F(TrackActions, WhatThePlayerRefusesIsShownAsItReallyIs) {
@@ -114,6 +129,7 @@ TEST_F(TrackActions, TheArtworkRevealsTheTrackInThePlayer) {
 
 TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
   show();
+  player.currentTrack()->albumArtist = "Various";
   tests::InstantHTTP store;
   store.replies.push_back(R"({"results":[{"artistName":"MARLOW & FINCH",
                                "artistLinkUrl":"https://store.example/artist/7"}]})");

@@ -94,7 +94,9 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   const std::weak_ptr<VLViewController> track = widget->contentViewController();
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 1U) << "the heartbeat";
   player.stop();
+  player.setLogging(true);
   clock.settle();
+  EXPECT_THAT(player.log(), ElementsAre("get pPlS")) << "the old panel is not refreshed once more";
   EXPECT_TRUE(track.expired());
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
   EXPECT_EQ(platform_.distributedCenter->registrationCount(), 2U) << "widget and panel";
@@ -112,10 +114,12 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
 TEST_F(Widget, AnsweringTheHostAlwaysBringsNewDataOnceAndNoMargins) {
   EXPECT_NE(platform::NSExtensionMain(principalClasses()), nullptr) << "the bundle names it";
   std::vector<platform::NCUpdateResult> results;
-  widget->widgetPerformUpdateWithCompletionHandler(
-      [&](platform::NCUpdateResult result) { results.push_back(result); });
+  widget->widgetPerformUpdateWithCompletionHandler([&](platform::NCUpdateResult result) {
+    EXPECT_EQ(panel(), "info") << "told once it is done";
+    results.push_back(result);
+  });
   EXPECT_THAT(results, ElementsAre(platform::NCUpdateResult::newData));
-  EXPECT_EQ(panel(), "info");
+  EXPECT_TRUE(widget->widgetAllowsEditing());
   EXPECT_EQ(widget->widgetMarginInsetsForProposedMarginInsets({1, 2, 3, 4}),
             platform::NSEdgeInsetsZero);
 }
@@ -125,7 +129,9 @@ TEST_F(Widget, SettingNoPanelOrOneWithoutViewLeavesNone) {
     std::shared_ptr<platform::NSView> preparedView() override { return nullptr; }
   };
   show();
-  EXPECT_FALSE(widget->setViewController(platform::make<WithoutView>()));
+  const auto withoutView = platform::make<WithoutView>();
+  ASSERT_NE(withoutView, nullptr);
+  EXPECT_FALSE(widget->setViewController(withoutView));
   EXPECT_EQ(panel(), "none");
   widget->update(widget.get());
   EXPECT_EQ(panel(), "info");
