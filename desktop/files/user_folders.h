@@ -14,11 +14,4 @@ std::filesystem::path userConfigFolder();
 /// $XDG_STATE_HOME when it is an absolute path, else ~/.local/state; empty when neither is known.
 std::filesystem::path userStateFolder();
 
-/// Makes a folder that lasts, with every folder above it that is missing, for the user alone.
-/// False, with errno telling why, when there is no such folder afterwards.
-bool makeFolder(const std::filesystem::path& folder);
-
-/// Waits until the entries of a folder (files made, renamed, removed) are on the disk.
-bool synchroniseFolder(const std::filesystem::path& folder);
-
 }  // namespace desktop

@@ -1,21 +1,28 @@
-// Small files read and written as a whole.
+// Small files read and written as a whole, and folders that last.
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
+#include "desktop/result.h"
+
 namespace desktop {
 
-/// The contents of a file; none, with errno telling why, when it cannot be read or is longer than
-/// maximumLength bytes (EFBIG).
-std::optional<std::string> readWholeFile(const std::filesystem::path& file,
-                                         std::size_t maximumLength);
+// The problems tell the system's reason and leave it to others to name the file.
+
+/// The contents of a file that has at most maximumLength bytes.
+Result<std::string> readWholeFile(const std::filesystem::path& file, std::size_t maximumLength);
 
 /// Puts a file in place with these contents, on the disk and all at once: whoever looks sees the
-/// old one or the new one. What is no regular file (a pipe, a device) is written to directly.
-/// False, with errno telling why and the old file as it was, when it cannot be done.
-bool writeWholeFile(const std::filesystem::path& file, std::string_view contents);
+/// old one or the new one, and the old one stays when it cannot be done. A symbolic link stays, and
+/// what it leads to is replaced. What is no regular file (a pipe, a device) is written to directly.
+Result<> writeWholeFile(const std::filesystem::path& file, std::string_view contents);
+
+/// Makes a folder that lasts, with every folder above it that is missing, for the user alone.
+Result<> makeFolder(const std::filesystem::path& folder);
+
+/// Waits until the entries of a folder (files made, renamed, removed) are on the disk.
+Result<> synchroniseFolder(const std::filesystem::path& folder);
 
 }  // namespace desktop

@@ -1,9 +1,10 @@
 #include "desktop/program/command_line.h"
 
-#include <algorithm>
-#include <array>
+#include <CLI/CLI.hpp>
 #include <charconv>
+#include <iterator>
 #include <string_view>
+#include <vector>
 
 #include "platform/foundation/url.h"
 
@@ -11,52 +12,11 @@ namespace desktop {
 
 namespace {
 
-constexpr double smallestScale = 1;
-constexpr double largestScale = 4;
-
-constexpr std::string_view hostValue = "HOST[:PORT]";
-
-/// An option: a switch, or a text to follow it.
-struct Option {
-  std::string_view name;
-  std::string_view valueName;
-  std::string_view help;
-  bool CommandLine::*flag = nullptr;
-  std::optional<std::string> CommandLine::*text = nullptr;
-};
-
-constexpr std::array<Option, 14> options{{
-    {"--player", "NAME", "follow this player (bus name or shown name)", nullptr,
-     &CommandLine::player},
-    {"--list-players", "", "list the players on the session bus", &CommandLine::listPlayers},
-    {"--demo", "", "use the built-in demo player", &CommandLine::demo},
-    {"--wait-for-player", "", "without a player wait for one instead of using the demo player",
-     &CommandLine::waitForPlayer},
-    {"--snapshot", "FILE", "write the present state as PNG, then exit", nullptr,
-     &CommandLine::snapshot},
-    {"--tour", "FOLDER", "write one PNG for each state of the demo player", nullptr,
-     &CommandLine::tour},
-    {"--export-ratings", "FILE", "write all ratings and love marks as JSON Lines", nullptr,
-     &CommandLine::exportRatings},
-    {"--import-ratings", "FILE", "take ratings and love marks over from such a file", nullptr,
-     &CommandLine::importRatings},
-    {"--stream-host", hostValue, "ask this server for the live station's programme", nullptr,
-     &CommandLine::streamHost},
-    {"--store-host", hostValue, "search the store on this server", nullptr,
-     &CommandLine::storeHost},
-    {"--on-top", "", "keep the card above other windows", &CommandLine::onTop},
-    {"--scale", "N", "pixels per point, from 1 to 4"},
-    {"--help", "", "show this help", &CommandLine::help},
-    {"--version", "", "show the version", &CommandLine::version},
-}};
-
-std::optional<double> scaleFromText(std::string_view text) {
+bool isScale(std::string_view text) {
   double scale = 0;
   const char* end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, scale);
-  const bool isNumber = error == std::errc() && rest == end;
-  return isNumber && scale >= smallestScale && scale <= largestScale ? std::optional(scale)
-                                                                     : std::nullopt;
+  return error == std::errc() && rest == end && scale >= 1 && scale <= 4;
 }
 
 /// True for the host and port of an address, and nothing else of one.
@@ -65,7 +25,61 @@ bool isHost(std::string_view text) {
   return url && !url->host().empty() && text.find_first_of("/?#@") == std::string_view::npos;
 }
 
-std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+std::string inQuotes(std::string_view text) { return '"' + std::string(text) + '"'; }
+
+/// Has the program's options put what it reads into a command line, which must outlive it.
+void addOptions(CLI::App& app, CommandLine& line) {
+  using Test = bool (*)(std::string_view);
+  const auto addValue = [&app](const char* name, const char* valueName, auto& value,
+                               const char* help, const std::string& demand = {},
+                               Test test = nullptr) {
+    app.add_option(name, value, help)
+        ->type_name(valueName)
+        ->take_last()
+        ->check([demand, test](const std::string& text) -> std::string {
+          if (text.empty()) return "needs a value";
+          return test == nullptr || test(text) ? "" : demand + ", not " + inQuotes(text);
+        });
+  };
+  const auto addHost = [&addValue](const char* name, auto& value, const char* help) {
+    addValue(name, "HOST[:PORT]", value, help, "takes a host or host:port", &isHost);
+  };
+  const auto addFlag = [&app](const char* name, bool& value, const char* help) {
+    app.add_flag(name, value, help);
+  };
+  addValue("--player", "NAME", line.player, "follow this player (bus name or shown name)");
+  addFlag("--list-players", line.listPlayers, "list the players on the session bus");
+  addFlag("--demo", line.demo, "use the built-in demo player");
+  addFlag("--wait-for-player", line.waitForPlayer,
+          "without a player wait for one instead of using the demo player");
+  addValue("--snapshot", "FILE", line.snapshot, "write the present state as PNG, then exit");
+  addValue("--tour", "FOLDER", line.tour, "write one PNG for each state of the demo player");
+  addValue("--export-ratings", "FILE", line.exportRatings,
+           "write all ratings and love marks as JSON Lines");
+  addValue("--import-ratings", "FILE", line.importRatings,
+           "take ratings and love marks over from such a file");
+  addHost("--stream-host", line.streamHost, "ask this server for the live station's programme");
+  addHost("--store-host", line.storeHost, "search the store on this server");
+  addFlag("--on-top", line.onTop, "keep the card above other windows");
+  addValue("--scale", "N", line.scale, "pixels per point, from 1 to 4",
+           "takes a number from 1 to 4", &isScale);
+  app.set_help_flag();  // not the library's
+  addFlag("--help", line.help, "show this help");
+  addFlag("--version", line.version, "show the version");
+}
+
+/// What the library lets pass: a value for a flag, and an empty one after "=", for which it would
+/// take the argument that follows. Empty when there is none.
+std::string misplacedValue(const CLI::App& app, std::span<const char* const> arguments) {
+  for (const std::string_view argument : arguments) {
+    const std::string name(argument.substr(0, argument.find('=')));
+    const CLI::Option* option = name.starts_with("--") ? app.get_option_no_throw(name) : nullptr;
+    if (option == nullptr || name.size() == argument.size()) continue;
+    if (option->get_type_name().empty()) return name + " takes no value";
+    if (argument.size() == name.size() + 1) return name + " needs a value";
+  }
+  return {};
+}
 
 /// What cannot be had at once; empty when all of it can.
 std::string conflict(const CommandLine& line) {
@@ -82,61 +96,45 @@ std::string conflict(const CommandLine& line) {
 
 }  // namespace
 
-std::variant<CommandLine, CommandLineError> parseCommandLine(
-    std::span<const char* const> arguments) {
+Result<CommandLine> parseCommandLine(std::span<const char* const> arguments) {
   CommandLine line;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string_view argument = arguments[i];
-    const std::size_t equals = argument.find('=');
-    const std::string_view name = argument.substr(0, equals);
-    const auto* const option = std::find_if(
-        options.begin(), options.end(), [&](const Option& known) { return known.name == name; });
-    if (option == options.end()) {
-      return CommandLineError{(argument.starts_with('-') ? "unknown option " : "unexpected ") +
-                              quoted(name)};
-    }
-    if (option->flag != nullptr) {
-      if (equals != std::string_view::npos) {
-        return CommandLineError{std::string(name) + " takes no value"};
-      }
-      line.*option->flag = true;
-      continue;
-    }
-    const bool isAttached = equals != std::string_view::npos;
-    if (!isAttached && i + 1 == arguments.size()) {
-      return CommandLineError{std::string(name) + " needs a value"};
-    }
-    const std::string_view value =
-        isAttached ? argument.substr(equals + 1) : std::string_view(arguments[++i]);
-    if (value.empty()) return CommandLineError{std::string(name) + " needs a value"};
-    if (option->valueName == hostValue && !isHost(value)) {
-      return CommandLineError{std::string(name) + " takes a host or host:port, not " +
-                              quoted(value)};
-    }
-    if (option->text != nullptr) {
-      line.*option->text = std::string(value);
-      continue;
-    }
-    line.scale = scaleFromText(value);
-    if (!line.scale) {
-      return CommandLineError{"--scale takes a number from 1 to 4, not " + quoted(value)};
-    }
+  CLI::App app;
+  addOptions(app, line);
+  app.allow_extras();
+  if (const auto problem = misplacedValue(app, arguments); !problem.empty()) {
+    return Problem{problem};
   }
-  const std::string problem = conflict(line);
-  if (!problem.empty()) return CommandLineError{problem};
+  try {
+    app.parse(
+        std::vector<std::string>(arguments.rbegin(), arguments.rend()));  // the first at the end
+  } catch (const CLI::ParseError& error) {
+    // "--option: what is wrong"
+    const std::string_view text = error.what();
+    const std::string name(text.substr(0, text.find(':')));
+    const bool isWrong = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ValidationError);
+    return Problem{name + (isWrong ? std::string(text.substr(name.size() + 1)) : " needs a value")};
+  }
+  if (const auto rest = app.remaining(); !rest.empty()) {
+    const std::string name = rest.front().substr(0, rest.front().find('='));
+    return Problem{(name.starts_with('-') ? "unknown option " : "unexpected ") + inQuotes(name)};
+  }
+  if (const auto problem = conflict(line); !problem.empty()) return Problem{problem};
   return line;
 }
 
 std::string helpText() {
+  CommandLine line;
+  CLI::App app;
+  addOptions(app, line);
   std::string text =
       "Usage: virelune-widget [OPTION]...\n"
       "Shows what a music player plays, and controls it.\n\n";
   constexpr std::size_t column = 29;
-  for (const Option& option : options) {
-    std::string entry = "  " + std::string(option.name);
-    if (!option.valueName.empty()) entry += ' ' + std::string(option.valueName);
+  for (const CLI::Option* option : app.get_options()) {
+    std::string entry = "  " + option->get_name();
+    if (!option->get_type_name().empty()) entry += ' ' + option->get_type_name();
     entry.resize(std::max(column, entry.size() + 1), ' ');
-    text += entry + std::string(option.help) + '\n';
+    text += entry + option->get_description() + '\n';
   }
   return text + "\nWithout a display a tour of the demo player is written to ./virelune-tour.\n";
 }

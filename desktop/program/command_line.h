@@ -4,7 +4,8 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <variant>
+
+#include "desktop/result.h"
 
 namespace desktop {
 
@@ -25,15 +26,9 @@ struct CommandLine {
   bool version = false;
 };
 
-/// Why a command line is not understood: one sentence without a full stop.
-struct CommandLineError {
-  std::string message;
-};
-
 /// Reads the arguments that follow the program's name; values as "--option value" or
 /// "--option=value".
-std::variant<CommandLine, CommandLineError> parseCommandLine(
-    std::span<const char* const> arguments);
+Result<CommandLine> parseCommandLine(std::span<const char* const> arguments);
 
 /// The text of --help.
 std::string helpText();

@@ -12,6 +12,7 @@
 #include "desktop/graphics/qt_image.h"
 #include "desktop/program/composition.h"
 #include "desktop/program/tour.h"
+#include "desktop/ratings/exchange.h"
 #include "desktop/window/card_menu.h"
 
 namespace desktop {
@@ -49,6 +50,17 @@ int listPlayers() {
     if (!player.status.empty()) std::cout << "  " << player.status;
     std::cout << '\n';
   }
+  return EXIT_SUCCESS;
+}
+
+int exchangeRatings(const CommandLine& commandLine) {
+  RatingsStore ratings(RatingsStore::defaultFile());
+  const auto report = commandLine.exportRatings
+                          ? exportRatings(ratings, *commandLine.exportRatings)
+                          : importRatings(ratings, *commandLine.importRatings);
+  if (!report) return fail(report.problem().text);
+  // What is exported may go to the standard output.
+  (commandLine.exportRatings ? std::cerr : std::cout) << *report << std::endl;
   return EXIT_SUCCESS;
 }
 
@@ -91,13 +103,13 @@ int tour(const CommandLine& commandLine, Composition& composition,
   demo::DemoPlayer& player = useDemo(commandLine, composition);
   Card* card = composition.makeCard(widget.principalClasses);
   if (card == nullptr) return fail("the resources name no widget");
-  const std::string problem = takeTour(
+  const auto taken = takeTour(
       {.folder = commandLine.tour.value_or(defaultTourFolder),
        .scale = commandLine.scale.value_or(pictureScale),
        .appearance = ColorScheme().appearance(),
        .showsLiveProgramme = [&] { return widget.showsLiveProgramme(card->controller()); }},
       *card, player, std::cout);
-  return problem.empty() ? EXIT_SUCCESS : fail(problem);
+  return taken ? EXIT_SUCCESS : fail(taken.problem().text);
 }
 
 int snapshot(const CommandLine& commandLine, Card& card) {
@@ -133,6 +145,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Card& c
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const virelune::WidgetEntry& widget) {
+  if (commandLine.exportRatings || commandLine.importRatings) return exchangeRatings(commandLine);
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
   QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");

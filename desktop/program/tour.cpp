@@ -35,7 +35,7 @@ bool writePicture(Card& card, const std::filesystem::path& file, double scale,
   return card.picture(scale, appearance).save(QString::fromStdString(file.string()), "PNG");
 }
 
-std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std::ostream& output) {
+Result<> takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std::ostream& output) {
   struct Stop {
     const char* name;
     std::function<void()> arrive;
@@ -66,17 +66,17 @@ std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std
 
   std::error_code error;
   std::filesystem::create_directories(tour.folder, error);
-  if (error) return "cannot write " + tour.folder.string();
+  if (error) return Problem{"cannot write " + tour.folder.string()};
   card.window().setVisible(true);
   for (const Stop& stop : stops) {
     stop.arrive();
     if (stop.isLive && !waitFor(tour.showsLiveProgramme)) {
-      return "the live station does not tell its programme";
+      return Problem{"the live station does not tell its programme"};
     }
     settle(20);
     const std::filesystem::path file = tour.folder / stop.name;
     if (!writePicture(card, file, tour.scale, tour.appearance)) {
-      return "cannot write " + file.string();
+      return Problem{"cannot write " + file.string()};
     }
     output << file.string() << '\n';
   }

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
-#include <string>
 
 #include "demo/demo_player.h"
+#include "desktop/result.h"
 #include "desktop/window/card.h"
 
 namespace desktop {
@@ -27,7 +27,7 @@ struct Tour {
 
 /// Shows every state of the widget on the demo player: playing, paused, stopped, About while
 /// editing, not running, the live station with its programme. Writes one picture of each and
-/// prints the files' names. Answers why it ended early; empty when it did not.
-std::string takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std::ostream& output);
+/// prints the files' names.
+Result<> takeTour(const Tour& tour, Card& card, demo::DemoPlayer& player, std::ostream& output);
 
 }  // namespace desktop

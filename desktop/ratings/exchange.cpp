@@ -1,9 +1,6 @@
 #include "desktop/ratings/exchange.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -103,26 +100,19 @@ std::string omission(const RatingsRecord& record) {
   return {};
 }
 
-/// The entries of a file's lines; on a bad line a message that names it.
-std::variant<std::vector<RatingsRecord>, std::string> recordsFromLines(std::string_view text) {
+/// The entries of a file's lines, or which line is bad.
+Result<std::vector<RatingsRecord>> recordsFromLines(std::string_view text) {
   std::vector<RatingsRecord> records;
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   for (std::int64_t number = 1; !text.empty(); ++number) {
     const std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     if (line.find_first_not_of(" \t\r") == std::string_view::npos) continue;
-    auto record = recordFromLine(line);
-    if (const auto* problem = std::get_if<std::string>(&record)) {
-      return "line " + std::to_string(number) + ": " + *problem;
-    }
-    records.push_back(std::get<RatingsRecord>(std::move(record)));
+    const auto record = recordFromLine(line);
+    if (!record) return Problem{"line " + std::to_string(number) + ": " + record.problem().text};
+    records.push_back(*record);
   }
   return records;
-}
-
-int fail(std::ostream& messages, const std::string& message) {
-  messages << "virelune-widget: " << message << std::endl;
-  return EXIT_FAILURE;
 }
 
 }  // namespace
@@ -154,13 +144,15 @@ std::string lineFromRecord(const RatingsRecord& record) {
   return line.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-std::variant<RatingsRecord, std::string> recordFromLine(std::string_view line) {
+Result<RatingsRecord> recordFromLine(std::string_view line) {
   const json object = json::parse(line, nullptr, false);
-  if (!object.is_object()) return "it is not a JSON object";
+  if (!object.is_object()) return Problem{"it is not a JSON object"};
   MemberReader member(object);
   RatingsRecord record;
   const std::string kind = member.text("kind");
-  if (kind != "track" && kind != "album") return R"("kind" must be "track" or "album")";
+  if (kind != "track" && kind != "album") {
+    return Problem{R"("kind" must be "track" or "album")"};
+  }
   record.kind = kind == "album" ? Kind::album : Kind::track;
   record.identity = {.address = member.text("address"),
                      .artist = member.text("artist"),
@@ -171,40 +163,35 @@ std::variant<RatingsRecord, std::string> recordFromLine(std::string_view line) {
   record.marks = {.rating = member.rating("rating"), .loved = member.boolean("loved")};
   record.ratingChanged = member.date("ratingChanged");
   record.lovedChanged = member.date("lovedChanged");
-  if (!member.problem().empty()) return member.problem();
-  if (std::string missing = omission(record); !missing.empty()) return missing;
+  if (!member.problem().empty()) return Problem{member.problem()};
+  if (std::string missing = omission(record); !missing.empty()) return Problem{missing};
   return record;
 }
 
-int exportRatings(RatingsStore& store, const std::string& file, std::ostream& messages) {
+Result<std::string> exportRatings(RatingsStore& store, const std::string& file) {
   std::string lines;
   std::int64_t count = 0;
-  const bool read = store.forEach([&](const RatingsRecord& record) {
+  const bool isRead = store.forEach([&](const RatingsRecord& record) {
     lines += lineFromRecord(record) + '\n';
     ++count;
   });
-  if (!read) return fail(messages, "nothing was exported");
-  if (!writeWholeFile(file, lines)) {
-    return fail(messages, "cannot write " + file + ": " + std::strerror(errno));
+  if (!isRead) return Problem{"nothing was exported"};
+  if (const auto written = writeWholeFile(file, lines); !written) {
+    return Problem{"cannot write " + file + ": " + written.problem().text};
   }
-  messages << "Exported " << count << (count == 1 ? " entry" : " entries") << " to " << file
-           << std::endl;
-  return EXIT_SUCCESS;
+  return "Exported " + std::to_string(count) + (count == 1 ? " entry" : " entries") + " to " + file;
 }
 
-int importRatings(RatingsStore& store, const std::string& file, std::ostream& report,
-                  std::ostream& messages) {
+Result<std::string> importRatings(RatingsStore& store, const std::string& file) {
   const auto text = readWholeFile(file, longestImport);
-  if (!text) return fail(messages, "cannot read " + file + ": " + std::strerror(errno));
+  if (!text) return Problem{"cannot read " + file + ": " + text.problem().text};
   const auto records = recordsFromLines(*text);
-  if (const auto* problem = std::get_if<std::string>(&records)) {
-    return fail(messages, file + ", " + *problem + "; nothing was imported");
-  }
-  const auto counts = store.merge(std::get<std::vector<RatingsRecord>>(records));
-  if (!counts) return fail(messages, "nothing was imported");
-  report << "Imported " << file << ": " << counts->added << " added, " << counts->changed
-         << " changed, " << counts->unchanged << " unchanged" << std::endl;
-  return EXIT_SUCCESS;
+  if (!records) return Problem{file + ", " + records.problem().text + "; nothing was imported"};
+  const auto counts = store.merge(*records);
+  if (!counts) return Problem{"nothing was imported"};
+  return "Imported " + file + ": " + std::to_string(counts->added) + " added, " +
+         std::to_string(counts->changed) + " changed, " + std::to_string(counts->unchanged) +
+         " unchanged";
 }
 
 }  // namespace desktop

@@ -9,12 +9,11 @@
 // "lovedChanged" tell when each mark was set, in UTC.
 #pragma once
 
-#include <iostream>
 #include <string>
 #include <string_view>
-#include <variant>
 
 #include "desktop/ratings/store.h"
+#include "desktop/result.h"
 
 namespace desktop {
 
@@ -22,15 +21,13 @@ namespace desktop {
 std::string lineFromRecord(const RatingsRecord& record);
 
 /// The entry that a line holds, or what is wrong with the line.
-std::variant<RatingsRecord, std::string> recordFromLine(std::string_view line);
+Result<RatingsRecord> recordFromLine(std::string_view line);
 
-/// Writes every entry of the store to a file, in a stable order, and reports how many to
-/// `messages`. Answers the program's exit status.
-int exportRatings(RatingsStore& store, const std::string& file, std::ostream& messages = std::cerr);
+/// Writes every entry of the store to a file, in a stable order. Answers a report of one line.
+Result<std::string> exportRatings(RatingsStore& store, const std::string& file);
 
-/// Takes the entries of a file over into the store, all or none, and reports counts to `report`.
-/// A bad line is named by its number. Answers the program's exit status.
-int importRatings(RatingsStore& store, const std::string& file, std::ostream& report = std::cout,
-                  std::ostream& messages = std::cerr);
+/// Takes the entries of a file over into the store, all or none. Answers a report of one line; a
+/// bad line is named by its number.
+Result<std::string> importRatings(RatingsStore& store, const std::string& file);
 
 }  // namespace desktop

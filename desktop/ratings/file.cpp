@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "desktop/files/file_descriptor.h"
-#include "desktop/files/user_folders.h"
+#include "desktop/files/whole_file.h"
 #include "platform/foundation/url.h"
 
 namespace desktop {
@@ -18,7 +18,7 @@ namespace desktop {
 namespace {
 
 using std::chrono::steady_clock;
-using Kind = StoreTrouble::Kind;
+using Kind = StoreProblem::Kind;
 
 constexpr auto waitingPeriod = std::chrono::seconds(5);
 constexpr auto longestWait = std::chrono::milliseconds(400);
@@ -86,36 +86,36 @@ std::filesystem::path nameForDamagedFile(const std::filesystem::path& file) {
   return name;
 }
 
-StoreTrouble prepareFile(const std::filesystem::path& file, Patience& patience,
-                         Database& database) {
+std::optional<StoreProblem> prepareFile(const std::filesystem::path& file, Patience& patience,
+                                        Database& database) {
   sqlite3_busy_handler(database.handle(), &waitForOthers, &patience);
   std::int64_t version = 0;
   const auto readVersion = [&] { return database.readInteger("PRAGMA user_version", version); };
   if (const int result = readVersion(); result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
   if (version > static_cast<std::int64_t>(schemaSteps.size())) {
     database.leaveLogOnClose();
-    return {Kind::newer, "it was written by a newer version of this program"};
+    return StoreProblem{Kind::newer, "it was written by a newer version of this program"};
   }
   // EXTRA also waits for the folder, should the file not be in write-ahead mode. The cache (in
   // KiB) holds the marks of a million entries, and grows only as they are read.
   if (const int result = database.execute("PRAGMA synchronous = EXTRA; PRAGMA cache_size = -32768");
       result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
-  if (version == static_cast<std::int64_t>(schemaSteps.size())) return {};
+  if (version == static_cast<std::int64_t>(schemaSteps.size())) return std::nullopt;
 
   const FolderLock lock(file.parent_path(), patience);
-  if (lock.isHeldByOther()) return {Kind::busy, "another program holds its folder"};
+  if (lock.isHeldByOther()) return StoreProblem{Kind::busy, "another program holds its folder"};
   if (const int result = database.execute("PRAGMA journal_mode = WAL"); result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
   if (const int result = migrate(database, schemaSteps); result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
   synchroniseFolder(file.parent_path());
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace
@@ -132,7 +132,7 @@ bool Patience::wait() {
   return true;
 }
 
-StoreTrouble troubleWithResult(const Database& database, int result) {
+std::optional<StoreProblem> problemWithResult(const Database& database, int result) {
   // The database's own message is the better one, unless something else was asked of it since.
   const bool isLast = database && sqlite3_extended_errcode(database.handle()) == result;
   const std::string reason = isLast ? sqlite3_errmsg(database.handle()) : sqlite3_errstr(result);
@@ -140,70 +140,83 @@ StoreTrouble troubleWithResult(const Database& database, int result) {
     case SQLITE_OK:
     case SQLITE_ROW:
     case SQLITE_DONE:
-      return {};
+      return std::nullopt;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
     case SQLITE_FORMAT:
-      return {Kind::damaged, reason};
+      return StoreProblem{Kind::damaged, reason};
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
     case SQLITE_PROTOCOL:
-      return {Kind::busy, reason};
+      return StoreProblem{Kind::busy, reason};
     default: {
       const int error = isLast ? sqlite3_system_errno(database.handle()) : 0;
-      return {Kind::failed, error == 0 ? reason : reason + " (" + std::strerror(error) + ")"};
+      return StoreProblem{Kind::failed,
+                          error == 0 ? reason : reason + " (" + std::strerror(error) + ")"};
     }
   }
 }
 
-StoreTrouble openRatingsFile(const std::filesystem::path& file, bool create, Patience& patience,
-                             Database& database) {
-  if (file.empty()) return {create ? Kind::failed : Kind::absent, "there is no user data folder"};
-  if (::access(file.c_str(), F_OK) != 0) {
-    if (!create && (errno == ENOENT || errno == ENOTDIR)) return {Kind::absent, {}};
-    if (create && !makeFolder(file.parent_path())) return {Kind::failed, std::strerror(errno)};
+std::optional<StoreProblem> openRatingsFile(const std::filesystem::path& file, bool create,
+                                            Patience& patience, Database& database) {
+  if (file.empty()) {
+    return StoreProblem{create ? Kind::failed : Kind::absent, "there is no user data folder"};
+  }
+  std::error_code error;
+  const auto status = std::filesystem::status(file, error);
+  if (!create && status.type() == std::filesystem::file_type::not_found) {
+    return StoreProblem{Kind::absent, {}};
+  }
+  if (create && !std::filesystem::exists(status)) {
+    if (const auto made = makeFolder(file.parent_path()); !made) {
+      return StoreProblem{Kind::failed, made.problem().text};
+    }
   }
   const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0);
   if (const int result = database.open(file, flags); result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
   return prepareFile(file, patience, database);
 }
 
-StoreTrouble openUnwritableRatingsFile(const std::filesystem::path& file, Database& database) {
+std::optional<StoreProblem> openUnwritableRatingsFile(const std::filesystem::path& file,
+                                                      Database& database) {
   // With a log beside the file, the file alone is not the whole truth.
   std::error_code error;
   const auto logLength = std::filesystem::file_size(withSuffix(file, "-wal"), error);
   const auto url = platform::URL::fileURLWithPath(file.native());
-  if ((!error && logLength > 0) || !url) return {Kind::failed, "its log cannot be read"};
+  if ((!error && logLength > 0) || !url) {
+    return StoreProblem{Kind::failed, "its log cannot be read"};
+  }
   const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
   if (const int result = database.open(url->absoluteString() + "?immutable=1", flags);
       result != SQLITE_OK) {
-    return troubleWithResult(database, result);
+    return problemWithResult(database, result);
   }
   std::int64_t version = 0;
   const int result = database.readInteger("PRAGMA user_version", version);
   if (result == SQLITE_OK && version != static_cast<std::int64_t>(schemaSteps.size())) {
-    return {Kind::failed, "it was written by another version of this program"};
+    return StoreProblem{Kind::failed, "it was written by another version of this program"};
   }
-  return troubleWithResult(database, result);
+  return problemWithResult(database, result);
 }
 
-std::optional<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
-                                                         Patience& patience, Database database) {
+Result<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
+                                                  Patience& patience, Database database) {
   const FolderLock lock(file.parent_path(), patience);
-  if (lock.isHeldByOther()) return std::nullopt;
+  if (lock.isHeldByOther()) return Problem{"another program holds its folder"};
   if (database.hasMoved()) return std::filesystem::path();
   database.leaveLogOnClose();
   database.close();
   const std::filesystem::path name = nameForDamagedFile(file);
   // The log goes first: left alone beside a new file it would be taken for that file's.
-  const auto log = withSuffix(file, "-wal");
-  if (::rename(log.c_str(), withSuffix(name, "-wal").c_str()) != 0 && errno != ENOENT) {
-    return std::nullopt;
+  std::error_code error;
+  std::filesystem::rename(withSuffix(file, "-wal"), withSuffix(name, "-wal"), error);
+  if (!error || error == std::errc::no_such_file_or_directory) {
+    std::filesystem::rename(file, name, error);
   }
-  if (::rename(file.c_str(), name.c_str()) != 0) return std::nullopt;
-  ::unlink(withSuffix(file, "-shm").c_str());
+  if (error) return Problem{error.message()};
+  std::filesystem::remove(withSuffix(file, "-shm"), error);
   synchroniseFolder(file.parent_path());
   return name;
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "desktop/ratings/sqlite.h"
+#include "desktop/result.h"
 
 namespace desktop {
 
@@ -24,36 +25,34 @@ class Patience {
 };
 
 /// What stands between a request and its answer.
-struct StoreTrouble {
+struct StoreProblem {
   enum class Kind {
-    none,
     absent,   ///< there is no file yet
     newer,    ///< the file is of a newer version of the program
     damaged,  ///< the file is not a sound database, or not ours
     busy,     ///< another process holds the file
     failed    ///< anything else: no space, no permission, input and output errors
   };
-  Kind kind = Kind::none;
-  std::string reason;  ///< for people
-  explicit operator bool() const { return kind != Kind::none; }
+  Kind kind;
+  std::string text;  ///< for people
 };
 
-/// What a result code of the database means.
-StoreTrouble troubleWithResult(const Database& database, int result);
+/// What a result code of the database means; none when it means no harm.
+std::optional<StoreProblem> problemWithResult(const Database& database, int result);
 
 /// Opens the file for reading and writing and brings it forward. With `create` the file and its
 /// folder are made when they are missing. The database is handed out also when it is damaged.
-StoreTrouble openRatingsFile(const std::filesystem::path& file, bool create, Patience& patience,
-                             Database& database);
+std::optional<StoreProblem> openRatingsFile(const std::filesystem::path& file, bool create,
+                                            Patience& patience, Database& database);
 
 /// Opens a file for reading that nobody can write, in a folder that nobody can write. Valid
 /// for one request: changes made by others after that would go unnoticed.
-StoreTrouble openUnwritableRatingsFile(const std::filesystem::path& file, Database& database);
+std::optional<StoreProblem> openUnwritableRatingsFile(const std::filesystem::path& file,
+                                                      Database& database);
 
 /// Closes a damaged file and renames it, its write-ahead log with it. Answers the new name; an
-/// empty one when another process has done so already; none, with errno telling why, when it
-/// cannot be renamed.
-std::optional<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
-                                                         Patience& patience, Database database);
+/// empty one when another process has done so already.
+Result<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
+                                                  Patience& patience, Database database);
 
 }  // namespace desktop

@@ -3,8 +3,6 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QCryptographicHash>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <ctime>
 
 #include "desktop/files/user_folders.h"
@@ -14,7 +12,7 @@ namespace desktop {
 
 namespace {
 
-using Kind = StoreTrouble::Kind;
+using Kind = StoreProblem::Kind;
 
 constexpr const char* readMarks =
     "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE digest = ?1";
@@ -283,57 +281,56 @@ bool RatingsStore::performInTransaction(const Work& work) {
 bool RatingsStore::perform(Access access, const Work& work) {
   // A second trial, with a new file, when the first one finds the file damaged.
   for (int trial = 0; trial < 2; ++trial) {
-    StoreTrouble trouble = connect(access);
-    const bool connected = !trouble;
-    if (connected) trouble = troubleWithResult(connection_->database, work(*connection_));
-    if (!trouble) {
+    auto problem = connect(access);
+    const bool connected = !problem;
+    if (connected) problem = problemWithResult(connection_->database, work(*connection_));
+    if (!problem) {
       if (connection_->isUnwritable) connection_.reset();
       if (access == Access::write) told_.clear();
       return true;
     }
-    if (trouble.kind == Kind::damaged && setAside(trouble)) continue;
+    if (problem->kind == Kind::damaged && setAside(*problem)) continue;
     // The cause may pass; the next request begins afresh.
-    if (!connected || trouble.kind != Kind::busy) connection_.reset();
-    if (trouble.kind == Kind::absent) return true;
-    tell(trouble.kind,
-         "cannot use the ratings store: " + trouble.reason + " (" + file_.native() + ")");
+    if (!connected || problem->kind != Kind::busy) connection_.reset();
+    if (problem->kind == Kind::absent) return true;
+    tell(problem->kind,
+         "cannot use the ratings store: " + problem->text + " (" + file_.native() + ")");
     return false;
   }
   return false;
 }
 
-StoreTrouble RatingsStore::connect(Access access) {
-  if (connection_ && !connection_->database.hasMoved()) return {};
+std::optional<StoreProblem> RatingsStore::connect(Access access) {
+  if (connection_ && !connection_->database.hasMoved()) return std::nullopt;
   connection_ = std::make_unique<Connection>();
-  StoreTrouble trouble =
-      openRatingsFile(file_, access == Access::write, patience_, connection_->database);
-  if (trouble.kind == Kind::failed && access == Access::read) {
+  auto problem = openRatingsFile(file_, access == Access::write, patience_, connection_->database);
+  if (problem && problem->kind == Kind::failed && access == Access::read) {
     auto unwritable = std::make_unique<Connection>();
     unwritable->isUnwritable = true;
     if (!openUnwritableRatingsFile(file_, unwritable->database)) {
       connection_ = std::move(unwritable);
-      trouble = {};
+      problem.reset();
     }
   }
-  if (trouble) return trouble;
+  if (problem) return problem;
   const int result = connection_->prepare();
-  trouble = troubleWithResult(connection_->database, result);
+  problem = problemWithResult(connection_->database, result);
   // Statements that make no sense to it: tables of ours are missing.
-  if ((result & 0xFF) == SQLITE_ERROR) trouble.kind = Kind::damaged;
-  return trouble;
+  if ((result & 0xFF) == SQLITE_ERROR) problem->kind = Kind::damaged;
+  return problem;
 }
 
-bool RatingsStore::setAside(const StoreTrouble& trouble) {
+bool RatingsStore::setAside(const StoreProblem& problem) {
   Database damaged = std::move(connection_->database);
   connection_.reset();
   const auto name = setDamagedFileAside(file_, patience_, std::move(damaged));
   if (!name) {
-    tell(Kind::damaged, "cannot rename the damaged ratings store: " +
-                            std::string(std::strerror(errno)) + " (" + file_.native() + ")");
+    tell(Kind::damaged, "cannot rename the damaged ratings store: " + name.problem().text + " (" +
+                            file_.native() + ")");
     return false;
   }
   if (!name->empty()) {
-    tell(Kind::damaged, "the ratings store was damaged (" + trouble.reason + "); it is kept as " +
+    tell(Kind::damaged, "the ratings store was damaged (" + problem.text + "); it is kept as " +
                             name->native() + " and a new one begins");
   }
   return true;

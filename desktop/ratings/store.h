@@ -94,13 +94,13 @@ class RatingsStore {
   bool set(const RatingsRecord& record);
   bool perform(Access access, const Work& work);
   bool performInTransaction(const Work& work);
-  StoreTrouble connect(Access access);
-  bool setAside(const StoreTrouble& trouble);
-  void tell(StoreTrouble::Kind kind, const std::string& message);
+  std::optional<StoreProblem> connect(Access access);
+  bool setAside(const StoreProblem& problem);
+  void tell(StoreProblem::Kind kind, const std::string& message);
 
   std::filesystem::path file_;
   std::ostream& messages_;
-  std::set<StoreTrouble::Kind> told_;  ///< since the last successful write
+  std::set<StoreProblem::Kind> told_;  ///< since the last successful write
   Patience patience_;
   std::unique_ptr<Connection> connection_;
 };

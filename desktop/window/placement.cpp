@@ -1,13 +1,14 @@
 #include "desktop/window/placement.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <string>
 
 #include "desktop/files/user_folders.h"
+#include "desktop/files/whole_file.h"
 
 namespace desktop {
 
@@ -46,11 +47,8 @@ std::optional<QPoint> readPosition(const std::filesystem::path& path) {
 }
 
 bool writePosition(const std::filesystem::path& path, QPoint position) {
-  if (path.empty() || !makeFolder(path.parent_path())) return false;
-  QSaveFile file(QString::fromStdString(path.string()));
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  file.write(QByteArray::number(position.x()) + ' ' + QByteArray::number(position.y()) + '\n');
-  return file.commit();
+  const std::string line = std::to_string(position.x()) + ' ' + std::to_string(position.y()) + '\n';
+  return !path.empty() && makeFolder(path.parent_path()) && writeWholeFile(path, line);
 }
 
 QPoint positionOnScreens(QPoint wanted, QSize size, const QList<QRect>& screens) {

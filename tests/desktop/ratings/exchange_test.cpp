@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "tests/support/temporary_folder.h"
 
@@ -13,25 +12,25 @@ namespace {
 
 class RatingsExchange : public testing::Test {
  protected:
-  int import(RatingsStore& into, const std::string& text) {
+  Result<std::string> import(RatingsStore& into, const std::string& text) {
     std::ofstream(file, std::ios::binary) << text;
-    report.str("");
-    messages.str("");
-    return importRatings(into, file, report, messages);
+    return importRatings(into, file);
+  }
+  /// The report's counts, as they stand behind the file's name.
+  std::string imported(RatingsStore& into, const std::string& text) {
+    const auto report = import(into, text);
+    return report ? report->substr(file.size() + 11) : report.problem().text;
   }
   std::string exported(RatingsStore& from) {
-    EXPECT_EQ(exportRatings(from, file, messages), EXIT_SUCCESS) << messages.str();
+    EXPECT_TRUE(exportRatings(from, file));
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
   }
-  /// The report's counts, as they stand behind the file's name.
-  std::string counts() const { return report.str().substr(report.str().find(": ")); }
 
   tests::TemporaryFolder folder;
   const std::string file = folder.path() / "ratings.jsonl";
-  std::ostringstream report, messages;
-  RatingsStore store{folder.path() / "one.sqlite", messages};
-  RatingsStore other{folder.path() / "two.sqlite", messages};
+  RatingsStore store{folder.path() / "one.sqlite"};
+  RatingsStore other{folder.path() / "two.sqlite"};
 };
 
 TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder) {
@@ -45,12 +44,10 @@ TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder)
   store.setAlbumRating(named, 100);
   store.setAlbumLoved({.artist = "A", .album = "B"}, true);
   const std::string lines = exported(store);
-  EXPECT_EQ(import(other, lines), EXIT_SUCCESS) << messages.str();
-  EXPECT_EQ(counts(), ": 4 added, 0 changed, 0 unchanged\n");
+  EXPECT_EQ(imported(other, lines), "4 added, 0 changed, 0 unchanged");
   EXPECT_EQ(exported(other), lines);
   EXPECT_EQ(other.trackMarks(named), (Marks{.rating = 0}));
-  EXPECT_EQ(import(other, lines), EXIT_SUCCESS);
-  EXPECT_EQ(counts(), ": 0 added, 0 changed, 4 unchanged\n");
+  EXPECT_EQ(imported(other, lines), "0 added, 0 changed, 4 unchanged");
 }
 
 TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
@@ -59,17 +56,15 @@ TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
            (year ? R"(,"ratingChanged":")" + std::string(year) + R"(-01-01T00:00:00Z"})" : "}") +
            '\n';
   };
-  ASSERT_EQ(import(store, line("newer", R"("rating":60)", "2021") +
-                              line("older", R"("rating":60)", "2020") +
-                              line("undated", R"("rating":60)") + line("half", R"("loved":true)")),
-            EXIT_SUCCESS);
-  ASSERT_EQ(import(store, "\xEF\xBB\xBF" + line("newer", R"("rating":20)", "2020") +
-                              line("OLDER", R"("rating":20)", "2021") +
-                              line("undated", R"("rating":20)") +
-                              line("half", R"("rating":20,"loved":false)") + "\r\n" +
-                              line("new", R"("loved":false)")),
-            EXIT_SUCCESS);
-  EXPECT_EQ(counts(), ": 1 added, 2 changed, 2 unchanged\n");
+  ASSERT_TRUE(import(
+      store, line("newer", R"("rating":60)", "2021") + line("older", R"("rating":60)", "2020") +
+                 line("undated", R"("rating":60)") + line("half", R"("loved":true)")));
+  EXPECT_EQ(imported(store, "\xEF\xBB\xBF" + line("newer", R"("rating":20)", "2020") +
+                                line("OLDER", R"("rating":20)", "2021") +
+                                line("undated", R"("rating":20)") +
+                                line("half", R"("rating":20,"loved":false)") + "\r\n" +
+                                line("new", R"("loved":false)")),
+            "1 added, 2 changed, 2 unchanged");
   EXPECT_EQ(store.trackMarks({.title = "newer"}).rating, 60);
   EXPECT_EQ(store.trackMarks({.title = "older"}).rating, 20);
   EXPECT_EQ(store.trackMarks({.title = "undated"}).rating, 60);
@@ -91,9 +86,9 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
         R"({"kind":"track","title":"C","loved":true,"length":-1})",
         R"({"kind":"track","title":"C","loved":true,"lovedChanged":"today"})",
         "{\"kind\":\"track\",\"title\":\"\xFF\",\"rating\":20}"}) {
-    EXPECT_EQ(import(store, good + bad + '\n' + good), EXIT_FAILURE) << bad;
-    EXPECT_NE(messages.str().find("line 3: "), std::string::npos) << messages.str();
-    EXPECT_EQ(report.str(), "");
+    const auto result = import(store, good + bad + '\n' + good);
+    ASSERT_FALSE(result) << bad;
+    EXPECT_TRUE(result.problem().text.starts_with(file + ", line 3: ")) << result.problem().text;
   }
   EXPECT_EQ(store.trackMarks({.title = "good"}), Marks{});
   EXPECT_FALSE(std::filesystem::exists(folder.path() / "one.sqlite"));
@@ -101,9 +96,10 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
 
 TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
   const std::string missing = folder.path() / "none/ratings.jsonl";
-  EXPECT_EQ(importRatings(store, missing, report, messages), EXIT_FAILURE);
-  EXPECT_EQ(exportRatings(store, missing, messages), EXIT_FAILURE);
-  EXPECT_NE(messages.str().find(missing), std::string::npos);
+  for (const auto& result : {importRatings(store, missing), exportRatings(store, missing)}) {
+    ASSERT_FALSE(result);
+    EXPECT_TRUE(result.problem().text.ends_with(missing + ": No such file or directory"));
+  }
 }
 
 }  // namespace
