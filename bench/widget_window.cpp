@@ -16,6 +16,7 @@
 #include "bench/measured_process.h"
 #include "desktop/program/composition.h"
 #include "desktop/window/card_surface.h"
+#include "platform/application/player_dictionary.h"
 #include "widget/widget_entry.h"
 
 namespace {
@@ -35,7 +36,7 @@ Milliseconds since(std::int64_t started) {
 
 void refresh() {
   platform::current().distributedCenter->postNotification(
-      platform::NSNotification(desktop::playerInfoNotification));
+      platform::NSNotification(platform::player::infoNotification));
 }
 
 int start(desktop::CardSurface& window) {
@@ -82,11 +83,26 @@ int idle(desktop::CardSurface& window, int seconds) {
   return QGuiApplication::exec();
 }
 
-int refreshes(desktop::CardSurface& window, demo::DemoPlayer& player, int count) {
+/// Counts the requests on their way to the player.
+class CountingTransport final : public platform::ScriptingTransport {
+ public:
+  std::optional<platform::ScriptingReply> send(const platform::ScriptingRequest& request) override {
+    ++count;
+    return player_.send(request);
+  }
+  int count = 0;
+
+ private:
+  platform::ScriptingTransport& player_ = *platform::current().scripting;
+};
+
+int refreshes(desktop::CardSurface& window, int count) {
   window.open();
+  CountingTransport requests;
+  platform::current().scripting = &requests;
   QTimer::singleShot(500, [&] {
     std::vector<Milliseconds> times;
-    player.clearLog();
+    requests.count = 0;
     for (int i = 0; i < count; ++i) {
       const std::int64_t started = bench::nowNanoseconds();
       refresh();
@@ -94,7 +110,7 @@ int refreshes(desktop::CardSurface& window, demo::DemoPlayer& player, int count)
     }
     std::printf("full refresh, simulated player: median %.4f ms, 95 %% %.4f ms, %.1f requests\n",
                 percentile(times, 0.5), percentile(times, 0.95),
-                static_cast<double>(player.requestCount()) / count);
+                static_cast<double>(requests.count) / count);
     QCoreApplication::quit();
   });
   return QGuiApplication::exec();
@@ -140,9 +156,9 @@ class Signals final : public QObject {
     }
     // A command makes the bridge forget what it knew, so this refresh asks the player anew.
     auto* scripting = platform::current().scripting;
-    scripting->send({.bundleIdentifier = desktop::playerBundleIdentifier,
+    scripting->send({.bundleIdentifier = platform::player::bundleIdentifier,
                      .kind = platform::ScriptingRequest::Kind::set,
-                     .path = {{platform::code("pPos"), std::nullopt}},
+                     .path = {{platform::player::playerPosition, std::nullopt}},
                      .value = 10.0 + left_});
     const std::int64_t started = bench::nowNanoseconds();
     refresh();
@@ -167,22 +183,20 @@ int main(int argc, char** argv) {
   if (!composition.openBundle(VIRELUNE_BENCH_BUNDLE)) return EXIT_FAILURE;
   composition.useNetwork();
   const bool usesBus = what == "start" || what == "signals";
-  demo::DemoPlayer* player = nullptr;
   if (usesBus) {
     if (!composition.useBus(QDBusConnection::sessionBus(), std::nullopt)) {
       std::fprintf(stderr, "widget-window: no player is on the bus\n");
       return EXIT_FAILURE;
     }
   } else {
-    player = &composition.useDemo();
-    player->launch(demo::statePlaying);
+    composition.useDemo().launch(demo::statePlaying);
   }
   desktop::Card* card = composition.makeCard(virelune::principalClasses());
   if (card == nullptr) return EXIT_FAILURE;
   desktop::CardSurface window(*card, composition.graphics(), QStringLiteral("bench"), false);
   if (what == "start") return start(window);
   if (what == "idle") return idle(window, number);
-  if (what == "refresh") return refreshes(window, *player, number);
+  if (what == "refresh") return refreshes(window, number);
   if (what == "signals") return Signals(window, number).run();
   std::fprintf(stderr, "widget-window: start, idle, refresh or signals\n");
   return EXIT_FAILURE;

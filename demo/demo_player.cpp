@@ -11,6 +11,7 @@ namespace demo {
 using platform::FourCharCode;
 using platform::NSRunningApplication;
 using platform::RunLoop;
+namespace player = platform::player;
 
 namespace {
 
@@ -40,10 +41,10 @@ void DemoPlayer::launch(FourCharCode state) {
   if (running_) return;
   running_ = true;
   state_ = state;
-  runFrom(0);
+  setPosition(0);
   tellLater([] {
     if (auto* workspace = platform::current().workspace) {
-      workspace->postDidLaunch(playerBundleIdentifier);
+      workspace->postDidLaunch(player::bundleIdentifier);
     }
   });
   announce();
@@ -53,22 +54,19 @@ void DemoPlayer::quit() {
   if (!running_) return;
   running_ = false;
   state_ = stateStopped;
-  runFrom(0);
+  setPosition(0);
   tellLater([] {
     if (auto* workspace = platform::current().workspace) {
-      workspace->postDidTerminate(playerBundleIdentifier);
+      workspace->postDidTerminate(player::bundleIdentifier);
     }
   });
 }
 
 platform::ObjectArray DemoPlayer::runningApplications(const std::string& bundleIdentifier) const {
   platform::ObjectArray instances;
-  if (!platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier)) return instances;
-  if (listsTerminatedInstance_) {
-    instances.push_back(platform::make<NSRunningApplication>(playerBundleIdentifier, true));
-  }
+  if (!platform::caseInsensitiveEqual(bundleIdentifier, player::bundleIdentifier)) return instances;
   if (running_) {
-    instances.push_back(platform::make<NSRunningApplication>(playerBundleIdentifier, false));
+    instances.push_back(platform::make<NSRunningApplication>(player::bundleIdentifier, false));
   }
   return instances;
 }
@@ -83,7 +81,10 @@ void DemoPlayer::pause() {
 
 void DemoPlayer::stop() { changeState(stateStopped); }
 
-void DemoPlayer::playPause() { state_ == statePlaying ? pause() : play(); }
+bool DemoPlayer::playPause() {
+  state_ == statePlaying ? pause() : play();
+  return current_.has_value();
+}
 
 void DemoPlayer::changeState(FourCharCode state) {
   if (!running_ || state == state_) return;
@@ -91,15 +92,17 @@ void DemoPlayer::changeState(FourCharCode state) {
   announce();
 }
 
-void DemoPlayer::nextTrack() {
-  if (state_ == stateStopped || !current_) return;
+bool DemoPlayer::nextTrack() {
+  if (state_ == stateStopped || !current_) return false;
   moveTo((*current_ + 1) % tracks_.size());
+  return true;
 }
 
-void DemoPlayer::previousTrack() {
-  if (state_ == stateStopped || !current_) return;
+bool DemoPlayer::previousTrack() {
+  if (state_ == stateStopped || !current_) return false;
   const std::size_t before = (*current_ + tracks_.size() - 1) % tracks_.size();
   moveTo(position() > restartAfter ? *current_ : before);
+  return true;
 }
 
 void DemoPlayer::playTrack(std::size_t index) {
@@ -117,7 +120,7 @@ bool DemoPlayer::seek(double seconds) {
   const Track* track = currentTrack();
   if (state_ == stateStopped || track == nullptr || !std::isfinite(seconds)) return false;
   const double end = track->duration > 0 ? track->duration : seconds;
-  runFrom(std::max(0.0, std::min(seconds, end)));
+  setPosition(std::max(0.0, std::min(seconds, end)));
   announce();
   return true;
 }
@@ -126,33 +129,29 @@ void DemoPlayer::announce() const {
   if (!running_) return;
   tellLater([] {
     platform::current().distributedCenter->postNotification(
-        platform::NSNotification(playerInfoNotification));
+        platform::NSNotification(player::infoNotification));
   });
 }
 
-Track* DemoPlayer::currentTrack() { return current_ ? &tracks_[*current_] : nullptr; }
-
 void DemoPlayer::setCurrentTrackIndex(std::optional<std::size_t> index) {
   current_ = index && *index < tracks_.size() ? index : std::nullopt;
-  runFrom(0);
+  setPosition(0);
 }
 
 void DemoPlayer::setState(FourCharCode state) {
   const double reached = position();
   state_ = state;
-  runFrom(state == stateStopped ? 0 : reached);
+  setPosition(state == stateStopped ? 0 : reached);
 }
 
-double DemoPlayer::position() const {
+double DemoPlayer::position() {
   if (state_ != statePlaying || !current_) return heldPosition_;
   const double reached = heldPosition_ + (now() - heldSince_);
   const double duration = tracks_[*current_].duration;
   return duration > 0 ? std::min(reached, std::max(duration, heldPosition_)) : reached;
 }
 
-void DemoPlayer::setPosition(double seconds) { runFrom(seconds); }
-
-void DemoPlayer::runFrom(double seconds) {
+void DemoPlayer::setPosition(double seconds) {
   heldPosition_ = seconds;
   heldSince_ = now();
   if (endTimer_) endTimer_->invalidate();
@@ -173,17 +172,54 @@ Marks& DemoPlayer::albumMarks(const Track& track) {
   return albumMarks_["album\n" + track.album + "\n" + artist];
 }
 
-void DemoPlayer::clearLog() {
-  log_.clear();
-  requestCount_ = 0;
+// Scripting
+
+std::optional<platform::ScriptingReply> DemoPlayer::send(
+    const platform::ScriptingRequest& request) {
+  return running_ ? platform::interpret(request, *this) : std::nullopt;
 }
 
-void DemoPlayer::setReply(FourCharCode code, std::optional<platform::ScriptingReply> reply) {
-  replies_[code] = std::move(reply);
+std::optional<platform::PlayerTrack> DemoPlayer::track() {
+  const Track* track = currentTrack();
+  return track != nullptr ? std::optional<platform::PlayerTrack>(*track) : std::nullopt;
 }
 
-void DemoPlayer::setRequestHook(std::function<void(const Request&)> hook) {
-  requestHook_ = std::move(hook);
+platform::Data DemoPlayer::artwork() {
+  const Track* track = currentTrack();
+  return track != nullptr ? track->cover : platform::Data();
+}
+
+Marks* DemoPlayer::marks(Marked of) {
+  Track* track = currentTrack();
+  if (track == nullptr) return nullptr;
+  return of == Marked::track ? &track->marks : &albumMarks(*track);
+}
+
+DemoPlayer::Rating DemoPlayer::rating(Marked of) {
+  const Marks* known = marks(of);
+  return known != nullptr ? Rating{known->rating, known->ratingKind} : Rating{};
+}
+
+bool DemoPlayer::setRating(Marked of, std::int64_t rating) {
+  Marks* known = marks(of);
+  if (known == nullptr) return false;
+  known->rating = rating;
+  known->ratingKind = ratedByUser;
+  announce();
+  return true;
+}
+
+bool DemoPlayer::isLoved(Marked of) {
+  const Marks* known = marks(of);
+  return known != nullptr && known->loved;
+}
+
+bool DemoPlayer::setLoved(Marked of, bool loved) {
+  Marks* known = marks(of);
+  if (known == nullptr) return false;
+  known->loved = loved;
+  announce();
+  return true;
 }
 
 }  // namespace demo

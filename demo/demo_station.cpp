@@ -5,6 +5,7 @@
 #include <cmath>
 #include <ctime>
 
+#include "demo/demo_cover.h"
 #include "demo/serving_thread.h"
 #include "platform/foundation/date_formatter.h"
 
@@ -60,11 +61,11 @@ std::string taggedSegment(const Programme& programme, const std::string& coverAd
 
 std::vector<Programme> programmes() {
   return {
-      {"Harbour Lights", "The Tin Sailors", "Postcards from the Breakwater", CoverDesign::waves},
-      {"夜明けの交差点", "水色レイディオ", "夏の終わりの地図", CoverDesign::petals},
-      {"Seventh Floor, No Lift", "Oda Brenner", "Last Stops", CoverDesign::stripes},
-      {"Το φως στο λιμάνι", "Νεφέλη Αύρα", "Μικρά ταξίδια", CoverDesign::sunrise},
-      {"Static Garden", "Low Orbit Parade", "Signals for Small Rooms", CoverDesign::rings},
+      {"Harbour Lights", "The Tin Sailors", "Postcards from the Breakwater", cover("waves")},
+      {"夜明けの交差点", "水色レイディオ", "夏の終わりの地図", cover("petals")},
+      {"Seventh Floor, No Lift", "Oda Brenner", "Last Stops", cover("stripes")},
+      {"Το φως στο λιμάνι", "Νεφέλη Αύρα", "Μικρά ταξίδια", cover("sunrise")},
+      {"Static Garden", "Low Orbit Parade", "Signals for Small Rooms", cover("rings")},
   };
 }
 
@@ -85,8 +86,7 @@ class DemoStation::Server {
                 [this](const httplib::Request& request, httplib::Response& response) {
                   const auto index = static_cast<std::size_t>(std::stoul(request.matches[1]));
                   if (index >= programmes_.size()) return notFound(response);
-                  const platform::Data cover = coverPNG(programmes_[index].cover);
-                  response.set_content(std::string(cover.view()), "image/png");
+                  response.set_content(std::string(programmes_[index].cover.view()), "image/png");
                 });
   }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/demo_cover.h"
+#include "platform/foundation/data.h"
 
 namespace demo {
 
@@ -14,7 +14,7 @@ struct Programme {
   std::string title;
   std::string artist;
   std::string album;
-  CoverDesign cover;
+  platform::Data cover;  ///< the bytes of a PNG image
 };
 
 /// The station's programmes, all of them invented.

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "demo/demo_cover.h"
 #include "demo/loopback_certificate.h"
 #include "demo/serving_thread.h"
 #include "platform/foundation/text.h"
@@ -26,10 +27,10 @@ bool matches(const std::string& text, const std::string& term) {
 
 std::vector<StoreAlbum> storeAlbums() {
   return {
-      {"Oda Brenner", "Last Stops (Night Service Edition)", CoverDesign::rings},
-      {"Oda Brenner", "Last Stops", CoverDesign::stripes},
-      {"Marlow & Finch", "The Evening Ferry", CoverDesign::sunrise},
-      {"Low Orbit Parade", "Signals for Small Rooms", CoverDesign::rings},
+      {"Oda Brenner", "Last Stops (Night Service Edition)", cover("rings")},
+      {"Oda Brenner", "Last Stops", cover("stripes")},
+      {"Marlow & Finch", "The Evening Ferry", cover("sunrise")},
+      {"Low Orbit Parade", "Signals for Small Rooms", cover("rings")},
   };
 }
 
@@ -49,8 +50,7 @@ class DemoStore::Server {
                     response.status = 404;
                     return;
                   }
-                  const platform::Data cover = coverPNG(albums_[index].cover);
-                  response.set_content(std::string(cover.view()), "image/png");
+                  response.set_content(std::string(albums_[index].cover.view()), "image/png");
                 });
   }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/demo_cover.h"
+#include "platform/foundation/data.h"
 
 namespace demo {
 
@@ -13,7 +13,7 @@ namespace demo {
 struct StoreAlbum {
   std::string artist;
   std::string album;
-  CoverDesign cover;
+  platform::Data cover;  ///< the bytes of a PNG image
 };
 
 /// Albums of the demo's artists, among them the one whose track has no cover in the library.

@@ -1,5 +1,6 @@
 #include "demo/demo_workspace.h"
 
+#include "platform/application/player_dictionary.h"
 #include "platform/foundation/text.h"
 
 namespace demo {
@@ -10,7 +11,7 @@ namespace {
 constexpr const char* playerPath = "demo-player:";
 
 bool isPlayer(const std::string& bundleIdentifier) {
-  return platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier);
+  return platform::caseInsensitiveEqual(bundleIdentifier, platform::player::bundleIdentifier);
 }
 
 }  // namespace

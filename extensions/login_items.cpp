@@ -7,14 +7,10 @@
 #include "platform/platform.h"
 #include "widget/constants.h"
 
-using platform::code;
 using platform::NSBundle;
 
 namespace virelune {
 namespace {
-
-constexpr platform::FourCharCode loginItemClass = code("logi");
-constexpr platform::FourCharCode pathProperty = code("ppth");
 
 /// The index of the first login item with a path; none when no item has it.
 std::optional<std::int64_t> indexOfLoginItem(const AESystemEventsApplication& application,
@@ -31,11 +27,12 @@ std::optional<std::int64_t> indexOfLoginItem(const AESystemEventsApplication& ap
 }  // namespace
 
 std::optional<std::string> AESystemEventsLoginItem::path() const {
-  return propertyWithCode(pathProperty)->stringValue();
+  return propertyWithCode(platform::system_events::path)->stringValue();
 }
 
 platform::SBElementArray<AESystemEventsLoginItem> AESystemEventsApplication::loginItems() const {
-  return {std::static_pointer_cast<const SBObject>(shared_from_this()), loginItemClass};
+  return {std::static_pointer_cast<const SBObject>(shared_from_this()),
+          platform::system_events::loginItemClass};
 }
 
 std::optional<std::string> vl_bundleIdentifier(const AESystemEventsLoginItem& item) {

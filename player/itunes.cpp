@@ -1,16 +1,15 @@
 #include "player/itunes.h"
 
+#include "platform/application/player_dictionary.h"
 #include "platform/platform.h"
 #include "widget/constants.h"
 
 namespace virelune {
 
-using platform::code;
 using platform::SBObject;
+namespace player = platform::player;
 
 namespace {
-
-constexpr FourCharCode eventClass = code("hook");
 
 /// The reference to a property by its name in the player's dictionary.
 std::shared_ptr<SBObject> property(const SBObject& owner, std::string_view name) {
@@ -18,7 +17,7 @@ std::shared_ptr<SBObject> property(const SBObject& owner, std::string_view name)
 }
 
 void command(const SBObject& receiver, FourCharCode eventIdentifier) {
-  receiver.sendEvent_id_parameters(eventClass, eventIdentifier);
+  receiver.sendEvent_id_parameters(player::commandClass, eventIdentifier);
 }
 
 using Maker = std::shared_ptr<AEiTunesItem> (*)(const SBObject& reference);
@@ -46,9 +45,12 @@ Maker makerForClassName(const std::string& name) {
 
 const std::map<FourCharCode, std::string>& AEiTunesApplication::classNamesForCodes() {
   static const std::map<FourCharCode, std::string> names{
-      {code("capp"), "AEiTunesApplication"}, {code("cobj"), "AEiTunesItem"},
-      {code("cTrk"), "AEiTunesTrack"},       {code("cFlT"), "AEiTunesFileTrack"},
-      {code("cURT"), "AEiTunesURLTrack"},    {code("cArt"), "AEiTunesArtwork"},
+      {player::applicationClass, "AEiTunesApplication"},
+      {player::itemClass, "AEiTunesItem"},
+      {player::trackClass, "AEiTunesTrack"},
+      {player::fileTrackClass, "AEiTunesFileTrack"},
+      {player::urlTrackClass, "AEiTunesURLTrack"},
+      {player::artworkClass, "AEiTunesArtwork"},
   };
   return names;
 }
@@ -56,14 +58,22 @@ const std::map<FourCharCode, std::string>& AEiTunesApplication::classNamesForCod
 const std::map<std::string, FourCharCode, std::less<>>&
 AEiTunesApplication::codesForPropertyNames() {
   static const std::map<std::string, FourCharCode, std::less<>> codes{
-      {"currentTrack", code("pTrk")},   {"playerState", code("pPlS")},
-      {"playerPosition", code("pPos")}, {"name", code("pnam")},
-      {"artist", code("pArt")},         {"album", code("pAlb")},
-      {"albumArtist", code("pAlA")},    {"duration", code("pDur")},
-      {"time", code("pTim")},           {"rating", code("pRte")},
-      {"ratingKind", code("pRtk")},     {"loved", code("pLov")},
-      {"albumRating", code("pAlR")},    {"albumRatingKind", code("pARk")},
-      {"albumLoved", code("pALv")},     {"rawData", code("pRaw")},
+      {"currentTrack", player::currentTrack},
+      {"playerState", player::playerState},
+      {"playerPosition", player::playerPosition},
+      {"name", player::name},
+      {"artist", player::artist},
+      {"album", player::album},
+      {"albumArtist", player::albumArtist},
+      {"duration", player::duration},
+      {"time", player::time},
+      {"rating", player::rating},
+      {"ratingKind", player::ratingKind},
+      {"loved", player::loved},
+      {"albumRating", player::albumRating},
+      {"albumRatingKind", player::albumRatingKind},
+      {"albumLoved", player::albumLoved},
+      {"rawData", player::rawData},
   };
   return codes;
 }
@@ -82,7 +92,7 @@ std::optional<std::string> AEiTunesItem::name() const {
   return property(*this, "name")->stringValue();
 }
 
-void AEiTunesItem::reveal() const { command(*this, code("Revl")); }
+void AEiTunesItem::reveal() const { command(*this, player::reveal); }
 
 // Artworks
 
@@ -109,7 +119,7 @@ std::optional<std::string> AEiTunesTrack::time() const {
 }
 
 platform::SBElementArray<AEiTunesArtwork> AEiTunesTrack::artworks() const {
-  return {std::static_pointer_cast<const SBObject>(shared_from_this()), code("cArt")};
+  return {std::static_pointer_cast<const SBObject>(shared_from_this()), player::artworkClass};
 }
 
 std::int64_t AEiTunesTrack::rating() const { return property(*this, "rating")->integerValue(); }
@@ -176,10 +186,10 @@ void AEiTunesApplication::setPlayerPosition(double seconds) const {
   property(*this, "playerPosition")->setTo(seconds);
 }
 
-void AEiTunesApplication::playpause() const { command(*this, code("PlPs")); }
+void AEiTunesApplication::playpause() const { command(*this, player::playPause); }
 
-void AEiTunesApplication::nextTrack() const { command(*this, code("Next")); }
+void AEiTunesApplication::nextTrack() const { command(*this, player::nextTrack); }
 
-void AEiTunesApplication::previousTrack() const { command(*this, code("Prev")); }
+void AEiTunesApplication::previousTrack() const { command(*this, player::previousTrack); }
 
 }  // namespace virelune

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/application/player_dictionary.h"
 #include "platform/application/scripting.h"
 #include "platform/foundation/data.h"
 
@@ -18,12 +19,12 @@ namespace virelune {
 using platform::FourCharCode;
 
 /// States of the player. 0 means that the reply could not be read; it matches none of them.
-inline constexpr FourCharCode AEiTunesPlayerStateStopped = platform::code("kPSS");
-inline constexpr FourCharCode AEiTunesPlayerStatePlaying = platform::code("kPSP");
+inline constexpr FourCharCode AEiTunesPlayerStateStopped = platform::player::stateStopped;
+inline constexpr FourCharCode AEiTunesPlayerStatePlaying = platform::player::statePlaying;
 
 /// Who gave a track its rating, or its album.
-inline constexpr FourCharCode AEiTunesRatingKindUser = platform::code("kRtU");
-inline constexpr FourCharCode AEiTunesRatingKindComputed = platform::code("kRtC");
+inline constexpr FourCharCode AEiTunesRatingKindUser = platform::player::ratedByUser;
+inline constexpr FourCharCode AEiTunesRatingKindComputed = platform::player::ratingComputed;
 
 /// Any object of the player.
 class AEiTunesItem : public platform::SBObject {

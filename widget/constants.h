@@ -3,16 +3,20 @@
 
 #include <cstdint>
 
+#include "platform/application/player_dictionary.h"
+#include "platform/application/system_events_dictionary.h"
+
 namespace virelune {
 
 // Bundle identifiers.
-inline constexpr const char* VLBundleIdentifier_iTunes = "com.apple.iTunes";
-inline constexpr const char* VLBundleIdentifier_SystemEvents = "com.apple.systemevents";
+inline constexpr const char* VLBundleIdentifier_iTunes = platform::player::bundleIdentifier;
+inline constexpr const char* VLBundleIdentifier_SystemEvents =
+    platform::system_events::bundleIdentifier;
 inline constexpr const char* VLBundleIdentifier_Virelune = "org.virelune.Virelune";
 
 /// The player's own change notification, on the distributed notification centre.
 inline constexpr const char* VLDistributedNotificationName_PlayerInfo =
-    "com.apple.iTunes.playerInfo";
+    platform::player::infoNotification;
 
 /// The live station, as the player names its stream.
 inline constexpr const char* VLIdentifierBeats1 = "Beats 1";

@@ -4,8 +4,9 @@
 #include <chrono>
 #include <utility>
 
+#include "desktop/player/followed_player.h"
+#include "platform/application/player_dictionary.h"
 #include "platform/application/workspace.h"
-#include "platform/foundation/text.h"
 #include "platform/loop/notification.h"
 #include "platform/platform.h"
 
@@ -51,29 +52,12 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
   rememberDesktopEntry();
 }
 
-PlayerBridge::Reply PlayerBridge::send(const platform::ScriptingRequest& request) {
-  using Kind = platform::ScriptingRequest::Kind;
-  PlayerMirror* player = registry_.chosen();
-  if (player == nullptr) return std::nullopt;
-  if (!platform::caseInsensitiveEqual(request.bundleIdentifier, playerBundleIdentifier)) {
-    return std::nullopt;
-  }
-  switch (request.kind) {
-    case Kind::get:
-      return get(*player, request.path);
-    case Kind::set:
-      return set(*player, request.path, request.value);
-    case Kind::count:
-      return count(*player, request.path);
-    case Kind::resolve:
-      return resolve(*player, request.path);
-    case Kind::command:
-      return command(*player, request);
-    case Kind::make:
-    case Kind::remove:
-      return std::nullopt;
-  }
-  return std::nullopt;
+std::optional<platform::ScriptingReply> PlayerBridge::send(
+    const platform::ScriptingRequest& request) {
+  PlayerMirror* chosen = registry_.chosen();
+  if (chosen == nullptr) return std::nullopt;
+  FollowedPlayer player(*chosen, artwork_, ratings_);
+  return platform::interpret(request, player);
 }
 
 // The application.
@@ -125,11 +109,11 @@ void PlayerBridge::announce() {
   platform::NSWorkspace* workspace = platform::NSWorkspace::sharedWorkspace();
   if (isRunningNow == wasRunning || workspace == nullptr) {
     platform::current().distributedCenter->postNotification(
-        platform::NSNotification(playerInfoNotification));
+        platform::NSNotification(platform::player::infoNotification));
   } else if (isRunningNow) {
-    workspace->postDidLaunch(playerBundleIdentifier);
+    workspace->postDidLaunch(platform::player::bundleIdentifier);
   } else {
-    workspace->postDidTerminate(playerBundleIdentifier);
+    workspace->postDidTerminate(platform::player::bundleIdentifier);
   }
 }
 

@@ -1,5 +1,5 @@
-// The bridge to the music player: answers the scripting requests to "com.apple.iTunes" from a
-// player on the session bus that speaks MPRIS2 (the MPRIS D-Bus interface, version 2.2).
+// The bridge to the music player: answers the scripting requests to it from a player on the
+// session bus that speaks MPRIS2 (the MPRIS D-Bus interface, version 2.2).
 #pragma once
 
 #include <QtCore/QElapsedTimer>
@@ -27,7 +27,7 @@ struct PlayerListing {
 };
 
 /// Follows one player at a time: the one that was named, else the one that plays, else the one
-/// last heard from. Changes are announced as "com.apple.iTunes.playerInfo" on the platform's
+/// last heard from. Changes are announced as the player's notification on the platform's
 /// distributed centre, coming and going through the shared workspace, twenty times a second at
 /// most. A player that does not answer in time is asked again without waiting, and meanwhile
 /// answers nothing. Main thread only.
@@ -57,29 +57,6 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
   void launch() override;
 
  private:
-  using Reply = std::optional<platform::ScriptingReply>;
-
-  // Requests, in player_bridge_requests.cpp.
-  Reply get(PlayerMirror& player, const platform::ScriptingPath& path);
-  Reply getOfTrack(PlayerMirror& player, platform::FourCharCode property);
-  Reply set(PlayerMirror& player, const platform::ScriptingPath& path,
-            const platform::Value& value);
-  Reply count(PlayerMirror& player, const platform::ScriptingPath& path);
-  Reply resolve(PlayerMirror& player, const platform::ScriptingPath& path);
-  Reply command(PlayerMirror& player, const platform::ScriptingRequest& request);
-
-  // Ratings and love, in player_bridge_ratings.cpp.
-  struct Rating {
-    std::int64_t value = 0;  ///< 0 to 100
-    platform::FourCharCode kind{};
-  };
-  Rating trackRating(PlayerMirror& player, const PlayerSnapshot& track);
-  Rating albumRating(const PlayerSnapshot& track);
-  bool setTrackRating(PlayerMirror& player, const PlayerSnapshot& track, int rating);
-  static TrackIdentity identityOf(const PlayerSnapshot& track);
-  Marks trackMarks(const PlayerSnapshot& track);
-  Marks albumMarks(const PlayerSnapshot& track);
-
   std::optional<DesktopEntry> playerEntry();
   void rememberDesktopEntry();
 

@@ -16,6 +16,7 @@
 #include <span>
 
 #include "desktop/player/snapshot.h"
+#include "platform/application/player_dictionary.h"
 
 namespace desktop {
 
@@ -49,8 +50,8 @@ class PlayerMirror final : public QObject {
   void probe();
 
   // What the player told last, without asking.
-  bool isPlaying() const { return state_ == platform::code("kPSP"); }
-  bool isPaused() const { return state_ == platform::code("kPSp"); }
+  bool isPlaying() const { return state_ == platform::player::statePlaying; }
+  bool isPaused() const { return state_ == platform::player::statePaused; }
   platform::FourCharCode state() const { return state_; }
   const QString& identity() const { return identity_; }
   const QString& desktopEntry() const { return desktopEntry_; }

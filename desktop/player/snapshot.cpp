@@ -10,11 +10,13 @@
 #include <array>
 #include <cmath>
 
+#include "platform/application/player_dictionary.h"
+
 namespace desktop {
 
 namespace {
 
-using platform::code;
+namespace player = platform::player;
 
 constexpr double microsecondsPerSecond = 1'000'000;
 
@@ -112,16 +114,16 @@ QVariantMap mapFromVariant(const QVariant& value) {
 
 platform::FourCharCode stateFromStatus(const QVariant& status) {
   const QString text = textFromVariant(status);
-  if (text == QLatin1String("Playing")) return code("kPSP");
-  if (text == QLatin1String("Paused")) return code("kPSp");
-  if (text == QLatin1String("Stopped")) return code("kPSS");
+  if (text == QLatin1String("Playing")) return player::statePlaying;
+  if (text == QLatin1String("Paused")) return player::statePaused;
+  if (text == QLatin1String("Stopped")) return player::stateStopped;
   return {};
 }
 
 std::string statusFromState(platform::FourCharCode state) {
-  if (state == code("kPSP")) return "Playing";
-  if (state == code("kPSp")) return "Paused";
-  return state == code("kPSS") ? "Stopped" : "";
+  if (state == player::statePlaying) return "Playing";
+  if (state == player::statePaused) return "Paused";
+  return state == player::stateStopped ? "Stopped" : "";
 }
 
 double secondsFromMicroseconds(const QVariant& value) {
@@ -132,20 +134,6 @@ qint64 microsecondsFromSeconds(double seconds) {
   constexpr double century = 100.0 * 366 * 24 * 3600;
   if (!(seconds > 0)) return 0;
   return static_cast<qint64>(std::llround(std::min(seconds, century) * microsecondsPerSecond));
-}
-
-std::string lengthText(double seconds) {
-  constexpr double century = 100.0 * 366 * 24 * 3600;
-  if (!(seconds > 0)) return {};
-  const auto whole = static_cast<long long>(std::min(seconds, century));
-  const auto twoDigits = [](long long value) {
-    return (value < 10 ? "0" : "") + std::to_string(value);
-  };
-  const long long hours = whole / 3600;
-  const long long minutes = whole / 60 % 60;
-  const std::string start =
-      hours > 0 ? std::to_string(hours) + ":" + twoDigits(minutes) : std::to_string(minutes);
-  return start + ":" + twoDigits(whole % 60);
 }
 
 bool PlayerSnapshot::isStream() const { return length <= 0 && isRemote(); }

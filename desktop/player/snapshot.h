@@ -14,7 +14,7 @@ namespace desktop {
 /// Every field has its zero value when the player does not tell it or tells it in a type that
 /// makes no sense.
 struct PlayerSnapshot {
-  platform::FourCharCode state{};  ///< 'kPSP', 'kPSp', 'kPSS'; 0 unknown
+  platform::FourCharCode state{};  ///< 0 unknown
 
   bool hasTrack = false;  ///< there is more than an empty place in a list
   QString trackId;        ///< a D-Bus object path; empty when missing or not one
@@ -44,7 +44,7 @@ struct PlayerSnapshot {
 /// The snapshot from the properties of "org.mpris.MediaPlayer2.Player".
 PlayerSnapshot snapshotFromProperties(const QVariantMap& properties);
 
-/// 'kPSP', 'kPSp' or 'kPSS' for "Playing", "Paused" or "Stopped"; 0 for anything else.
+/// The state for "Playing", "Paused" or "Stopped"; 0 for anything else.
 platform::FourCharCode stateFromStatus(const QVariant& status);
 
 /// The other way round; empty for 0.
@@ -53,9 +53,6 @@ std::string statusFromState(platform::FourCharCode state);
 /// The seconds behind a number of microseconds of any numeric type; never negative.
 double secondsFromMicroseconds(const QVariant& value);
 qint64 microsecondsFromSeconds(double seconds);
-
-/// m:ss or h:mm:ss, fractions cut; empty for a length that is not above 0.
-std::string lengthText(double seconds);
 
 /// Three short helpers for values in whatever wrapping a player sends them.
 QString textFromVariant(const QVariant& value);                  ///< lists are joined with ", "

@@ -9,6 +9,7 @@
 #include "desktop/files/user_folders.h"
 #include "desktop/files/whole_file.h"
 #include "desktop/session/desktop_entries.h"
+#include "platform/application/system_events_dictionary.h"
 #include "platform/platform.h"
 
 namespace desktop {
@@ -16,15 +17,10 @@ namespace desktop {
 namespace {
 
 namespace fs = std::filesystem;
-using platform::code;
+namespace system_events = platform::system_events;
 using platform::ScriptingReply;
 using platform::ScriptingRequest;
 using platform::Value;
-
-constexpr const char* systemEvents = "com.apple.systemevents";
-constexpr platform::FourCharCode loginItemClass = code("logi");
-constexpr platform::FourCharCode pathProperty = code("ppth");
-constexpr platform::FourCharCode hiddenProperty = code("hidn");
 
 // Keys of our own in the entries made here.
 constexpr const char* orderKey = "X-Virelune-LoginItem";
@@ -110,10 +106,11 @@ fs::path LoginItems::defaultFolder() {
 }
 
 std::optional<ScriptingReply> LoginItems::send(const ScriptingRequest& request) {
-  if (request.bundleIdentifier != systemEvents) {
+  if (request.bundleIdentifier != system_events::bundleIdentifier) {
     return others_ != nullptr ? others_->send(request) : std::nullopt;
   }
-  if (request.path.empty() || request.path.front().code != loginItemClass) return std::nullopt;
+  if (request.path.empty() || request.path.front().code != system_events::loginItemClass)
+    return std::nullopt;
   const auto index = request.path.front().index;
   if (!index) {
     if (request.path.size() != 1) return std::nullopt;
@@ -170,14 +167,14 @@ std::optional<ScriptingReply> LoginItems::answer(const ScriptingRequest& request
   switch (request.kind) {
     case ScriptingRequest::Kind::resolve:
       if (!isItemItself) return std::nullopt;
-      return loginItemClass;
+      return system_events::loginItemClass;
     case ScriptingRequest::Kind::remove:
       if (!isItemItself || ::unlink(item.file.c_str()) != 0) return std::nullopt;
       return Value();
     case ScriptingRequest::Kind::get:
       if (request.path.size() != 2) return std::nullopt;
-      if (request.path.back().code == pathProperty) return Value(item.path);
-      if (request.path.back().code == hiddenProperty) return Value(item.startsHidden);
+      if (request.path.back().code == system_events::path) return Value(item.path);
+      if (request.path.back().code == system_events::hidden) return Value(item.startsHidden);
       return std::nullopt;
     default:
       return std::nullopt;

@@ -7,9 +7,6 @@
 
 namespace desktop {
 
-inline constexpr const char* playerBundleIdentifier = "com.apple.iTunes";
-inline constexpr const char* playerInfoNotification = "com.apple.iTunes.playerInfo";
-
 /// Narrow, so that a player on the bus and the built-in one are the same to the workspace.
 class PlayerApplication {
  public:

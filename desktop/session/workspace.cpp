@@ -1,6 +1,7 @@
 #include "desktop/session/workspace.h"
 
 #include "desktop/session/desktop_entries.h"
+#include "platform/application/player_dictionary.h"
 #include "platform/foundation/text.h"
 #include "platform/graphics/graphics.h"
 #include "platform/platform.h"
@@ -33,12 +34,13 @@ std::vector<std::string> commandForAddress(const platform::URL& url) {
 }
 
 bool DesktopWorkspace::isPlayer(const std::string& bundleIdentifier) const {
-  return platform::caseInsensitiveEqual(bundleIdentifier, playerBundleIdentifier);
+  return platform::caseInsensitiveEqual(bundleIdentifier, platform::player::bundleIdentifier);
 }
 
 platform::ObjectArray DesktopWorkspace::runningApplications(const std::string& bundleIdentifier) {
   if (!isPlayer(bundleIdentifier) || player_ == nullptr || !player_->isRunning()) return {};
-  return {platform::make<platform::NSRunningApplication>(playerBundleIdentifier, false)};
+  return {
+      platform::make<platform::NSRunningApplication>(platform::player::bundleIdentifier, false)};
 }
 
 std::optional<std::string> DesktopWorkspace::applicationPath(const std::string& bundleIdentifier) {

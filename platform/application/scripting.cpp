@@ -106,6 +106,6 @@ bool SBObject::makeElement(FourCharCode code, Dictionary properties) const {
       .has_value();
 }
 
-void SBApplication::activate() const { sendEvent_id_parameters(code("misc"), code("actv")); }
+void SBApplication::activate() const { sendEvent_id_parameters(miscellaneousClass, activateEvent); }
 
 }  // namespace platform

@@ -28,6 +28,10 @@ consteval FourCharCode code(const char (&text)[5]) {
 /// The four characters of a code, for messages and test reports.
 std::string textFromCode(FourCharCode code);
 
+/// The class and the event of activate(), which every application answers.
+inline constexpr FourCharCode miscellaneousClass = code("misc");
+inline constexpr FourCharCode activateEvent = code("actv");
+
 /// One step on the way from the application to an object: a property, or an element by index.
 struct ScriptingStep {
   FourCharCode code;
@@ -159,7 +163,7 @@ class SBApplication : public SBObject {
   explicit SBApplication(std::string bundleIdentifier)
       : SBObject(std::move(bundleIdentifier), {}) {}
 
-  /// Brings the application to the front ('misc' 'actv').
+  /// Brings the application to the front.
   void activate() const;
 };
 

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 
 namespace fs = std::filesystem;
@@ -92,6 +93,20 @@ bool createDirectoryAtURL(const URL& url) {
   std::error_code error;
   fs::create_directories(*path, error);
   return !error && fs::is_directory(*path, error);
+}
+
+std::optional<Data> dataWithContentsOfFile(const std::string& path, std::uintmax_t largest) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return std::nullopt;
+  const std::uintmax_t size = fs::file_size(path, error);
+  if (error || size > largest) return std::nullopt;
+
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<std::size_t>(file.gcount()));
+  return Data(std::move(bytes));
 }
 
 bool writeToFileAtomically(const std::string& path, std::string_view contents) {

@@ -1,12 +1,14 @@
-// Folders and files: where the user's data lies, what a folder holds, making folders, writing
-// files as a whole.
+// Folders and files: where the user's data lies, what a folder holds, making folders, reading and
+// writing files as a whole.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/foundation/data.h"
 #include "platform/foundation/url.h"
 
 namespace platform {
@@ -30,6 +32,9 @@ bool checkResourceIsReachable(const URL& url);
 
 /// Makes a folder and those above it that are missing; false when it is not there afterwards.
 bool createDirectoryAtURL(const URL& url);
+
+/// The bytes of a regular file; none when it cannot be read or has more bytes than this.
+std::optional<Data> dataWithContentsOfFile(const std::string& path, std::uintmax_t largest);
 
 /// Puts a file with these contents in place, on the disk and all at once; a file of the same name
 /// is replaced and its permissions stay. False, with errno telling why and nothing left behind,

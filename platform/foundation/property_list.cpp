@@ -4,11 +4,10 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "platform/foundation/binary_property_list.h"
+#include "platform/foundation/file_manager.h"
 
 namespace platform {
 
@@ -154,16 +153,8 @@ std::optional<Value> propertyListFromData(const Data& data) {
 
 std::optional<Dictionary> dictionaryWithContentsOfFile(const std::string& path) {
   constexpr std::uintmax_t largest = 1024 * 1024;
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (error || size == 0 || size > largest) return std::nullopt;
-
-  std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(file.gcount()));
-  const auto value = propertyListFromData(Data(std::move(bytes)));
+  const auto bytes = dataWithContentsOfFile(path, largest);
+  const auto value = bytes ? propertyListFromData(*bytes) : std::nullopt;
   return value ? value->as<Dictionary>() : std::nullopt;
 }
 

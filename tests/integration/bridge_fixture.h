@@ -10,6 +10,7 @@
 #include "desktop/player/bridge.h"
 #include "desktop/program/qt_run_loop.h"
 #include "desktop/session/workspace.h"
+#include "platform/application/player_dictionary.h"
 #include "platform/platform.h"
 #include "tests/integration/processes.h"
 
@@ -44,7 +45,7 @@ class BridgeFixture : public testing::Test {
     using platform::NSWorkspaceDidTerminateApplicationNotification;
     platform_.distributedCenter->removeObserver(announced.get());
     platform_.distributedCenter->addObserver(announced.get(), &Announcements::changed,
-                                             desktop::playerInfoNotification);
+                                             platform::player::infoNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::launched,
                                                  NSWorkspaceDidLaunchApplicationNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,
@@ -67,7 +68,7 @@ class BridgeFixture : public testing::Test {
     app()->sendEvent_id_parameters(platform::code("hook"), identifier);
   }
   static std::shared_ptr<platform::SBApplication> app() {
-    return platform::make<platform::SBApplication>(desktop::playerBundleIdentifier);
+    return platform::make<platform::SBApplication>(platform::player::bundleIdentifier);
   }
 
   const PrivateBus bus;

@@ -7,6 +7,7 @@
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
 #include "tests/integration/mpv.h"
+#include "track/track_view_controller.h"
 
 namespace tests {
 namespace {
@@ -102,6 +103,18 @@ TEST_F(PlayerBridge, WritesTheRatingThatThePlayerKeepsItself) {
                                                    "SetPosition /track/1 30000000"));
 }
 
+TEST_F(PlayerBridge, AClickOnTheArtworkRaisesThePlayerOnce) {
+  FakePlayer player(
+      bus, "raised",
+      {{"PlaybackStatus", "Playing"}, {"Metadata", QVariantMap{{"xesam:title", "Song"}}}});
+  follow();
+  const auto panel = platform::make<virelune::VLTrackViewController>();
+  EXPECT_TRUE(panel->clickedArtworkButton(nullptr));
+  command(code("Next"));
+  EXPECT_TRUE(waitUntil([&] { return player.calls().contains("Next"); }));
+  EXPECT_THAT(player.calls(), testing::ElementsAre("Raise", "Next"));
+}
+
 TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
   const TemporaryFolder folder;
   desktop::RatingsStore ratings(folder.path() / "ratings.sqlite");
@@ -111,7 +124,7 @@ TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
     return track()->propertyWithCode(property);
   };
   EXPECT_EQ(of(code("pRtk"))->enumCodeValue(), platform::FourCharCode{});
-  of(code("pRte"))->setTo(130);
+  of(code("pRte"))->setTo(100);
   of(code("pLov"))->setTo(true);
   of(code("pAlR"))->setTo(40);
   of(code("pALv"))->setTo(true);

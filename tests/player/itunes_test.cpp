@@ -49,7 +49,7 @@ TEST_F(ITunes, APlayerThatDoesNotRunIsNeverAsked) {
   EXPECT_FALSE(vl_iTunesIsPlayingBeats1());
   startPlayer();
   player.clearLog();
-  player.setListsTerminatedInstance(true);
+  workspaceBackend.listsTerminatedInstance = true;
   EXPECT_FALSE(vl_iTunesIsRunningAndPlaying()) << "only the first instance counts";
   EXPECT_EQ(player.requestCount(), 0U);
 }

@@ -119,7 +119,6 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
       Marks& album = player.albumMarks(*player.currentTrack());
       track = onAlbum ? untouched : marksFrom(before);
       album = onAlbum ? marksFrom(before) : untouched;
-      player.setLogging(true);
       player.clearLog();
       EXPECT_EQ(perform(command, onAlbum) ? "yes" : "no", answer);
       EXPECT_EQ(requests(), requested);

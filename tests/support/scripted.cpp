@@ -7,7 +7,12 @@
 namespace tests {
 
 platform::ObjectArray ScriptedWorkspace::runningApplications(const std::string& bundleIdentifier) {
-  return player_.runningApplications(bundleIdentifier);
+  auto instances = player_.runningApplications(bundleIdentifier);
+  if (listsTerminatedInstance) {
+    instances.insert(instances.begin(),
+                     platform::make<platform::NSRunningApplication>(bundleIdentifier, true));
+  }
+  return instances;
 }
 
 std::optional<std::string> ScriptedWorkspace::applicationPath(const std::string& bundleIdentifier) {

@@ -29,6 +29,7 @@ class ScriptedWorkspace final : public platform::WorkspaceBackend {
 
   std::map<std::string, std::string> installed;                     ///< path by bundle identifier
   std::map<std::string, std::shared_ptr<platform::NSImage>> icons;  ///< by path
+  bool listsTerminatedInstance = false;                             ///< before any other
   std::vector<std::string> asked;  ///< "launch <identifier>" and "open <address>"
 
  private:

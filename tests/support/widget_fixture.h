@@ -6,12 +6,12 @@
 
 #include <memory>
 
-#include "demo/demo_player.h"
 #include "platform/application/bundle.h"
 #include "platform/platform.h"
 #include "platform/view/window.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/scripted.h"
+#include "tests/support/simulated_player.h"
 #include "tests/support/test_graphics.h"
 
 namespace tests {
@@ -49,7 +49,7 @@ class WidgetFixture : public testing::Test {
   const bool composed_;  // the parts that the player needs from its first moment are installed
 
  protected:
-  demo::DemoPlayer player;
+  SimulatedPlayer player;
   ScriptedWorkspace workspaceBackend{player};
   platform::NSWorkspace workspace{workspaceBackend};
 

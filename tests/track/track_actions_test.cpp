@@ -10,7 +10,9 @@ namespace {
 
 using platform::NSEventModifierFlagOption;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using tests::nameOf;
 
 class TrackActions : public tests::TrackFixture {
@@ -123,7 +125,6 @@ TEST_F(TrackActions, TheArtworkRevealsTheTrackInThePlayer) {
   show();
   clickControl(artwork);
   EXPECT_EQ(asked(), "pnam pPlS command misc/actv command pTrk hook/Revl");
-  EXPECT_THAT(player.revealedTracks(), ElementsAre("Paper Lanterns"));
   EXPECT_EQ(workers.count(), 0U);
 }
 
@@ -135,12 +136,12 @@ TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
                                "artistLinkUrl":"https://store.example/artist/7"}]})");
   platform_.http = &store;
   clickControl(artwork, NSEventModifierFlagOption);
-  EXPECT_EQ(player.activationCount(), 0U);
+  EXPECT_THAT(asked(), Not(HasSubstr("actv")));
   EXPECT_THAT(store.requests, IsEmpty());
   ASSERT_EQ(workers.count(), 1U);
   workers.runAll();
   ASSERT_EQ(store.requests.size(), 1U);
-  EXPECT_THAT(store.requests[0].url, testing::HasSubstr("Marlow+&+Finch"));
+  EXPECT_THAT(store.requests[0].url, HasSubstr("Marlow+&+Finch"));
   EXPECT_THAT(workspaceBackend.asked, ElementsAre("open itms://store.example/artist/7?at=4p8d27M"));
 }
 
@@ -152,7 +153,7 @@ TEST_F(TrackActions, LiveTheArtworkOpensTheStoreOnceTheArtistIsKnown) {
   panel->contentBeats1InfoLoader()->trackInfoUpdateForKey_withValue("track artist", "Artist");
   clickControl(artwork);
   EXPECT_EQ(workers.count(), 1U);
-  EXPECT_EQ(player.activationCount(), 0U);
+  EXPECT_THAT(asked(), Not(HasSubstr("actv")));
 }
 
 }  // namespace

@@ -16,7 +16,6 @@ class TrackFixture : public WidgetFixture {
     window->setContentView(panel->view());
     window->setVisible(true);
     clock.settle();
-    player.setLogging(true);
     player.clearLog();
     marked.clear();
   }

@@ -16,7 +16,6 @@ class TrackReadout : public tests::TrackFixture {
 };
 
 TEST_F(TrackReadout, ThePositionIsCutAndPaddedAndShowsHoursOnlyBeyondOne) {
-  track().time = "3:45";
   const std::pair<double, const char*> cases[] = {{59.999, "00:59 | 3:45"},
                                                   {3600.0, "60:00 | 3:45"},
                                                   {3600.5, "01:00:00 | 3:45"},
@@ -25,7 +24,7 @@ TEST_F(TrackReadout, ThePositionIsCutAndPaddedAndShowsHoursOnlyBeyondOne) {
     player.setPosition(position);
     EXPECT_EQ(panel->infoTrackTimeDescription(), text) << position;
   }
-  track().time = "";
+  track().duration = 0;
   player.setPosition(0);
   EXPECT_EQ(panel->infoTrackTimeDescription(), "00:00");
   player.setReply(code("pPos"), platform::ScriptingReply(Value(HUGE_VAL)));
@@ -49,7 +48,7 @@ TEST_F(TrackReadout, ArtworkFallsBackToThePlaceholder) {
   EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
   player.setReply(code("pRaw"), std::nullopt);
   EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
-  track().cover.reset();
+  track().cover = {};
   EXPECT_FALSE(panel->infoTrackHasArtwork());
   EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
   player.setState(demo::stateStopped);

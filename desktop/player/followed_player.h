@@ -1,0 +1,54 @@
+// A player on the bus as scripting sees it: what it tells, its cover, and its ratings and love
+// marks, which are its own where it keeps them, else ours, else what it knows from its library.
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "desktop/player/artwork.h"
+#include "desktop/player/mirror.h"
+#include "desktop/ratings/store.h"
+#include "platform/application/player_interpreter.h"
+
+namespace desktop {
+
+/// Made for one request. Main thread only.
+class FollowedPlayer final : public platform::ScriptablePlayer {
+ public:
+  /// Ratings may be null: then they come from the player alone.
+  FollowedPlayer(PlayerMirror& mirror, PlayerArtwork& artwork, RatingsStore* ratings)
+      : mirror_(mirror), artwork_(artwork), ratings_(ratings) {}
+
+  platform::FourCharCode state() override;
+  double position() override { return mirror_.position(); }
+  bool seek(double seconds) override { return mirror_.setPosition(seconds); }
+  std::optional<platform::PlayerTrack> track() override;
+  bool hasArtwork() override;
+  platform::Data artwork() override;
+
+  Rating rating(Marked of) override;
+  bool setRating(Marked of, std::int64_t rating) override;
+  bool isLoved(Marked of) override;
+  bool setLoved(Marked of, bool loved) override;
+
+  bool playPause() override { return mirror_.command("PlayPause"); }
+  bool nextTrack() override { return mirror_.command("Next"); }
+  bool previousTrack() override { return mirror_.command("Previous"); }
+  bool activate() override { return mirror_.raise(); }
+  /// MPRIS cannot point at a track; the player comes to the front by activate().
+  bool reveal() override { return false; }
+
+ private:
+  /// What the player tells, asked for once so that a request has to do with one track only; null
+  /// when it does not answer.
+  const PlayerSnapshot* now();
+  TrackIdentity identity();
+  Marks marks(Marked of);
+
+  PlayerMirror& mirror_;
+  PlayerArtwork& artwork_;
+  RatingsStore* const ratings_;
+  std::optional<std::shared_ptr<const PlayerSnapshot>> now_;
+};
+
+}  // namespace desktop
