@@ -160,7 +160,6 @@ TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothing
 
   player.setRefusesWrites(false);
   player.setCurrentTrackIndex(std::nullopt);
-  player.setLogging(true);
   player.clearLog();
   vl_setCurrentTrackRating(100);
   EXPECT_EQ(requests(), "set pRte 100, resolve, get pRtk, set pLov false, get pRtk, get pLov");

@@ -94,7 +94,6 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   const std::weak_ptr<VLViewController> track = widget->contentViewController();
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 1U) << "the heartbeat";
   player.stop();
-  player.setLogging(true);
   clock.settle();
   EXPECT_THAT(player.log(), ElementsAre("get pPlS")) << "the old panel is not refreshed once more";
   EXPECT_TRUE(track.expired());

@@ -1,34 +1,30 @@
 #include "platform/application/player_interpreter.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
+#include <sstream>
 
 namespace platform {
 namespace {
 
 using Kind = ScriptingRequest::Kind;
-using Reply = std::optional<ScriptingReply>;
 
-/// Plays what it is given, and notes what it is told to do.
+/// Notes what it is told to do.
 class NotingPlayer final : public ScriptablePlayer {
  public:
   FourCharCode state() override { return code("kPSp"); }
-  double position() override { return 7.5; }
-  bool seek(double seconds) override { return note("seek", seconds); }
+  double position() override { return 7; }
+  bool seek(double seconds) override { return note("seek", static_cast<std::int64_t>(seconds)); }
   std::optional<PlayerTrack> track() override { return played; }
   bool hasArtwork() override { return true; }
   Data artwork() override { return Data::fromText("cover"); }
   Rating rating(Marked of) override {
     return of == Marked::track ? Rating{60, code("kRtC")} : Rating{40, code("kRtU")};
   }
-  bool setRating(Marked of, std::int64_t rating) override {
-    return note(of == Marked::track ? "rate" : "rate album", static_cast<double>(rating));
-  }
+  bool setRating(Marked of, std::int64_t value) override { return note("rate", value, of); }
   bool isLoved(Marked of) override { return of == Marked::track; }
-  bool setLoved(Marked of, bool loved) override {
-    return note(of == Marked::track ? "love" : "love album", loved);
-  }
+  bool setLoved(Marked of, bool loved) override { return note("love", loved, of); }
   bool playPause() override { return note("play"); }
   bool nextTrack() override { return note("next"); }
   bool previousTrack() override { return note("previous"); }
@@ -40,134 +36,102 @@ class NotingPlayer final : public ScriptablePlayer {
   std::string told;
 
  private:
-  bool note(const std::string& what, double value = 0) {
-    told = what + " " + std::to_string(std::lround(value));
+  bool note(const std::string& what, std::int64_t value = 0, Marked of = Marked::track) {
+    told = what + std::to_string(value) + (of == Marked::album ? "album" : "");
     return true;
   }
 };
 
-constexpr const char* identifier = "COM.apple.itunes";  // the case is of no matter
-
-/// A path as text: steps of four characters with dots between them, or "cArt0" for an element.
-ScriptingPath path(const std::string& text) {
-  ScriptingPath steps;
-  for (std::size_t at = 0; at < text.size();
-       at = std::min(text.find('.', at), text.size() - 1) + 1) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-      value = value << 8 | static_cast<unsigned char>(text[at + i]);
-    steps.push_back({FourCharCode{value}, std::nullopt});
-    if (at + 4 < text.size() && text[at + 4] != '.') steps.back().index = text[at + 4] - '0';
-  }
-  return steps;
+FourCharCode codeFrom(const std::string& text) {
+  std::uint32_t value = 0;
+  for (const char c : text.substr(0, 4)) value = value << 8 | static_cast<unsigned char>(c);
+  return FourCharCode{value};
 }
 
-TEST(PlayerInterpreter, AnswersWhatTheDictionaryHasAndNothingElse) {
-  const std::tuple<Kind, const char*, Reply> cases[] = {
-      {Kind::get, "pPlS", code("kPSp")},
-      {Kind::get, "pPos", Value(7.5)},
-      {Kind::get, "pTrk.pnam", Value("Name")},
-      {Kind::get, "pTrk.pArt", Value("Artist")},
-      {Kind::get, "pTrk.pAlb", Value("Album")},
-      {Kind::get, "pTrk.pAlA", {}},
-      {Kind::get, "pTrk.pDur", Value(61.0)},
-      {Kind::get, "pTrk.pTim", Value("1:01")},
-      {Kind::get, "pTrk.pRte", Value(60)},
-      {Kind::get, "pTrk.pRtk", code("kRtC")},
-      {Kind::get, "pTrk.pLov", Value(true)},
-      {Kind::get, "pTrk.pAlR", Value(40)},
-      {Kind::get, "pTrk.pARk", code("kRtU")},
-      {Kind::get, "pTrk.pALv", Value(false)},
-      {Kind::get, "pTrk.cArt0.pRaw", Value(Data::fromText("cover"))},
-      {Kind::count, "pTrk.cArt", Value(1)},
-      {Kind::resolve, "", code("capp")},
-      {Kind::resolve, "pTrk", code("cFlT")},
-      {Kind::resolve, "pTrk.cArt0", code("cArt")},
-      {Kind::get, "", {}},
-      {Kind::get, "pTrk", {}},
-      {Kind::get, "pTrk.pXyz", {}},
-      {Kind::get, "pTrk.pnam0", {}},
-      {Kind::get, "pTrk0.pnam", {}},
-      {Kind::get, "pTrk.cArt1.pRaw", {}},
-      {Kind::count, "cArt", {}},
-      {Kind::resolve, "pTrk.cArt1", {}},
-      {Kind::make, "pTrk", {}},
-      {Kind::remove, "pTrk.cArt0", {}},
+/// The request that a text such as "get pTrk.cArt[0].pRaw", "set pPos 12" or "hook/Next" means.
+ScriptingRequest requestFrom(const std::string& text) {
+  static const std::map<std::string, Kind> kinds{
+      {"get", Kind::get}, {"count", Kind::count}, {"resolve", Kind::resolve},
+      {"set", Kind::set}, {"make", Kind::make},   {"remove", Kind::remove},
   };
-  NotingPlayer player;
-  for (const auto& [kind, steps, reply] : cases) {
-    const ScriptingRequest request{
-        .bundleIdentifier = identifier, .kind = kind, .path = path(steps)};
-    EXPECT_EQ(interpret(request, player), reply) << steps;
+  std::istringstream words(text);
+  std::string verb, path, value;
+  words >> verb >> path >> value;
+  ScriptingRequest request{.bundleIdentifier = "COM.apple.itunes"};  // the case is of no matter
+  const auto kind = kinds.find(verb);
+  request.kind = kind != kinds.end() ? kind->second : Kind::command;
+  if (kind == kinds.end()) {
+    request.eventClass = codeFrom(verb);
+    request.eventIdentifier = codeFrom(verb.substr(5));
   }
-  EXPECT_EQ(interpret({.bundleIdentifier = "org.example", .path = path("pPlS")}, player), Reply());
+  std::istringstream steps(path);
+  for (std::string step; std::getline(steps, step, '.');) {
+    request.path.push_back({codeFrom(step), std::nullopt});
+    if (step.size() > 4) request.path.back().index = step[5] - '0';
+  }
+  request.value = value;
+  if (value == "true") request.value = true;
+  if (value.find_first_not_of("-0123456789") == std::string::npos)
+    request.value = std::atoi(value.c_str());
+  return request;
+}
+
+/// What came of a request: what was told to the player, else the reply; "-" when there is neither.
+std::string outcome(NotingPlayer& player, const ScriptingRequest& request) {
+  player.told.clear();
+  const auto reply = interpret(request, player);
+  if (!player.told.empty()) return reply == ScriptingReply(Value()) ? player.told : "not confirmed";
+  if (!reply) return "-";
+  if (const auto* found = std::get_if<FourCharCode>(&*reply)) return textFromCode(*found);
+  const Value& value = std::get<Value>(*reply);
+  if (const auto number = value.as<Number>()) return std::to_string(number->integerValue());
+  if (const auto data = value.as<Data>()) return std::string(data->view());
+  return value.as<std::string>().value_or("?");
+}
+
+TEST(PlayerInterpreter, AnswersAndCarriesOutWhatTheDictionaryHasAndNothingElse) {
+  NotingPlayer player;
+  std::istringstream table(R"(
+    get pPlS: kPSp          get pTrk.pnam: Name     get pTrk.pRte: 60     get pTrk.pAlR: 40
+    get pPos: 7             get pTrk.pArt: Artist   get pTrk.pRtk: kRtC   get pTrk.pARk: kRtU
+    get pTrk.pDur: 61       get pTrk.pAlb: Album    get pTrk.pLov: 1      get pTrk.pALv: 0
+    get pTrk.pTim: 1:01     get pTrk.pAlA: -        get pTrk.pXyz: -      get pTrk.pnam[0]: -
+    get: -                  get pTrk: -             get pTrk[0].pnam: -   get pTrk.cArt[1].pRaw: -
+    count pTrk.cArt: 1      count cArt: -           get pTrk.cArt[0].pRaw: cover
+    resolve: capp           resolve pTrk: cFlT      resolve pTrk.cArt[0]: cArt
+    resolve pTrk.cArt[1]: - make pTrk: -            remove pTrk.cArt[0]: -
+    set pTrk.pRte 100: rate100      set pTrk.pRte 101: -    set pTrk.pRte eighty: -
+    set pTrk.pAlR 0: rate0album     set pTrk.pAlR -1: -     set pTrk.pnam 1: -
+    set pTrk.pLov true: love1       set pTrk.pLov yes: -    set pTrk.pPos 1: -
+    set pTrk.pALv 0: love0album     set pPos 12: seek12     set pPos soon: -
+    hook/PlPs: play0        hook/Next: next0        hook/Prev: previous0  hook/Next pTrk: -
+    misc/actv: activate0    hook/Revl pTrk: reveal0 hook/Revl: -          hook/actv: -
+  )");
+  for (std::string request, expected; std::getline(table >> std::ws, request, ':');) {
+    table >> expected;
+    EXPECT_EQ(outcome(player, requestFrom(request)), expected) << request;
+  }
+  ScriptingRequest toAnother = requestFrom("get pPlS");
+  toAnother.bundleIdentifier = "org.example";
+  EXPECT_EQ(outcome(player, toAnother), "-");
   player.played.reset();
-  for (const char* steps : {"pTrk.pnam", "pTrk.pRte", "pTrk.cArt0.pRaw"}) {
-    EXPECT_EQ(interpret({.bundleIdentifier = identifier, .path = path(steps)}, player), Reply());
-  }
-}
-
-TEST(PlayerInterpreter, CarriesOutWhatMakesSenseAndRefusesTheRest) {
-  const std::tuple<const char*, Value, const char*> writes[] = {
-      {"pPos", 12.0, "seek 12"},
-      {"pTrk.pRte", 100, "rate 100"},
-      {"pTrk.pAlR", 0, "rate album 0"},
-      {"pTrk.pLov", true, "love 1"},
-      {"pTrk.pALv", 0, "love album 0"},
-      {"pTrk.pRte", 101, ""},
-      {"pTrk.pAlR", -1, ""},
-      {"pTrk.pRte", "80", ""},
-      {"pTrk.pLov", "yes", ""},
-      {"pTrk.pnam", 1, ""},
-      {"pTrk.pPos", 1, ""},
-  };
-  NotingPlayer player;
-  for (const auto& [steps, value, told] : writes) {
-    player.told.clear();
-    const auto reply = interpret(
-        {.bundleIdentifier = identifier, .kind = Kind::set, .path = path(steps), .value = value},
-        player);
-    EXPECT_EQ(player.told, told) << steps;
-    EXPECT_EQ(reply.has_value(), !player.told.empty()) << steps;
-  }
-  const std::tuple<FourCharCode, FourCharCode, const char*, const char*> commands[] = {
-      {code("hook"), code("PlPs"), "", "play 0"},
-      {code("hook"), code("Next"), "", "next 0"},
-      {code("hook"), code("Prev"), "", "previous 0"},
-      {code("misc"), code("actv"), "", "activate 0"},
-      {code("hook"), code("Revl"), "pTrk", "reveal 0"},
-      {code("hook"), code("Revl"), "", ""},
-      {code("hook"), code("Next"), "pTrk", ""},
-      {code("hook"), code("actv"), "", ""},
-  };
-  for (const auto& [eventClass, event, steps, told] : commands) {
-    player.told.clear();
-    interpret({.bundleIdentifier = identifier,
-               .kind = Kind::command,
-               .path = path(steps),
-               .eventClass = eventClass,
-               .eventIdentifier = event},
-              player);
-    EXPECT_EQ(player.told, told) << textFromCode(event) << steps;
+  for (const char* text : {"get pTrk.pRte", "get pTrk.cArt[0].pRaw", "set pTrk.pLov true"}) {
+    EXPECT_EQ(outcome(player, requestFrom(text)), "-") << "without a track: " << text;
   }
 }
 
 TEST(PlayerInterpreter, WritesTheLengthInMinutesOrHoursAndNothingWhenItIsUnknown) {
   NotingPlayer player;
-  const std::pair<double, Reply> cases[] = {
-      {-3, {}},
-      {0, {}},
-      {std::nan(""), {}},
-      {0.4, Value("0:00")},
-      {59.9, Value("0:59")},
-      {3599, Value("59:59")},
-      {3600, Value("1:00:00")},
-      {36'061, Value("10:01:01")},
-  };
-  for (const auto& [seconds, text] : cases) {
+  for (const auto& [seconds, text] : {std::pair(-3.0, "-"),
+                                      {0, "-"},
+                                      {std::nan(""), "-"},
+                                      {0.4, "0:00"},
+                                      {59.9, "0:59"},
+                                      {3599, "59:59"},
+                                      {3600, "1:00:00"},
+                                      {36'061, "10:01:01"}}) {
     player.played->duration = seconds;
-    EXPECT_EQ(interpret({.bundleIdentifier = identifier, .path = path("pTrk.pTim")}, player), text)
-        << seconds;
+    EXPECT_EQ(outcome(player, requestFrom("get pTrk.pTim")), text) << seconds;
   }
 }
 
