@@ -94,6 +94,7 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   const std::weak_ptr<VLViewController> track = widget->contentViewController();
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 1U) << "the heartbeat";
   player.stop();
+  player.clearLog();
   clock.settle();
   EXPECT_THAT(player.log(), ElementsAre("get pPlS")) << "the old panel is not refreshed once more";
   EXPECT_TRUE(track.expired());
