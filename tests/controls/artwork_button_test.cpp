@@ -1,18 +1,25 @@
+#include <cstdlib>
+#include <fstream>
+#include <set>
 #include <sstream>
-#include <thread>
 
 #include "controls/artwork_button.h"
+#include "platform/view/drag.h"
 #include "tests/controls/control_fixture.h"
-#include "tests/support/instant_http.h"
+#include "tests/support/temporary_folder.h"
 #include "widget/constants.h"
 
 namespace virelune {
 namespace {
 
 using platform::Array;
-using platform::Data;
 using platform::Dictionary;
+using platform::NSDraggingSession;
+using platform::NSEventType;
+using platform::NSPasteboardTypePNG;
+using platform::NSPasteboardTypePromisedFileURL;
 using platform::Value;
+using testing::ElementsAre;
 using tests::nameOf;
 
 class ArtworkButton : public tests::ControlFixture<VLArtworkButton> {
@@ -58,46 +65,36 @@ TEST_F(ArtworkButton, AnswersWithoutAUsableCoverEndTheLookUpQuietly) {
   std::istringstream bad(R"((no answer)
 nonsense
 7
-null
 []
-{}
-{"results":[]}
 {"results":{}}
 {"results":[null,7,"Foo",[],{}]}
 {"results":[{"artistName":7,"collectionName":"Bar","artworkUrl100":"https://x/"}]}
 {"results":[{"artistName":"The Foo","collectionName":"Bar","artworkUrl100":"https://x/"}]}
 {"results":[{"artistName":"Foo","collectionName":"Ba","artworkUrl100":"https://x/"}]}
 {"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":""}]}
-{"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":"not an address"}]}
-)");
+{"results":[{"artistName":"Foo","collectionName":"Bar","artworkUrl100":"not an address"}]})");
   const auto receive = [this](const std::string& body) {
     body[0] == '(' ? http.fail(http.lastIndex()) : http.answer(http.lastIndex(), body);
     clock.settle();
     EXPECT_EQ(control->contentURLSessionDataTask() == nullptr, http.inFlight() == 0);
   };
-  std::size_t requests = 0;
   for (std::string body; std::getline(bad, body);) {
     lookUp();
     receive(body);
-    EXPECT_EQ(http.count(), ++requests) << body;
+    EXPECT_EQ(http.inFlight(), 0U) << body;
     EXPECT_EQ(shown(), "placeholder");
   }
+  const std::size_t requests = http.count();
+  for (const auto& [artist, album] : {std::pair("", "Bar"), {"Foo", ""}}) lookUp(artist, album);
+  control->setArtwork_forArtist_withAlbum_download(image("own"), "Foo", "Bar", false);
+  EXPECT_EQ(http.count(), requests) << "nothing to ask for";
+  EXPECT_EQ(shown(), "own");
   for (const char* cover : {"", "<html>", "(no answer)"}) {
     lookUp();
     receive(reply());
     receive(cover);
     EXPECT_EQ(shown(), VLImageArtworkBackground) << "the cover is no image: " << cover;
   }
-}
-
-TEST_F(ArtworkButton, WithoutArtistOrAlbumOrDownloadNothingIsAsked) {
-  EXPECT_FALSE(control->startDownloadForArtist_withAlbum(std::nullopt, "Bar"));
-  EXPECT_FALSE(control->startDownloadForArtist_withAlbum("Foo", ""));
-  control->setArtwork_forArtist_withAlbum_download(image("own"), "Foo", "Bar", false);
-  EXPECT_EQ(http.count(), 0U);
-  lookUp();
-  EXPECT_FALSE(control->startDownloadForArtist_withAlbum("", "Bar"));
-  EXPECT_TRUE(http.at(0).cancelled);
 }
 
 TEST_F(ArtworkButton, ExactAlbumGoesBeforeAPartialOneAndTheArtistMustMatchWhole) {
@@ -164,51 +161,148 @@ TEST_F(ArtworkButton, NewImageOrLookUpCancelsTheOneInFlight) {
   clock.settle();
   EXPECT_EQ(shown(), "placeholder");
   EXPECT_EQ(http.inFlight(), 1U);
-  EXPECT_NE(control->contentURLSessionDataTask(), nullptr);
 }
 
 TEST_F(ArtworkButton, CoverThatWaitsForTheMainThreadGivesWayToANewerImage) {
-  lookUp();
-  http.answer(0, reply());
-  http.answer(1, tests::imageBytes("stale"));
-  control->setImage(image("newer"));
-  clock.settle();
-  EXPECT_EQ(shown(), "newer");
-
-  lookUp();
-  http.answer(2, reply());
-  http.answer(3, tests::imageBytes("stale"));
-  lookUp();
-  clock.settle();
-  EXPECT_EQ(shown(), "placeholder");
-  EXPECT_EQ(http.inFlight(), 1U);
+  for (const bool isLookUp : {false, true}) {
+    lookUp();
+    http.answer(http.lastIndex(), reply());
+    http.answer(http.lastIndex(), tests::imageBytes("stale"));
+    isLookUp ? lookUp() : control->setImage(image("newer"));
+    clock.settle();
+    EXPECT_EQ(shown(), isLookUp ? "placeholder" : "newer");
+    EXPECT_EQ(http.inFlight(), isLookUp ? 1U : 0U);
+  }
 }
 
-TEST_F(ArtworkButton, AnswersFromAnotherThreadNeverTakeThePlaceOfALaterImage) {
-  {
-    tests::ThreadedHTTP network([](const std::string& url) {
-      const bool isSearch = url.find("/search?") != std::string::npos;
-      return isSearch ? Data::fromText(reply()) : tests::imageBytes("found");
-    });
-    platform_.http = &network;
-    for (int i = 0; i < 300; ++i) {
-      lookUp();
-      for (int pass = 0; pass < i % 40; ++pass) clock.runLoop().runPass();
-      control->setImage(image("own"));
-      clock.runLoop().runPass();
-      ASSERT_EQ(shown(), "own");
-    }
-    lookUp();
-    while (shown() != "found") {
-      std::this_thread::yield();
-      clock.runLoop().runPass();
-    }
-    lookUp();
-    control->removeFromSuperview();
-    control = nullptr;
+/// A desktop that takes drags, or refuses them, and receives when told.
+class ScriptedDrag final : public platform::DragBackend {
+ public:
+  bool begin(std::shared_ptr<NSDraggingSession> session) override {
+    if (refuses) return false;
+    sessions.push_back(std::move(session));
+    return true;
   }
-  platform_.http = &http;
-  clock.settle();
+  std::string text(const std::string& type) {
+    const auto data = sessions.back()->draggingPasteboard().dataForType(type);
+    return data ? std::string(data->view()) : "(none)";
+  }
+  std::string drop(const std::string& folder) {
+    return sessions.back()->draggingPasteboard().receivePromisedFileInDirectory(folder).value_or(
+        "(none)");
+  }
+
+  bool refuses = false;
+  std::vector<std::shared_ptr<NSDraggingSession>> sessions;
+};
+
+class ArtworkDrag : public ArtworkButton {
+ protected:
+  ArtworkDrag() {
+    setenv("TZ", "HERE-1", 1);  // one hour ahead of UTC
+    tzset();
+    platform_.drag = &desktop;
+    control->setImage(image("cover"));
+  }
+  ~ArtworkDrag() override {
+    platform_.drag = nullptr;
+    unsetenv("TZ");
+    tzset();
+  }
+  void drag() {
+    sendMouse(NSEventType::leftMouseDown, {30, 30});
+    sendMouse(NSEventType::leftMouseDragged, {31, 30});
+  }
+  std::set<std::string> files() const {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+      names.insert(entry.path().filename().string());
+    }
+    return names;
+  }
+  std::string contents(const std::string& name) const {
+    std::ifstream file(folder.path() / name);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  tests::TemporaryFolder folder;
+  const std::string dropFolder = folder.path().string();
+  ScriptedDrag desktop;
+};
+
+TEST_F(ArtworkDrag, TheFirstMovementBeginsTheOneDragOfAPressAndNothingClicks) {
+  drag();
+  sendMouse(NSEventType::leftMouseDragged, {40, 30});
+  EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U) << "the drag has taken the press over";
+  sendMouse(NSEventType::leftMouseUp, {40, 30});
+  EXPECT_EQ(target->count, 0);
+  ASSERT_EQ(desktop.sessions.size(), 1U);
+  auto& session = *desktop.sessions.front();
+  EXPECT_EQ(session.draggingLocation(), (platform::NSPoint{25, 21}));
+  EXPECT_EQ(session.items().front()->draggingFrame(), control->bounds());
+  EXPECT_EQ(session.items().front()->contents(), control->image());
+  click({30, 30});
+  EXPECT_EQ(target->count, 1) << "the next press is a press again";
+}
+
+TEST_F(ArtworkDrag, WithoutAnImageOrADesktopThatTakesItThereIsNoDrag) {
+  const auto attempt = [&] {
+    drag();
+    sendMouse(NSEventType::leftMouseUp, {31, 30});
+  };
+  desktop.refuses = true;
+  attempt();
+  platform_.drag = nullptr;
+  attempt();
+  platform_.drag = &desktop;
+  desktop.refuses = false;
+  control->setImage(nullptr);
+  attempt();
+  EXPECT_TRUE(desktop.sessions.empty());
+  EXPECT_EQ(target->count, 3) << "the press went on";
+}
+
+TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
+  drag();
+  EXPECT_THAT(desktop.sessions.back()->draggingPasteboard().types(),
+              ElementsAre(NSPasteboardTypePNG, NSPasteboardTypePromisedFileURL));
+  control->setImage(image("next"));
+  EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "PNG of next");
+  EXPECT_EQ(desktop.text("text/plain"), "(none)");
+  EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "no folder was named";
+  std::ofstream(folder.path() / "file") << "text";
+  for (const char* place : {"", "/missing", "/file"}) {
+    EXPECT_EQ(desktop.drop(*place == 0 ? place : dropFolder + place), "(none)") << place;
+  }
+  EXPECT_EQ(desktop.drop("/proc/self"), "(none)");
+  EXPECT_THAT(files(), ElementsAre("file"));
+  EXPECT_NE(desktop.drop(dropFolder), "(none)");
+  EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "the folder was for once";
+  control->setImage(nullptr);
+  EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "(none)") << "not the bytes of the time before";
+  EXPECT_EQ(desktop.drop(dropFolder), "(none)");
+}
+
+TEST_F(ArtworkDrag, ADropWritesAFileNamedByItsLocalSecondAndReplacesOneOfTheSame) {
+  drag();
+  clock.advance(61);
+  const std::string name = "2016-03-05 15-08-10.jpg";
+  EXPECT_EQ(desktop.drop(dropFolder), dropFolder + "/" + name);
+  control->setImage(image("next"));
+  desktop.drop(dropFolder);
+  EXPECT_THAT(files(), ElementsAre(name));
+  EXPECT_EQ(contents(name), "JPEG of next at 1.000000");
+  clock.advance(1);
+  desktop.drop(dropFolder);
+  EXPECT_EQ(files().size(), 2U);
+}
+
+TEST_F(ArtworkDrag, WhatIsBeingDraggedOutlivesItsPanel) {
+  drag();
+  control->removeFromSuperview();
+  control = nullptr;
+  EXPECT_NE(desktop.drop(dropFolder), "(none)");
+  desktop.sessions.clear();
 }
 
 }  // namespace

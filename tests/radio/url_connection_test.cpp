@@ -1,6 +1,7 @@
 #include "radio/url_connection.h"
 
-#include "tests/support/instant_http.h"
+#include <thread>
+
 #include "tests/support/widget_fixture.h"
 
 namespace virelune {
@@ -10,32 +11,31 @@ using platform::Data;
 using platform::NSURLRequest;
 using platform::URL;
 
-class URLConnection : public tests::WidgetFixture {
- protected:
-  URLConnection() { platform_.http = &network; }
-
-  tests::InstantHTTP network;
-  const std::optional<NSURLRequest> request{*URL::fromText("https://example.org/")};
-};
+using URLConnection = tests::WidgetFixture;
 
 TEST_F(URLConnection, ABodyCountsWhateverTheStatusAndEverythingElseIsNone) {
-  network.status = 404;
-  network.replies = {"<html>not found</html>", "", std::nullopt};
+  http.replyStatus = 404;
+  http.replies = {"<html>not found</html>", "", std::nullopt};
+  const std::optional<NSURLRequest> request{*URL::fromText("https://example.org/")};
   const auto connection = platform::make<VLURLConnection>();
   EXPECT_EQ(connection->send(request), Data::fromText("<html>not found</html>"));
   EXPECT_EQ(connection->send(request), std::nullopt);
   EXPECT_EQ(connection->send(request), std::nullopt);
   EXPECT_EQ(connection->contentData(), std::nullopt) << "the first body is forgotten";
   EXPECT_EQ(vl_sendSynchronousRequest(std::nullopt), std::nullopt);
-  EXPECT_EQ(network.requests.size(), 3U);
+  struct : platform::HTTPTransport, platform::HTTPTransfer {
+    std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest, Completion done) override {
+      thread = std::jthread(
+          [done] { done({.body = Data::fromText("late"), .status = 200, .error = {}}); });
+      return {std::shared_ptr<void>(), this};
+    }
+    void cancel() override {}
+    std::jthread thread;
+  } late;
+  platform_.http = &late;
+  EXPECT_EQ(vl_sendSynchronousRequest(request), Data::fromText("late")) << "of another thread";
   platform_.http = nullptr;
   EXPECT_EQ(vl_sendSynchronousRequest(request), std::nullopt);
-}
-
-TEST_F(URLConnection, CallWaitsForAnAnswerFromAnotherThread) {
-  tests::ThreadedHTTP threaded([](const std::string&) { return Data::fromText("late"); });
-  platform_.http = &threaded;
-  EXPECT_EQ(vl_sendSynchronousRequest(request), Data::fromText("late"));
 }
 
 }  // namespace

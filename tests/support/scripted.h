@@ -5,7 +5,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,11 +20,25 @@ class ScriptedWorkspace final : public platform::WorkspaceBackend {
  public:
   explicit ScriptedWorkspace(const demo::DemoPlayer& player) : player_(player) {}
 
-  platform::ObjectArray runningApplications(const std::string& bundleIdentifier) override;
-  std::optional<std::string> applicationPath(const std::string& bundleIdentifier) override;
-  std::shared_ptr<platform::NSImage> icon(const std::string& path) override;
-  void launchApplication(const std::string& bundleIdentifier) override;
-  void openURL(const platform::URL& url) override;
+  platform::ObjectArray runningApplications(const std::string& bundleIdentifier) override {
+    auto instances = player_.runningApplications(bundleIdentifier);
+    if (listsTerminatedInstance) {
+      const auto ended = platform::make<platform::NSRunningApplication>(bundleIdentifier, true);
+      instances.insert(instances.begin(), ended);
+    }
+    return instances;
+  }
+  std::optional<std::string> applicationPath(const std::string& bundleIdentifier) override {
+    const auto found = installed.find(bundleIdentifier);
+    return found != installed.end() ? std::optional(found->second) : std::nullopt;
+  }
+  std::shared_ptr<platform::NSImage> icon(const std::string& path) override { return icons[path]; }
+  void launchApplication(const std::string& bundleIdentifier) override {
+    asked.push_back("launch " + bundleIdentifier);
+  }
+  void openURL(const platform::URL& url) override {
+    asked.push_back("open " + url.absoluteString());
+  }
 
   std::map<std::string, std::string> installed;                     ///< path by bundle identifier
   std::map<std::string, std::shared_ptr<platform::NSImage>> icons;  ///< by path
@@ -36,10 +49,12 @@ class ScriptedWorkspace final : public platform::WorkspaceBackend {
   const demo::DemoPlayer& player_;
 };
 
-/// A network whose answers arrive when the test says so, on the test's own thread.
+/// A network whose answers arrive when the test says so, on the test's own thread. For code that
+/// waits for an answer, `replies` come at once, one to each request; a missing one fails.
 class ScriptedHTTP final : public platform::HTTPTransport {
  public:
-  struct Exchange {
+  struct Exchange final : platform::HTTPTransfer {
+    void cancel() override { cancelled = true; }
     platform::HTTPRequest request;
     bool cancelled = false;
     bool completed = false;
@@ -59,6 +74,9 @@ class ScriptedHTTP final : public platform::HTTPTransport {
   const Exchange& at(std::size_t index) const { return *exchanges_.at(index); }
   const Exchange& last() const { return *exchanges_.back(); }
   std::size_t lastIndex() const { return exchanges_.size() - 1; }
+  std::deque<std::optional<std::string>> replies;
+  int replyStatus = 200;
+
   /// How many are neither completed nor cancelled.
   std::size_t inFlight() const;
 
@@ -72,7 +90,9 @@ class ManualQueue final : public platform::DispatchQueue {
  public:
   void async(std::function<void()> task) override { tasks_.push_back(std::move(task)); }
   std::size_t count() const { return tasks_.size(); }
-  void runAll();
+  void runAll() {
+    for (; !tasks_.empty(); tasks_.pop_front()) tasks_.front()();
+  }
 
  private:
   std::deque<std::function<void()>> tasks_;

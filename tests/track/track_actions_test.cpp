@@ -1,7 +1,6 @@
 #include <fstream>
 
 #include "extensions/application_paths.h"
-#include "tests/support/instant_http.h"
 #include "tests/track/track_fixture.h"
 #include "widget/constants.h"
 
@@ -11,7 +10,6 @@ namespace {
 using platform::NSEventModifierFlagOption;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using tests::nameOf;
 
@@ -30,8 +28,7 @@ TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
   const std::tuple<std::size_t, const char*, const char*> clicks[] = {
       {play, "pPlS command hook/PlPs", "Paper Lanterns"},
       {next, "pPlS command hook/Next", "Night Bus, Upper Deck"},
-      {previous, "pPlS command hook/Prev", "Paper Lanterns"},
-  };
+      {previous, "pPlS command hook/Prev", "Paper Lanterns"}};
   for (const auto& [control, requests, track] : clicks) {
     player.clearLog();
     const auto shown = painted();
@@ -42,112 +39,80 @@ TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
     EXPECT_NE(painted(), shown);
     EXPECT_EQ(panel->contentNameTextLabel()->text(), track);
   }
-}
-
-TEST_F(TrackActions, ClicksAfterThePlayerHasQuitSendNothing) {
-  show();
   player.quit();
   player.clearLog();
-  for (const std::size_t control : {artwork, next, play, previous, love}) {
-    clickControl(control);
-  }
-  click({160, 3});
-  click(threeStars);
-  EXPECT_THAT(player.log(), IsEmpty());
+  for (const std::size_t control : {artwork, next, play, previous, love}) clickControl(control);
+  for (const auto point : {platform::NSPoint{160, 3}, threeStars}) click(point);
+  EXPECT_EQ(asked(), "") << "a player that has quit is not asked";
 }
 
 TEST_F(TrackActions, APressOnTheBarSeeksThere) {
   show(demo::statePaused);
   sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
-  EXPECT_EQ(player.position(), 112.5);
   EXPECT_EQ(asked(), "pPlS set pPos 112.5 pPlS pPos");
   EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5);
   sendMouse(platform::NSEventType::leftMouseUp, {160, 3});
   clock.settle();
   EXPECT_EQ(panel->contentTimeTextLabel()->text(), "01:52 | 3:45");
-}
-
-TEST_F(TrackActions, LoveAndStarsActOnTheTrackAndWithOptionOnItsAlbum) {
-  show(demo::statePaused, demo::trackWithoutCover);
-  demo::Marks& track = player.currentTrack()->marks;
-  demo::Marks& album = player.albumMarks(*player.currentTrack());
-
-  clickControl(love, NSEventModifierFlagOption);
-  EXPECT_TRUE(album.loved);
-  EXPECT_FALSE(track.loved);
-  click(threeStars, NSEventModifierFlagOption | platform::NSEventModifierFlagShift);
-  EXPECT_EQ(album.rating, 60);
-  EXPECT_EQ(track.rating, 0);
-  EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 0) << "the track's stars are shown";
-
-  clickControl(love);
-  click(threeStars);
-  EXPECT_TRUE(track.loved);
-  EXPECT_EQ(track.rating, 60);
-  EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn) << "at once";
-  EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 60);
-}
-
-TEST_F(TrackActions, TheLoveRuleShowsInHeartAndStarsAtOnce) {
-  std::ofstream(*vl_applicationPreferencesURLForPlistGeneral()->filePath())
-      << "<plist version=\"1.0\"><dict><key>UseAutoLove</key><true/>"
-         "<key>UseAutoLoveValue</key><integer>60</integer></dict></plist>";
-  show(demo::statePaused, demo::trackWithoutCover);
-  const auto shown = [this] {
-    const std::string heart = nameOf(panel->contentLoveButton()->image());
-    return (heart == VLImageLoveOn ? "loved " : "not ") +
-           std::to_string(panel->contentRatingIndicator()->nowValue());
-  };
-  clickControl(love);
-  EXPECT_EQ(shown(), "loved 60");
-  clickControl(love);
-  EXPECT_EQ(shown(), "not 50");
-  click(threeStars);
-  EXPECT_EQ(shown(), "loved 60");
-  clickControl(love);
-  clickControl(love, NSEventModifierFlagOption);
-  EXPECT_EQ(player.albumMarks(*player.currentTrack()).rating, 60);
-}
-
-TEST_F(TrackActions, WhatThePlayerRefusesIsShownAsItReallyIs) {
-  show(demo::statePaused);
-  player.setPosition(10);
   player.setRefusesWrites(true);
-  click(threeStars);
-  clickControl(love);
-  click({160, 3});
-  EXPECT_EQ(panel->contentRatingIndicator()->nowValue(), 80);
-  EXPECT_EQ(nameOf(panel->contentLoveButton()->image()), VLImageLoveOn);
-  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 10.0);
+  click({10, 3});
+  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5) << "as it really is";
 }
 
-TEST_F(TrackActions, TheArtworkRevealsTheTrackInThePlayer) {
+TEST_F(TrackActions, LoveAndStarsActOnTheTrackWithOptionOnItsAlbumAndShowAtOnceByTheRuleToo) {
+  show(demo::statePaused, demo::trackWithoutCover);
+  const auto told = [](std::int64_t rating, bool loved) {
+    return std::to_string(rating) + (loved ? "+ " : "- ");
+  };
+  const auto state = [&] {
+    const auto& track = player.currentTrack()->marks;
+    const auto& album = player.albumMarks(*player.currentTrack());
+    return told(track.rating, track.loved) + told(album.rating, album.loved) +
+           told(panel->contentRatingIndicator()->nowValue(),
+                nameOf(panel->contentLoveButton()->image()) == VLImageLoveOn);
+  };
+  constexpr auto option = NSEventModifierFlagOption | platform::NSEventModifierFlagShift;
+  const std::tuple<const char*, std::uint64_t, const char*> steps[] = {
+      {"heart", option, "0- 0+ 0- "}, {"stars", option, "0- 60+ 0- "},
+      {"heart", 0, "0+ 60+ 0+ "},     {"stars", 0, "60+ 60+ 60+ "},
+      {"rule", 0, "60+ 60+ 60+ "},    {"heart", 0, "50- 60+ 50- "},
+      {"stars", 0, "60+ 60+ 60+ "},   {"heart", 0, "50- 60+ 50- "},
+      {"heart", 0, "60+ 60+ 60+ "},   {"heart", option, "60+ 50- 60+ "},
+      {"refuses", 0, "60+ 50- 60+ "}, {"heart", 0, "60+ 50- 60+ "}};
+  for (const auto& [what, flags, expected] : steps) {
+    const std::string step = what;
+    if (step == "heart") clickControl(love, flags);
+    if (step == "stars") click(threeStars, flags);
+    if (step == "refuses") player.setRefusesWrites(true);
+    if (step == "rule") {
+      std::ofstream(*vl_applicationPreferencesURLForPlistGeneral()->filePath())
+          << "<plist version=\"1.0\"><dict><key>UseAutoLove</key><true/>"
+             "<key>UseAutoLoveValue</key><integer>60</integer></dict></plist>";
+    }
+    EXPECT_EQ(state(), expected) << what;
+  }
+}
+
+TEST_F(TrackActions, TheArtworkRevealsTheTrackAndWithOptionOpensTheArtistsPageFromAWorker) {
   show();
   clickControl(artwork);
   EXPECT_EQ(asked(), "pnam pPlS command misc/actv command pTrk hook/Revl");
+  player.clearLog();
   EXPECT_EQ(workers.count(), 0U);
-}
-
-TEST_F(TrackActions, WithOptionTheArtworkOpensTheStoreAwayFromTheMainThread) {
-  show();
   player.currentTrack()->albumArtist = "Various";
-  tests::InstantHTTP store;
-  store.replies.push_back(R"({"results":[{"artistName":"MARLOW & FINCH",
-                               "artistLinkUrl":"https://store.example/artist/7"}]})");
-  platform_.http = &store;
+  http.replies = {R"({"results":[{"artistName":"MARLOW & FINCH",
+                       "artistLinkUrl":"https://store.example/artist/7"}]})"};
   clickControl(artwork, NSEventModifierFlagOption);
   EXPECT_THAT(asked(), Not(HasSubstr("actv")));
-  EXPECT_THAT(store.requests, IsEmpty());
+  EXPECT_EQ(http.count(), 0U);
   ASSERT_EQ(workers.count(), 1U);
   workers.runAll();
-  ASSERT_EQ(store.requests.size(), 1U);
-  EXPECT_THAT(store.requests[0].url, HasSubstr("Marlow+&+Finch"));
+  EXPECT_THAT(http.at(0).request.url, HasSubstr("Marlow+&+Finch"));
   EXPECT_THAT(workspaceBackend.asked, ElementsAre("open itms://store.example/artist/7?at=4p8d27M"));
 }
 
 TEST_F(TrackActions, LiveTheArtworkOpensTheStoreOnceTheArtistIsKnown) {
   show(demo::statePlaying, demo::liveStation);
-  EXPECT_FALSE(panel->openItmsForPlayingTrack(panel.get()));
   clickControl(artwork);
   EXPECT_EQ(workers.count(), 0U) << "no artist, no search";
   panel->contentBeats1InfoLoader()->trackInfoUpdateForKey_withValue("track artist", "Artist");

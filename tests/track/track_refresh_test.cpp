@@ -1,10 +1,12 @@
 #include "tests/track/track_fixture.h"
+
 #include "widget/constants.h"
 
 namespace virelune {
 namespace {
 
 using testing::HasSubstr;
+
 using TrackRefresh = tests::TrackFixture;
 
 TEST_F(TrackRefresh, TheLookUpGoesByTheAlbumArtistAndOnlyWithoutOneByTheArtist) {
@@ -106,6 +108,56 @@ TEST_F(TrackRefresh, APlayerThatGoesInTheMiddleOfARefreshIsSurvivedAndFoundAgain
       ASSERT_EQ(panel->contentRatingIndicator()->nowValue(), 80);
     }
   }
+}
+
+using TrackLive = tests::TrackFixture;
+
+TEST_F(TrackLive, EachRefreshLeavesOneFreshLoaderUntilAnotherTrackOrHidingEndsIt) {
+  show(demo::statePlaying, demo::liveStation);
+  const auto first = panel->contentBeats1InfoLoader();
+  ASSERT_NE(first, nullptr);
+  for (int i = 0; i < 2; ++i) player.announce();
+  clock.settle();
+  EXPECT_NE(panel->contentBeats1InfoLoader(), first);
+  EXPECT_EQ(http.inFlight(), 1U);
+  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 1U);
+  first->postInfoNotification();
+  player.clearLog();
+  clock.settle();
+  EXPECT_EQ(player.requestCount(), 0U) << "a replaced loader is not heard any more";
+
+  player.playTrack(0);
+  clock.settle();
+  EXPECT_EQ(panel->contentBeats1InfoLoader(), nullptr);
+  EXPECT_EQ(http.inFlight() + platform_.defaultCenter->registrationCount(), 0U);
+  player.playTrack(demo::liveStation);
+  clock.settle();
+  EXPECT_EQ(http.inFlight(), 1U);
+  window->setVisible(false);
+  EXPECT_EQ(panel->contentBeats1InfoLoader(), nullptr);
+  EXPECT_EQ(http.inFlight() + platform_.defaultCenter->registrationCount(), 0U);
+}
+
+TEST_F(TrackLive, TheLoadersNotificationRefreshesWhatTheProgrammeDescribes) {
+  show(demo::statePaused, demo::liveStation);
+  const auto loader = panel->contentBeats1InfoLoader();
+  const auto image = platform::imageWithData(tests::imageBytes("live"));
+  loader->trackInfoUpdateForKey_withValue("track name", "Title");
+  loader->trackInfoUpdateForKey_withValue("track artist", "Artist");
+  loader->trackInfoUpdateForKey_withValue("track artwork", image);
+  loader->postInfoNotification();
+  EXPECT_EQ(panel->contentNameTextLabel()->text(), "Beats 1");
+  clock.settle();
+  EXPECT_EQ(panel->contentNameTextLabel()->text(), "Title");
+  EXPECT_EQ(panel->contentArtistTextLabel()->text(), "Artist");
+  EXPECT_EQ(panel->contentArtworkButton()->image(), image);
+  EXPECT_THAT(player.log(), testing::Not(testing::Contains("get pTrk.pDur")));
+  EXPECT_EQ(panel->contentBeats1InfoLoader(), loader);
+
+  platform_.http = nullptr;
+  EXPECT_FALSE(panel->startBeats1InfoLoader(panel.get()));
+  EXPECT_EQ(panel->contentBeats1InfoLoader(), loader) << "one that cannot start leaves it running";
+  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 1U);
 }
 
 }  // namespace

@@ -1,18 +1,19 @@
 #include "desktop/ratings/store.h"
 
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <vector>
 
+#include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/sqlite.h"
 #include "tests/support/temporary_folder.h"
 
@@ -80,6 +81,62 @@ TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
   EXPECT_TRUE(one.setTrackRating(song, 40));
   EXPECT_EQ(other.trackMarks(song).rating, 40) << "the other one found the new store";
   EXPECT_EQ(messages.str(), "");
+}
+
+TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDate) {
+  const std::int64_t before = std::time(nullptr);
+  RatingsStore store(file, messages);
+  store.setTrackLoved(song, true);
+  store.forEach([&](const RatingsRecord& record) {
+    EXPECT_GE(record.lovedChanged, before);
+    EXPECT_LE(record.lovedChanged, std::time(nullptr));
+    EXPECT_EQ(record.ratingChanged, 0) << "no rating was set";
+    EXPECT_EQ(record.identity.title, song.title);
+  });
+  Database database;
+  Patience patience;
+  EXPECT_FALSE(openRatingsFile(file, false, patience, database));
+  constexpr std::int64_t extra = 3;
+  std::int64_t synchronous = 0;
+  EXPECT_EQ(database.readInteger("PRAGMA synchronous", synchronous), SQLITE_OK);
+  EXPECT_EQ(synchronous, extra);
+}
+
+TEST_F(RatingsStoreTest, AnImportThatFailsInTheMiddleChangesNothing) {
+  RatingsStore store(file, messages);
+  store.setTrackRating(song, 60);
+  inDatabase(
+      "CREATE TRIGGER refuse BEFORE INSERT ON marks WHEN new.rating = 13"
+      " BEGIN SELECT RAISE(FAIL, 'unlucky'); END");
+  const RatingsRecord records[] = {{.identity = {.title = "first"}, .marks = {.rating = 20}},
+                                   {.identity = {.title = "second"}, .marks = {.rating = 13}}};
+  EXPECT_FALSE(store.merge(records));
+  EXPECT_EQ(store.trackMarks({.title = "first"}), Marks{});
+  EXPECT_EQ(store.trackMarks(song).rating, 60);
+}
+
+TEST_F(RatingsStoreTest, ASoundFileThatTookTheDamagedOnesPlaceStaysAndAHeldFolderIsLeftAlone) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  Patience patience;
+  const auto opened = [&] {
+    Database database;
+    EXPECT_FALSE(openRatingsFile(file, true, patience, database));
+    return database;
+  };
+  Database moved = opened();
+  fs::rename(file, folder.path() / "aside");
+  RatingsStore(file, messages).setTrackRating(song, 80);
+  EXPECT_EQ(*setDamagedFileAside(file, patience, std::move(moved)), fs::path());
+  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 80);
+
+  const FileDescriptor holder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
+  ASSERT_EQ(::flock(holder.get(), LOCK_EX | LOCK_NB), 0);
+  while (patience.wait()) {
+  }
+  EXPECT_FALSE(setDamagedFileAside(file, patience, opened()));
+  fs::remove(file);
+  Database fresh;
+  EXPECT_EQ(openRatingsFile(file, true, patience, fresh)->kind, StoreProblem::Kind::busy);
 }
 
 TEST_F(RatingsStoreTest, MigrationIsAllOrNothingAndKeepsWhatIsThere) {
@@ -158,7 +215,7 @@ TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
   EXPECT_EQ(damagedFiles().size(), 1U) << "a sound store was set aside";
 }
 
-TEST_F(RatingsStoreTest, ALockedFileIsNeitherWrittenNorWaitedFor) {
+TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
   struct Case {
     const char* lock;
     Marks readable;  // by a widget that starts meanwhile
@@ -171,12 +228,10 @@ TEST_F(RatingsStoreTest, ALockedFileIsNeitherWrittenNorWaitedFor) {
     ASSERT_EQ(other.execute(c.lock), SQLITE_OK);
     messages.str("");
     RatingsStore store(file, messages);
-    const auto begin = std::chrono::steady_clock::now();
-    for (int click = 0; click < 10; ++click) {
+    for (int click = 0; click < 3; ++click) {
       EXPECT_FALSE(store.setTrackRating(song, click));
       EXPECT_EQ(store.trackMarks(song), c.readable);
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1)) << c.lock;
     EXPECT_EQ(lines(), 1) << messages.str();
     other.close();
     EXPECT_TRUE(store.setTrackRating(song, 60));

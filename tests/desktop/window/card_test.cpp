@@ -1,16 +1,22 @@
 #include "desktop/window/card.h"
 
 #include <gtest/gtest.h>
-
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
+#include <QtGui/QMouseEvent>
+#include <filesystem>
 #include <vector>
 
+#include "desktop/session/login_items.h"
+#include "desktop/window/card_menu.h"
 #include "desktop/window/card_style.h"
 #include "desktop/window/card_surface.h"
 #include "desktop/window/mouse_input.h"
+#include "extensions/login_items.h"
+#include "platform/application/bundle.h"
 #include "platform/platform.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -102,14 +108,6 @@ TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
   const auto fixed = platform::make<FakeWidget>();
   fixed->allowsEditing = false;
   EXPECT_TRUE(desktop::Card(fixed, "Name").header().isHandle(editControl_));
-}
-
-TEST_F(CardTest, PicturesAreTransparentAroundTheCornersOnly) {
-  const QImage picture = card_.picture(1, platform::Appearance::light);
-  EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
-  EXPECT_GT(qAlpha(picture.pixel(160, 44)), 240);
-  card_.setTranslucent(false);
-  EXPECT_EQ(qAlpha(card_.picture(1, platform::Appearance::light).pixel(0, 0)), 255);
 }
 
 class CardWindowTest : public CardTest {
@@ -208,6 +206,89 @@ TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U);
   release();
   EXPECT_EQ(widget_->middle->events.size(), heard);
+}
+
+class CardMenuTest : public CardTest {
+ protected:
+  CardMenuTest() {
+    platform_.mainBundle = &bundle_;
+    platform_.scripting = &loginItems_;
+  }
+
+  static void send(QWindow& window, QEvent::Type type, QPointF place, Qt::MouseButton button) {
+    QMouseEvent event(type, place, window.mapToGlobal(place), button, Qt::NoButton, {});
+    QCoreApplication::sendEvent(&window, &event);
+  }
+  void openMenu() { send(window_, QEvent::MouseButtonPress, {50, 50}, Qt::RightButton); }
+  void click(QPointF place) {
+    send(menu_, QEvent::MouseButtonPress, place, Qt::LeftButton);
+    send(menu_, QEvent::MouseButtonRelease, place, Qt::LeftButton);
+  }
+  void choose(std::size_t index) {
+    openMenu();
+    ASSERT_LT(index, menu_.items().size());
+    click(menu_.itemPlace(index).center());
+    EXPECT_FALSE(menu_.isVisible());
+  }
+  bool isChecked(std::size_t index) {
+    openMenu();
+    return menu_.items().at(index).isChecked;
+  }
+
+  enum : std::size_t { launchAtLogin, keepOnTop, close };
+
+  tests::TemporaryFolder folder_;
+  const std::filesystem::path autostart_ = folder_.path() / "autostart";
+  platform::NSBundle bundle_{"/opt/share/virelune-widget", {}};
+  desktop::LoginItems loginItems_{
+      {autostart_, bundle_.bundlePath(), "/opt/bin/virelune-widget", "--wait-for-player"}, nullptr};
+  desktop::CardSurface window_{card_, graphics_, "Name", false};
+  const virelune::WidgetEntry widget_{
+      {}, virelune::vl_isLaunchingAtLogin, virelune::vl_setLaunchingAtLogin, {}};
+  desktop::CardMenu menu_{window_, graphics_, widget_};
+};
+
+TEST_F(CardMenuTest, SwitchesLaunchAtLoginInTheAutostartFolder) {
+  EXPECT_FALSE(isChecked(launchAtLogin));
+  EXPECT_FALSE(std::filesystem::exists(autostart_));
+  choose(launchAtLogin);
+  EXPECT_TRUE(std::filesystem::exists(autostart_ / "virelune-widget.desktop"));
+  EXPECT_TRUE(isChecked(launchAtLogin));
+  std::filesystem::remove_all(autostart_);
+  EXPECT_FALSE(isChecked(launchAtLogin)) << "what the user changed elsewhere counts";
+  choose(launchAtLogin);
+  choose(launchAtLogin);
+  EXPECT_TRUE(std::filesystem::is_empty(autostart_));
+}
+
+TEST_F(CardMenuTest, KeepsTheCardOnTopAndClosesIt) {
+  window_.show();
+  choose(keepOnTop);
+  EXPECT_TRUE(window_.isOnTop());
+  EXPECT_TRUE(isChecked(keepOnTop));
+  choose(keepOnTop);
+  EXPECT_FALSE(window_.isOnTop());
+  EXPECT_TRUE(window_.isVisible());
+  choose(close);
+  EXPECT_FALSE(window_.isVisible());
+}
+
+TEST_F(CardMenuTest, ChoosesNothingByTheReleaseThatOpenedItNorByAClickElsewhere) {
+  window_.show();
+  openMenu();
+  const QPointF item = menu_.itemPlace(close).center();
+  send(menu_, QEvent::MouseButtonRelease, item, Qt::RightButton);
+  EXPECT_TRUE(menu_.isVisible());
+  click({-20, 10});
+  EXPECT_FALSE(menu_.isVisible());
+  openMenu();
+  send(menu_, QEvent::MouseMove, item, Qt::NoButton);
+  send(menu_, QEvent::MouseMove, {1, 1}, Qt::NoButton);
+  send(menu_, QEvent::MouseButtonRelease, {1, 1}, Qt::RightButton);
+  EXPECT_TRUE(window_.isVisible()) << "the pointer had left the item";
+  send(menu_, QEvent::MouseMove, item, Qt::NoButton);
+  send(menu_, QEvent::MouseButtonRelease, item, Qt::RightButton);
+  EXPECT_FALSE(window_.isVisible()) << "pressed, drawn to the item and let go";
 }
 
 }  // namespace

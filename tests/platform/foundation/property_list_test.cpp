@@ -41,22 +41,16 @@ TEST(PropertyList, OfEitherFormIsRead) {
 TEST(PropertyList, RefusesWhatIsMalformedOrWhatItsLibraryCannotCopeWith) {
   std::string deep = head;
   for (int i = 0; i < 200000; ++i) deep += "<array>";
+  const std::string key = "\xD1\1\2"s;
   const std::string bad[] = {
-      "",
-      "\0\0\0"s,
-      "{}",
-      "bplist00",
-      head + "<dict><key>on</key>",
-      deep,
+      "", "{}", "bplist00", head + "<dict><key>on</key>", deep,
       head + "<dict><key>&#x00;</key><true/></dict></plist>",
-      binary({"\xD1\1\2"s, "\x51k", "\x51v"}).substr(0, 30),
-      binary({"\xD1\1\2"s, "\x52k\0"s, "\x51v"}),  // a zero character in a key
-      binary({"\xD1\1\2"s, "\x61\0\0"s, "\x51v"}),
-      binary({"\xA2\1\1", "\xA2\2\2", "\x51x"}),  // unrolls to double its size each level
-      binary({"\xA1\0"s}),                        // holds itself
-      binary({"\xA1\7"}),
-      binary({"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}),
-      binary({})};
+      binary({key, "\x51k", "\x51v"}).substr(0, 30), binary({key, "\x52k\0"s, "\x51v"}),
+      binary({key, "\x61\0\0"s, "\x51v"}),
+      // Unrolls to double its size each level, holds itself, refers to nothing, is longer than it
+      // is.
+      binary({"\xA2\1\1", "\xA2\2\2", "\x51x"}), binary({"\xA1\0"s}), binary({"\xA1\7"}),
+      binary({"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}), binary({})};
   for (const std::string& bytes : bad) {
     const auto value = read(bytes);
     EXPECT_FALSE(value && !(value->as<Dictionary>() && value->as<Dictionary>()->empty())) << bytes;

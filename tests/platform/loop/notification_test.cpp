@@ -53,19 +53,6 @@ TEST_F(Notifications, QueueDeliversWhenIdleAndCoalescesOnlyWhenAsked) {
   EXPECT_THAT(first->names, ElementsAre("a", "b", "b"));
 }
 
-TEST_F(Notifications, WhatADeliveryEnqueuesAndWhatABusyLoopHoldsBackWaitForTheNextIdleMoment) {
-  center.addObserver(first.get(), &Listener::heard, "n");
-  first->onCall = [&] {
-    if (first->count == 1) enqueue("n");
-  };
-  enqueue("n");
-  clock.runLoop().dispatchAsync([&] { clock.runLoop().dispatchAsync([] {}); });
-  for (const int heard : {0, 1, 2}) {
-    clock.runLoop().runPass();
-    EXPECT_EQ(first->count, heard);
-  }
-}
-
 TEST_F(Notifications, TimerFiresOnceAtItsTimeUnlessInvalidatedOrItsTargetIsGone) {
   const auto timer = [](const auto& target) {
     return NSTimer::timerWithTimeInterval(1, target.get(), &Listener::fired);

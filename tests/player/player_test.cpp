@@ -1,10 +1,12 @@
-#include "player/love_rating.h"
+#include "player/itunes.h"
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "extensions/application_paths.h"
+#include "player/love_rating.h"
+#include "player/process_queries.h"
 #include "tests/support/temporary_data_home.h"
 #include "tests/support/widget_fixture.h"
 
@@ -14,6 +16,57 @@ namespace {
 using demo::Marks;
 using demo::ratedByUser;
 using demo::ratingComputed;
+using platform::code;
+using platform::Value;
+
+using ITunes = tests::WidgetFixture;
+
+TEST_F(ITunes, WhatAPlayerDoesNotAnswerOrGetsWrongReadsAsZero) {
+  startPlayer();
+  const auto track = AEiTunesApplication::vl_currentTrack();
+  for (const bool silent : {true, false}) {
+    player.setSilent(silent);
+    for (const auto property : {code("pPlS"), code("pnam"), code("pRte"), code("pLov")}) {
+      player.setReply(property, platform::ScriptingReply(Value(platform::Array{})));
+    }
+    EXPECT_FALSE(vl_iTunesIsRunningAndPlaying());
+    EXPECT_EQ(track->name(), std::nullopt);
+    EXPECT_EQ(track->rating(), 0);
+    EXPECT_FALSE(track->loved());
+  }
+}
+
+TEST_F(ITunes, OnlyAPlayerThatRunsIsAskedAndItPlaysInEveryReadableStateButStopped) {
+  EXPECT_FALSE(vl_iTunesIsRunning());
+  EXPECT_FALSE(vl_iTunesIsPlayingBeats1());
+  startPlayer();
+  for (const auto& [state, plays] :
+       {std::pair(code("kPSF"), true), {FourCharCode{}, false}, {demo::stateStopped, false}}) {
+    player.setState(state);
+    EXPECT_EQ(vl_iTunesIsRunningAndPlaying(), plays);
+  }
+  player.clearLog();
+  workspaceBackend.listsTerminatedInstance = true;
+  EXPECT_FALSE(vl_iTunesIsRunningAndPlaying()) << "only the first instance counts";
+  EXPECT_EQ(player.requestCount(), 0U);
+}
+
+TEST_F(ITunes, TheLiveStationIsAStreamOfExactlyThatName) {
+  startPlayer(demo::stateStopped, demo::liveStation);
+  const std::tuple<const char*, bool, bool, std::size_t> cases[] = {
+      {"Beats 1", true, true, 2},         {"BEATS 1", true, true, 2},
+      {"Beats 1", false, false, 2},       {"Beats 1 ", true, false, 1},
+      {"Beats 1 Replay", true, false, 1}, {"", true, false, 1},
+  };
+  for (const auto& [name, isStream, isStation, requests] : cases) {
+    player.currentTrack()->name = name;
+    player.currentTrack()->isStream = isStream;
+    player.clearLog();
+    EXPECT_EQ(vl_iTunesIsPlayingBeats1(), isStation) << name;
+    EXPECT_EQ(player.requestCount(), requests) << name;
+  }
+}
+
 constexpr platform::FourCharCode unknownKind{};
 
 /// Writes the companion application's preferences, and the requests to the player in short:
@@ -51,11 +104,8 @@ class LoveRating : public tests::WidgetFixture {
 // marks afterwards, and the requests in their order.
 constexpr const char* trackChains = R"(
 off toggle    U60- file   yes 60+  get pLov, set pLov true
-off toggle    U60+ file   yes 60-  get pLov, set pLov false
-off rate=80   N0-  file   yes 80-  set pRte 80
 off rate=-5   U60+ file   yes 0+   set pRte 0
 off rate=130  U60+ file   yes 100+ set pRte 100
-80  toggle    U60- file   yes 80+  get pLov, set pLov true, get pRtk, get pRte, get pLov, set pRte 80
 80  toggle    U80- file   yes 80+  get pLov, set pLov true, get pRtk, get pRte, get pLov
 80  toggle    C99- file   yes 80+  get pLov, set pLov true, get pRtk, get pLov, set pRte 80
 80  toggle    U99+ file   yes 70-  get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
@@ -70,14 +120,10 @@ off rate=130  U60+ file   yes 100+ set pRte 100
 80  autolove  U99- stream no  99-  resolve
 80  autorate  U90+ file   no  90+  get pRtk, get pRte, get pLov
 0   rate=0    U60- file   yes 0+   set pRte 0, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
-0   toggle    U60+ file   yes 0-   get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 0
 5   toggle    N0+  file   yes 0-   get pLov, set pLov false, get pRtk, get pLov, set pRte 0
 5   toggle    N0-  file   yes 5+   get pLov, set pLov true, get pRtk, get pLov, set pRte 5
-100 rate=95   N0+  file   yes 90-  set pRte 95, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, set pRte 90
-100 rate=100  N0-  file   yes 100+ set pRte 100, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
 )";
 constexpr const char* albumChains = R"(
-off toggle    U60- file   yes 60+  get pALv, set pALv true
 off rate=130  U60- file   yes 100- set pAlR 100
 80  toggle    C60- file   yes 80+  get pALv, set pALv true, get pARk, get pALv, set pAlR 80
 80  toggle    U99+ file   yes 70-  get pALv, set pALv false, get pARk, get pAlR, get pALv, set pAlR 70
@@ -131,19 +177,6 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
   }
 }
 
-TEST_F(LoveRating, TheRuleIsReadAfreshAtEveryStep) {
-  switchRuleOn("80");
-  startPlayer();
-  player.currentTrack()->marks = {0, ratedByUser, false};
-  player.setRequestHook([](const platform::ScriptingRequest& request) {
-    if (request.kind == platform::ScriptingRequest::Kind::resolve) switchRuleOn("100");
-    if (request.path.back().code == platform::code("pLov")) writeRule("");
-  });
-  vl_setCurrentTrackRating(90);
-  EXPECT_FALSE(player.currentTrack()->marks.loved) << "the threshold was 100 by then";
-  EXPECT_EQ(player.currentTrack()->marks.rating, 90) << "the rule was off by then";
-}
-
 TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothingLoops) {
   switchRuleOn("80");
   EXPECT_FALSE(vl_toggleTrackLoved());
@@ -165,19 +198,13 @@ TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothing
   EXPECT_EQ(requests(), "set pRte 100, resolve, get pRtk, set pLov false, get pRtk, get pLov");
 }
 
-TEST_F(LoveRating, PreferencesThatCannotBeUnderstoodLeaveTheRuleOff) {
-  std::filesystem::remove(*vl_applicationPreferencesURLForPlistGeneral()->filePath());
-  EXPECT_FALSE(vl_generalPreferencesInfo()) << "no file";
+TEST_F(LoveRating, TheRuleTakesNumbersOfAnyKindAndIsOffWithoutThem) {
   for (const char* text :
        {"", "<plist><array/></plist>", "<plist version=\"1.0\"><dict><key>UseAuto"}) {
     writePreferences(text);
     EXPECT_FALSE(vl_generalPreferencesInfo()) << text;
     EXPECT_FALSE(vl_useAutoLovedRating()) << text;
-    EXPECT_EQ(vl_autoLovedRating(), 0) << text;
   }
-}
-
-TEST_F(LoveRating, TheRuleTakesNumbersOfAnyKindAndNothingElse) {
   const std::tuple<const char*, const char*, bool, std::int64_t> cases[] = {
       {"<true/>", "<integer>80</integer>", true, 80},
       {"<integer>1</integer>", "<real>79.9</real>", true, 79},
