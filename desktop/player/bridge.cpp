@@ -62,19 +62,6 @@ std::optional<platform::ScriptingReply> PlayerBridge::send(
 
 // The application.
 
-std::optional<std::string> PlayerBridge::applicationPath() {
-  const auto entry = playerEntry();
-  return entry ? std::optional(entry->path) : std::nullopt;
-}
-
-std::optional<DesktopEntry> PlayerBridge::playerEntry() {
-  if (!lastDesktopEntry_.isEmpty()) {
-    if (auto entry = desktopEntryWithIdentifier(lastDesktopEntry_.toStdString())) return entry;
-  }
-  if (isRunning()) return std::nullopt;
-  return defaultApplicationForType("audio/mpeg");
-}
-
 void PlayerBridge::rememberDesktopEntry() {
   const PlayerMirror* player = registry_.chosen();
   if (player == nullptr) return;
@@ -83,12 +70,10 @@ void PlayerBridge::rememberDesktopEntry() {
   if (lastDesktopEntry_.isEmpty()) lastDesktopEntry_ = firstComponent(player->shortName());
 }
 
-void PlayerBridge::launch() {
-  if (PlayerMirror* player = registry_.chosen()) {
-    player->raise();
-    return;
-  }
-  if (const auto entry = playerEntry()) launchDesktopEntry(*entry);
+bool PlayerBridge::raise() {
+  PlayerMirror* player = registry_.chosen();
+  if (player != nullptr) player->raise();
+  return player != nullptr;
 }
 
 // Announcing.

@@ -13,7 +13,6 @@
 #include "desktop/player/artwork.h"
 #include "desktop/player/registry.h"
 #include "desktop/ratings/store.h"
-#include "desktop/session/desktop_entries.h"
 #include "desktop/session/player_application.h"
 #include "platform/application/scripting.h"
 
@@ -51,13 +50,11 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
   // The application.
   /// True while the chosen player owns its name on the bus, whether or not it answers.
   bool isRunning() override { return registry_.chosen() != nullptr; }
-  /// The desktop entry of the chosen player, else of the one that was followed last or named,
-  /// else of the user's player for audio files.
-  std::optional<std::string> applicationPath() override;
-  void launch() override;
+  /// As the player tells it; else the name that it has on the bus.
+  std::string desktopEntry() override { return lastDesktopEntry_.toStdString(); }
+  bool raise() override;
 
  private:
-  std::optional<DesktopEntry> playerEntry();
   void rememberDesktopEntry();
 
   // Announcing.

@@ -1,14 +1,13 @@
 #include "desktop/session/login_items.h"
 
-#include <unistd.h>
+#include <glib.h>
 
 #include <algorithm>
-#include <charconv>
+#include <memory>
 #include <tuple>
 
 #include "desktop/files/user_folders.h"
 #include "desktop/files/whole_file.h"
-#include "desktop/session/desktop_entries.h"
 #include "platform/application/system_events_dictionary.h"
 #include "platform/platform.h"
 
@@ -22,38 +21,38 @@ using platform::ScriptingReply;
 using platform::ScriptingRequest;
 using platform::Value;
 
+constexpr const char* entryGroup = G_KEY_FILE_DESKTOP_GROUP;
 // Keys of our own in the entries made here.
 constexpr const char* orderKey = "X-Virelune-LoginItem";
 constexpr const char* hiddenKey = "X-Virelune-StartHidden";
 // How GNOME's settings switch an entry off without removing it.
 constexpr const char* enabledKey = "X-GNOME-Autostart-enabled";
 
-constexpr std::size_t longestEntry = 1024 * 1024;  // bytes
 constexpr int largestOrder = 1'000'000;
 
-/// A value of the type string.
-std::string escapedValue(std::string_view text) {
-  std::string escaped;
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        escaped += "\\\\";
-        break;
-      case '\n':
-        escaped += "\\n";
-        break;
-      case '\t':
-        escaped += "\\t";
-        break;
-      case '\r':
-        escaped += "\\r";
-        break;
-      default:
-        escaped += c;
-    }
-  }
-  return escaped;
+struct Release {
+  void operator()(GKeyFile* file) const { g_key_file_unref(file); }
+  void operator()(char* text) const { g_free(text); }
+  void operator()(char** texts) const { g_strfreev(texts); }
+};
+using Entry = std::unique_ptr<GKeyFile, Release>;
+
+/// The entry of a file; null when it is not one.
+Entry entryInFile(const fs::path& file) {
+  Entry entry(g_key_file_new());
+  return g_key_file_load_from_file(entry.get(), file.c_str(), G_KEY_FILE_NONE, nullptr) != FALSE
+             ? std::move(entry)
+             : nullptr;
 }
+
+/// A text of an entry; empty when there is none.
+std::string textOf(const Entry& entry, const char* key) {
+  const std::unique_ptr<char, Release> text(
+      g_key_file_get_string(entry.get(), entryGroup, key, nullptr));
+  return text ? text.get() : "";
+}
+
+bool isTrue(const Entry& entry, const char* key) { return textOf(entry, key) == "true"; }
 
 /// One argument of a command line, to be escaped as a value after that.
 std::string quotedArgument(std::string_view argument) {
@@ -66,22 +65,35 @@ std::string quotedArgument(std::string_view argument) {
   return quoted + '"';
 }
 
-std::string execLine(const std::string& program, const std::string& argument) {
-  const std::string tail = argument.empty() ? "" : ' ' + quotedArgument(argument);
-  return "\nExec=" + escapedValue(quotedArgument(program) + tail) + "\n";
+/// The program of a command line; empty when that is malformed.
+std::string programOf(const std::string& exec) {
+  char** words = nullptr;
+  if (g_shell_parse_argv(exec.c_str(), nullptr, &words, nullptr) == FALSE) return {};
+  const std::unique_ptr<char*, Release> owner(words);
+  std::string program = words[0];
+  for (auto at = program.find("%%"); at != std::string::npos; at = program.find("%%", at + 1)) {
+    program.erase(at, 1);
+  }
+  return program;
 }
 
-std::string entryText(const std::string& program, const std::string& execLine, bool hidden,
-                      int order) {
-  return "[Desktop Entry]\nType=Application\nName=" +
-         escapedValue(fs::path(program).stem().native()) + execLine + hiddenKey + "=" +
-         (hidden ? "true" : "false") + "\n" + orderKey + "=" + std::to_string(order) + "\n";
+std::string entryText(const std::string& program, const std::string& exec, bool hidden, int order) {
+  const Entry entry(g_key_file_new());
+  const auto set = [&entry](const char* key, const std::string& value) {
+    g_key_file_set_string(entry.get(), entryGroup, key, value.c_str());
+  };
+  set("Type", "Application");
+  set("Name", fs::path(program).stem().native());
+  set("Exec", exec);
+  set(hiddenKey, hidden ? "true" : "false");
+  set(orderKey, std::to_string(order));
+  const std::unique_ptr<char, Release> text(g_key_file_to_data(entry.get(), nullptr, nullptr));
+  return text.get();
 }
 
 /// True when an entry was made here with this command, whatever has become of it since.
-bool isMadeHere(std::string_view text, const std::string& execLine) {
-  return text.find(execLine) != std::string_view::npos &&
-         text.find(std::string("\n") + orderKey + "=") != std::string_view::npos;
+bool isMadeHere(const Entry& entry, const std::string& exec) {
+  return textOf(entry, "Exec") == exec && !textOf(entry, orderKey).empty();
 }
 
 /// A file name for a program: its name, with what is unusual in file names left out.
@@ -124,22 +136,17 @@ std::optional<ScriptingReply> LoginItems::send(const ScriptingRequest& request) 
 }
 
 std::optional<LoginItems::Item> LoginItems::itemInFile(const fs::path& file) const {
-  const auto text = readWholeFile(file, longestEntry);
-  const auto entry = text ? parseDesktopEntry(*text) : std::nullopt;
-  if (!entry) return std::nullopt;
-  const std::vector<std::string> arguments = commandLine(*entry);
-  if (arguments.empty()) return std::nullopt;
-  const auto vendorValue = [&entry](const char* key) {
-    const auto found = entry->vendorKeys.find(key);
-    return found != entry->vendorKeys.end() ? found->second : std::string();
-  };
-  const std::string order = vendorValue(orderKey);
+  const Entry entry = entryInFile(file);
+  if (!entry || textOf(entry, "Type") != "Application" || isTrue(entry, "Hidden")) {
+    return std::nullopt;
+  }
   Item item{.file = file,
-            .path = arguments.front(),
-            .startsHidden = vendorValue(hiddenKey) == "true",
-            .isEnabled = vendorValue(enabledKey) != "false"};
-  std::from_chars(order.data(), order.data() + order.size(), item.order);
-  item.order = std::clamp(item.order, 0, largestOrder);
+            .path = programOf(textOf(entry, "Exec")),
+            .startsHidden = isTrue(entry, hiddenKey),
+            .isEnabled = textOf(entry, enabledKey) != "false",
+            .order = std::clamp(g_key_file_get_integer(entry.get(), entryGroup, orderKey, nullptr),
+                                0, largestOrder)};
+  if (item.path.empty()) return std::nullopt;
   if (item.path == options_.executablePath) item.path = options_.bundlePath;
   return item;
 }
@@ -187,20 +194,25 @@ bool LoginItems::add(const Value& properties) const {
   const auto path = dictionary->find("path");
   const auto hidden = dictionary->find("hidden");
   const std::string* text = path != dictionary->end() ? path->second.get<std::string>() : nullptr;
-  if (text == nullptr || text->empty() || text->find('\0') != std::string::npos) return false;
+  // Which takes no NUL either.
+  const bool isText =
+      text != nullptr &&
+      g_utf8_validate(text->data(), static_cast<gssize>(text->size()), nullptr) != FALSE;
+  if (!isText || text->empty()) return false;
   const auto flag = hidden != dictionary->end() ? hidden->second.as<platform::Number>()
                                                 : std::optional<platform::Number>();
   const std::vector<Item> all = items();
   const int order = std::max(all.empty() ? 0 : all.back().order, 0) + 1;
   const bool isThisProgram = *text == options_.bundlePath;
   const std::string& program = isThisProgram ? options_.executablePath : *text;
-  const std::string exec = execLine(program, isThisProgram ? options_.argument : std::string());
+  std::string exec = quotedArgument(program);
+  if (isThisProgram && !options_.argument.empty()) exec += ' ' + quotedArgument(options_.argument);
   return makeFolder(options_.folder) &&
          writeWholeFile(fileForNewItem(program, exec),
                         entryText(program, exec, flag && flag->boolValue(), order));
 }
 
-fs::path LoginItems::fileForNewItem(const std::string& program, const std::string& execLine) const {
+fs::path LoginItems::fileForNewItem(const std::string& program, const std::string& exec) const {
   const std::string stem = fileStem(program);
   for (int number = 1;; ++number) {
     const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
@@ -210,9 +222,9 @@ fs::path LoginItems::fileForNewItem(const std::string& program, const std::strin
     if (type == fs::file_type::not_found || type == fs::file_type::none) return file;
     if (type != fs::file_type::regular) continue;
     // An entry made here that the user has switched off since gives way.
-    const auto text = readWholeFile(file, longestEntry);
+    const Entry entry = entryInFile(file);
     const auto item = itemInFile(file);
-    if (text && isMadeHere(*text, execLine) && !(item && item->isEnabled)) return file;
+    if (entry && isMadeHere(entry, exec) && !(item && item->isEnabled)) return file;
   }
 }
 

@@ -48,8 +48,7 @@ class LoginItems : public platform::ScriptingTransport {
   std::optional<platform::ScriptingReply> answer(const platform::ScriptingRequest& request,
                                                  const Item& item) const;
   bool add(const platform::Value& properties) const;
-  std::filesystem::path fileForNewItem(const std::string& program,
-                                       const std::string& execLine) const;
+  std::filesystem::path fileForNewItem(const std::string& program, const std::string& exec) const;
 
   const Options options_;
   platform::ScriptingTransport* const others_;

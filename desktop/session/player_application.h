@@ -1,8 +1,6 @@
 // The application behind the player's bundle identifier, as the workspace sees it.
 #pragma once
 
-#include <memory>
-#include <optional>
 #include <string>
 
 namespace desktop {
@@ -12,11 +10,11 @@ class PlayerApplication {
  public:
   virtual ~PlayerApplication() = default;
   virtual bool isRunning() = 0;
-  /// The path that stands for the installed application (a desktop entry, whose icon is the
-  /// application's); none when none is known.
-  virtual std::optional<std::string> applicationPath() = 0;
-  /// Brings the running player to the front, or starts it. Never waits.
-  virtual void launch() = 0;
+  /// The identifier of its desktop entry: of the player that runs, else of the one that was
+  /// followed last or named; empty when none is known.
+  virtual std::string desktopEntry() = 0;
+  /// Brings the running player to the front; false when none runs. Never waits.
+  virtual bool raise() = 0;
 };
 
 }  // namespace desktop

@@ -1,6 +1,15 @@
 #include "desktop/session/workspace.h"
 
-#include "desktop/session/desktop_entries.h"
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLibrary>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QUrl>
+#include <QtGui/QDesktopServices>
+#include <QtGui/QIcon>
+#include <QtGui/QPixmap>
+#include <iostream>
+
+#include "desktop/graphics/qt_image.h"
 #include "platform/application/player_dictionary.h"
 #include "platform/foundation/text.h"
 #include "platform/graphics/graphics.h"
@@ -10,31 +19,55 @@ namespace desktop {
 
 namespace {
 
+constexpr int iconSide = 256;  // pixels, where the theme has it that large
+
+/// What is known when the module is missing.
+class NoApplications final : public InstalledApplications {
+ public:
+  std::optional<std::string> pathForIdentifier(const std::string&) override { return {}; }
+  std::optional<std::string> pathForType(const std::string&) override { return {}; }
+  std::optional<std::string> iconName(const std::string&) override { return {}; }
+  bool launch(const std::string&, const std::string&) override { return false; }
+};
+
+std::unique_ptr<InstalledApplications> loadApplications() {
+  QLibrary module(QCoreApplication::applicationDirPath() +
+                  QStringLiteral("/" VIRELUNE_MODULES "/installed-applications"));
+  auto* make =
+      reinterpret_cast<MakeInstalledApplications*>(module.resolve(makeInstalledApplicationsName));
+  if (make != nullptr) return std::unique_ptr<InstalledApplications>(make());
+  std::cerr << "virelune-widget: " << module.errorString().toStdString() << std::endl;
+  return std::make_unique<NoApplications>();
+}
+
+bool isPlayer(const std::string& bundleIdentifier) {
+  return platform::caseInsensitiveEqual(bundleIdentifier, platform::player::bundleIdentifier);
+}
+
 bool isStoreScheme(const std::string& scheme) { return scheme == "itms" || scheme == "itmss"; }
 
-/// The user's choice of programs for these is known to the desktop, which xdg-open asks.
+/// The user's choice of programs for these is known to the desktop, which Qt asks.
 bool isGeneralScheme(const std::string& scheme) {
   return scheme == "http" || scheme == "https" || scheme == "mailto";
 }
 
-}  // namespace
-
-std::vector<std::string> commandForAddress(const platform::URL& url) {
-  const std::string scheme = url.scheme();
-  std::string address = url.absoluteString();
-  if (isStoreScheme(scheme)) {
-    if (const auto entry = defaultApplicationForType("x-scheme-handler/" + scheme)) {
-      return commandLine(*entry, address);
-    }
-    address.replace(0, scheme.size(), "https");
-  } else if (!isGeneralScheme(scheme)) {
-    return {};
-  }
-  return {"xdg-open", address};
+/// Off-screen, Qt has no icon theme: there is the one that all others fall back on.
+void chooseIconTheme() {
+  if (!QIcon::themeName().isEmpty()) return;
+  const auto folders = [](const char* name) {
+    return QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QLatin1String(name),
+                                     QStandardPaths::LocateDirectory);
+  };
+  QIcon::setThemeSearchPaths(folders("icons"));
+  QIcon::setFallbackSearchPaths(folders("pixmaps"));
+  QIcon::setThemeName(QStringLiteral("hicolor"));
 }
 
-bool DesktopWorkspace::isPlayer(const std::string& bundleIdentifier) const {
-  return platform::caseInsensitiveEqual(bundleIdentifier, platform::player::bundleIdentifier);
+}  // namespace
+
+InstalledApplications& DesktopWorkspace::applications() {
+  if (!applications_) applications_ = loadApplications();
+  return *applications_;
 }
 
 platform::ObjectArray DesktopWorkspace::runningApplications(const std::string& bundleIdentifier) {
@@ -44,28 +77,55 @@ platform::ObjectArray DesktopWorkspace::runningApplications(const std::string& b
 }
 
 std::optional<std::string> DesktopWorkspace::applicationPath(const std::string& bundleIdentifier) {
-  if (isPlayer(bundleIdentifier)) {
-    return player_ != nullptr ? player_->applicationPath() : std::nullopt;
+  return isPlayer(bundleIdentifier) ? playerPath()
+                                    : applications().pathForIdentifier(bundleIdentifier);
+}
+
+std::optional<std::string> DesktopWorkspace::playerPath() {
+  if (player_ == nullptr) return std::nullopt;
+  if (const std::string identifier = player_->desktopEntry(); !identifier.empty()) {
+    if (auto path = applications().pathForIdentifier(identifier)) return path;
   }
-  const auto entry = desktopEntryWithIdentifier(bundleIdentifier);
-  return entry ? std::optional(entry->path) : std::nullopt;
+  return player_->isRunning() ? std::nullopt : applications().pathForType("audio/mpeg");
 }
 
 std::shared_ptr<platform::NSImage> DesktopWorkspace::icon(const std::string& path) {
-  platform::Graphics* graphics = platform::current().graphics;
-  const auto entry = desktopEntryAtPath(path, {});
-  const auto file = entry ? iconPath(*entry) : std::nullopt;
-  return file && graphics != nullptr ? graphics->imageAtPath(*file) : nullptr;
+  const auto name = applications().iconName(path);
+  if (!name) return nullptr;
+  if (name->starts_with('/')) {
+    platform::Graphics* graphics = platform::current().graphics;
+    return graphics != nullptr ? graphics->imageAtPath(*name) : nullptr;
+  }
+  chooseIconTheme();
+  const QImage pixels = QIcon::fromTheme(QString::fromStdString(*name))
+                            .pixmap(QSize(iconSide, iconSide), 1)
+                            .toImage();
+  if (pixels.isNull()) return nullptr;
+  return platform::make<BitmapImage>(
+      pixels,
+      platform::NSSize{static_cast<double>(pixels.width()), static_cast<double>(pixels.height())});
 }
 
 void DesktopWorkspace::launchApplication(const std::string& bundleIdentifier) {
-  if (isPlayer(bundleIdentifier)) {
-    if (player_ != nullptr) player_->launch();
-    return;
-  }
-  if (const auto entry = desktopEntryWithIdentifier(bundleIdentifier)) launchDesktopEntry(*entry);
+  if (isPlayer(bundleIdentifier) && player_ != nullptr && player_->raise()) return;
+  if (const auto path = applicationPath(bundleIdentifier)) applications().launch(*path, {});
 }
 
-void DesktopWorkspace::openURL(const platform::URL& url) { startProgram(commandForAddress(url)); }
+void DesktopWorkspace::openURL(const platform::URL& url) {
+  QMetaObject::invokeMethod(&mainThread_, [this, url] { open(url); });
+}
+
+void DesktopWorkspace::open(const platform::URL& url) {
+  const std::string scheme = url.scheme();
+  std::string address = url.absoluteString();
+  if (isStoreScheme(scheme)) {
+    const auto store = applications().pathForType("x-scheme-handler/" + scheme);
+    if (store && applications().launch(*store, address)) return;
+    address.replace(0, scheme.size(), "https");
+  } else if (!isGeneralScheme(scheme)) {
+    return;
+  }
+  QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+}
 
 }  // namespace desktop

@@ -99,6 +99,7 @@ TEST_F(LoginItemsTest, OddPathsComeBackAsTheyWereAndEndNoLine) {
     EXPECT_TRUE(files().empty());
   }
   EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden(std::string("/a\0b", 4), true));
+  EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden("/not \xFF text", true));
 }
 
 TEST_F(LoginItemsTest, OnlyWhatTheSessionStartsIsALoginItem) {
