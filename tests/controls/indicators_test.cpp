@@ -26,6 +26,9 @@ TEST_F(ProgressIndicator, BarAndKnobFollowTheValueEvenBeyondTheEnd) {
       {50,
        "\nfill 0 3.5 75 7 grey 1/1\nfill 75 3.5 225 7 grey 1/0.5"
        "\nfill 72.6667 0 2.33333 14 grey 1/1"},
+      {1,
+       "\nfill 0 3.5 1.5 7 grey 1/1\nfill 1.5 3.5 298.5 7 grey 1/0.5"
+       "\nfill 0 0 2.33333 14 grey 1/1"},
       {0, "\nfill 0 3.5 300 7 grey 1/0.5\nfill 0 0 2.33333 14 grey 1/1"},
       {300, "\nfill 0 3.5 450 7 0 3.5 300 7 grey 1/1\nfill 447.667 0 2.33333 14 0 0 0 0 grey 1/1"}};
   for (const auto& [value, steps] : table) {
@@ -33,6 +36,8 @@ TEST_F(ProgressIndicator, BarAndKnobFollowTheValueEvenBeyondTheEnd) {
     EXPECT_EQ(drawn(), steps);
   }
   EXPECT_EQ(indicator->drawProgressRightRect().size.width, -150);
+  indicator->setFrameSize({0, 14});
+  EXPECT_EQ(indicator->nowValueFromPoint({5, 6}), 0);
 }
 
 TEST_F(ProgressIndicator, WithoutAScaleItIgnoresTheMouseAndShowsNoKnob) {
@@ -50,6 +55,8 @@ TEST_F(ProgressIndicator, WithoutAScaleItIgnoresTheMouseAndShowsNoKnob) {
 }
 
 TEST_F(ProgressIndicator, DragSeeksWheneverItRestsAndAtItsRelease) {
+  const platform::NSEvent pressWithoutClick{};
+  indicator->mouseDown(&pressWithoutClick);
   mouse(leftMouseDown, 30);
   EXPECT_FALSE(indicator->setNowValue(10)) << "positions from outside wait until the release";
   for (int i = 1; i <= 5; ++i) {
@@ -140,6 +147,9 @@ TEST_F(RatingIndicator, ClickRatesToTheNearestHalfStarAndAtTheVeryLeftClears) {
 
 TEST_F(RatingIndicator, DragFollowsThePointerBeyondTheEndsAndRatesAtTheRelease) {
   indicator->setRatingType(VLRatingTypeComputed);
+  const platform::NSEvent pressWithoutClick{};
+  indicator->mouseDown(&pressWithoutClick);
+  EXPECT_EQ(indicator->ratingType(), VLRatingTypeComputed);
   mouse(leftMouseDown, 30);
   EXPECT_EQ(indicator->ratingType(), VLRatingTypeUser);
   EXPECT_FALSE(indicator->setNowValue(20));

@@ -71,6 +71,8 @@ TEST_F(Helpers, AskingForThePreferencesMakesTheirFolderButNotTheFile) {
 TEST_F(Helpers, StoreHostComesFromTheInformationDictionary) {
   bundle->setInfoDictionaryEntry("VLStoreSearchHost", "127.0.0.1:8443");
   EXPECT_EQ(storeSearchURL("term=a")->absoluteString(), "https://127.0.0.1:8443/search?term=a");
+  bundle->setInfoDictionaryEntry("VLStoreSearchHost", "");
+  EXPECT_EQ(storeSearchURL("a")->absoluteString(), "https://itunes.apple.com/search?a");
   bundle->setInfoDictionaryEntry("VLStoreSearchHost", "no host");
   EXPECT_FALSE(storeSearchURL("term=a"));
 }
