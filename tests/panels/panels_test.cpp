@@ -1,10 +1,13 @@
 #include "panels/about_view_controller.h"
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "panels/info_view_controller.h"
 #include "panels/link.h"
 #include "platform/application/bundle.h"
+#include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"
 
@@ -69,6 +72,16 @@ TEST_F(Panels, TheAboutPanelOpensTheMakersAddressesAndTheCompanion) {
 TEST_F(Panels, LeaveOutWhatIsMissingAndWorkWithoutIt) {
   const auto about = platform::make<VLAboutViewController>();
   EXPECT_EQ(about->view()->subviews().size(), 2U);
+  const tests::TemporaryFolder folder;
+  std::filesystem::create_directory(folder.path() / "en.lproj");
+  std::ofstream(folder.path() / "en.lproj/Localizable.strings")
+      << "<plist><dict><key>0000.0002</key><string>a b@c.org</string></dict></plist>";
+  const auto other = platform::NSBundle::bundleWithPath(folder.path(), {});
+  platform_.mainBundle = other.get();
+  EXPECT_EQ(about->infoItemEmail(), "a b@c.org");
+  EXPECT_FALSE(about->clickedEmailButton(nullptr)) << "a blank is in no address";
+  EXPECT_TRUE(workspaceBackend.asked.empty());
+  platform_.mainBundle = bundle.get();
   platform_.workspace = nullptr;
   EXPECT_FALSE(about->clickedActionButton(nullptr));
   EXPECT_FALSE(about->clickedWebButton(nullptr));

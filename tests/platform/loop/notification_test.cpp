@@ -7,17 +7,10 @@ namespace tests {
 namespace {
 
 using platform::NSNotification;
-using platform::NSNotificationNoCoalescing;
 using platform::NSTimer;
-using testing::ElementsAre;
 
 class Notifications : public WidgetFixture {
  protected:
-  void enqueue(const std::string& name, unsigned mask = NSNotificationNoCoalescing) {
-    platform::NSNotificationQueue::defaultQueue()->enqueueNotification(
-        NSNotification(name, first), platform::NSPostWhenIdle, mask);
-  }
-
   platform::NSNotificationCenter& center = *platform_.defaultCenter;
   std::shared_ptr<Listener> first = platform::make<Listener>();
   std::shared_ptr<Listener> second = platform::make<Listener>();
@@ -39,18 +32,6 @@ TEST_F(Notifications, ObserversMayComeAndGoDuringADelivery) {
   EXPECT_EQ(second->count, 0) << "the newcomer waits for the next";
   center.postNotification(NSNotification("n"));
   EXPECT_EQ(second->count, 1);
-}
-
-TEST_F(Notifications, QueueDeliversWhenIdleAndCoalescesOnlyWhenAsked) {
-  center.addObserver(first.get(), &Listener::heard, "a");
-  center.addObserver(first.get(), &Listener::heard, "b");
-  const unsigned both =
-      platform::NSNotificationCoalescingOnName | platform::NSNotificationCoalescingOnSender;
-  for (int i = 0; i < 2; ++i) enqueue("a", both);
-  for (int i = 0; i < 2; ++i) enqueue("b");
-  EXPECT_EQ(first->count, 0);
-  clock.settle();
-  EXPECT_THAT(first->names, ElementsAre("a", "b", "b"));
 }
 
 TEST_F(Notifications, TimerFiresOnceAtItsTimeUnlessInvalidatedOrItsTargetIsGone) {
