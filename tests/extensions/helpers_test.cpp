@@ -2,7 +2,6 @@
 
 #include "extensions/application_paths.h"
 #include "extensions/collections.h"
-#include "extensions/files.h"
 #include "extensions/notifications.h"
 #include "extensions/store_search.h"
 #include "extensions/strings.h"
@@ -21,7 +20,6 @@ using platform::Dictionary;
 using platform::Number;
 using platform::URL;
 using platform::Value;
-using testing::ElementsAre;
 
 using Helpers = tests::WidgetFixture;
 
@@ -32,19 +30,6 @@ TEST_F(Helpers, KeyWithoutTranslationShowsItselfAndAnEmptyOneNothing) {
   platform_.mainBundle = nullptr;
   EXPECT_EQ(vl_localizedString("9999.0001"), std::nullopt);
   EXPECT_EQ(vl_localizedString_fromTable_inBundle("key", std::nullopt, bundle.get()), "key");
-}
-
-TEST_F(Helpers, HiddenFilesAreLeftOutAndAMissingFolderIsNoEmptyOne) {
-  const tests::TemporaryFolder folder;
-  const auto url = URL::fileURLWithPath(folder.path().string());
-  std::ofstream(folder.path() / ".hidden") << "x";
-  EXPECT_FALSE(vl_hasVisibleContentsOfDirectoryAtURL(url));
-  std::filesystem::create_directories(folder.path() / "a b%/entered");
-  const auto contents = vl_visibleContentsOfDirectoryAtURL(url);
-  ASSERT_TRUE(contents);
-  EXPECT_THAT(*contents, ElementsAre(*URL::fromText(url->absoluteString() + "/a%20b%25/")));
-  const auto missing = URL::fileURLWithPath((folder.path() / "missing").string());
-  EXPECT_FALSE(vl_visibleContentsOfDirectoryAtURL(missing));
 }
 
 TEST_F(Helpers, AskingForThePreferencesMakesTheirFolderButNotTheFile) {

@@ -129,10 +129,7 @@ TEST_F(Link, FirstMatchingArtistsPageOpensAsAStoreLink) {
 TEST_F(Link, WhateverIsMissingOpensNothing) {
   std::istringstream bad(R"(
 nonsense
-[]
-{}
 [{"artistName":"foo","artistLinkUrl":"https://x/"}]
-{"results":[]}
 {"results":"foo"}
 {"results":[{"artistName":"food","artistLinkUrl":"https://x/"}]}
 {"results":[{"artistName":7,"artistLinkUrl":"https://x/"}]}

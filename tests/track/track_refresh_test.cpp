@@ -71,19 +71,6 @@ TEST_F(TrackRefresh, WhatIsNotKnownAnyMoreIsCleared) {
   EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 0);
 }
 
-TEST_F(TrackRefresh, DestroyedWhileShownItLeavesNothingBehind) {
-  show(demo::statePaused, demo::liveStation);
-  ASSERT_EQ(http.inFlight(), 1U);
-  panel = nullptr;
-  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
-  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 0U);
-  EXPECT_EQ(platform_.distributedCenter->registrationCount(), 0U);
-  EXPECT_EQ(http.inFlight(), 0U);
-  player.announce();
-  clock.advance(2);
-  click({160, 3});
-}
-
 TEST_F(TrackRefresh, APlayerThatGoesInTheMiddleOfARefreshIsSurvivedAndFoundAgain) {
   show(demo::statePaused);
   panel->update(panel.get());

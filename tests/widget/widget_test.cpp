@@ -160,10 +160,12 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 4U);
   EXPECT_THAT(heights, ElementsAre(30, 64, 30));
 
-  startPlayer(demo::statePaused);
+  startPlayer(demo::statePaused, demo::liveStation);
+  EXPECT_EQ(http.inFlight(), 1U);
   widget = nullptr;
   window->setContentView(nullptr);
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
+  EXPECT_EQ(http.inFlight() + platform_.defaultCenter->registrationCount(), 0U);
   EXPECT_EQ(platform_.distributedCenter->registrationCount(), 0U);
   EXPECT_EQ(workspace.notificationCenter().registrationCount(), 0U);
 }

@@ -56,24 +56,6 @@ class Drag : public testing::Test {
   const std::shared_ptr<Source> source = std::make_shared<Source>();
 };
 
-TEST_F(Drag, ReceiversAreAnsweredWhileTheSessionLastsAndOneFileServesAllQuestions) {
-  const DragFolder folder;
-  auto dragged = session();
-  const DragMimeData data(dragged, folder, nullptr);
-  EXPECT_EQ(data.formats(), QStringList({"image/png", "text/uri-list"}));
-  EXPECT_EQ(data.data("image/png"), "PNG");
-  EXPECT_EQ(data.data("XdndDirectSave0"), QByteArray());
-  EXPECT_EQ(source->files, 0);
-  const QByteArray address = QByteArray::fromStdString("file://" + waiting.string() + "/1.jpg\r\n");
-  EXPECT_EQ(data.data("text/uri-list"), address);
-  EXPECT_EQ(data.data("text/uri-list"), address);
-  fs::remove(waiting / "1.jpg");
-  EXPECT_TRUE(data.data("text/uri-list").endsWith("/2.jpg\r\n"));
-  dragged = nullptr;
-  EXPECT_EQ(data.data("image/png"), QByteArray());
-  EXPECT_EQ(data.data("text/uri-list"), QByteArray());
-}
-
 TEST_F(Drag, DirectSavePutsTheFileWhereTheReceiverSaysOrLeavesNone) {
   const auto dragged = session();
   const auto save = [&](const std::string& address) {

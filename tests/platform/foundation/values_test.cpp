@@ -92,17 +92,6 @@ TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
   for (const auto& [before, after] : table) EXPECT_EQ(afterAppendingItem(before), after) << before;
 }
 
-TEST(Addresses, ComponentsAppendToFoldersWithAndWithoutATrailingSlash) {
-  for (const char* folder : {"file:///a", "file:///a/"}) {
-    const auto url = platform::URLByAppendingPathComponent(*URL::fromText(folder), "b %?#ü", false);
-    EXPECT_EQ(url->absoluteString(), "file:///a/b%20%25%3F%23%C3%BC");
-    EXPECT_EQ(platform::URLByAppendingPathExtension(*url, "plist")->filePath(), "/a/b %?#ü.plist");
-  }
-  EXPECT_EQ(platform::URLByAppendingPathComponent(*URL::fromText("file:///a"), "b", true)
-                ->absoluteString(),
-            "file:///a/b/");
-}
-
 TEST(Text, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
   EXPECT_TRUE(platform::caseInsensitiveContains("STRASSE 7", "straße"));
   EXPECT_TRUE(platform::caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
