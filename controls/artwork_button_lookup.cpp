@@ -73,14 +73,12 @@ bool VLArtworkButton::startRequest(const URL& url, Request finished, Completion 
         }
       });
   if (task == nullptr) return false;
-  std::shared_ptr<NSURLSessionDataTask> superseded;
   {
     const std::lock_guard lock(mutex_);
     if (latestRequest_ != finished) return false;
     latestRequest_ = request;
-    superseded = std::exchange(contentURLSessionDataTask_, task);
+    contentURLSessionDataTask_ = task;
   }
-  if (superseded != nullptr) superseded->cancel();
   task->resume();
   return true;
 }
@@ -145,8 +143,8 @@ bool VLArtworkButton::startDownloadForArtwork(const std::string& address, Reques
                         auto* runLoop = platform::current().runLoop;
                         if (runLoop == nullptr) return;
                         // Decoded here, so that the main thread finds the image ready.
-                        const auto image = platform::imageWithData(data);
-                        runLoop->dispatchAsync([button, data, image, finishedImage] {
+                        platform::imageWithData(data);
+                        runLoop->dispatchAsync([button, data, finishedImage] {
                           if (button->isLatest(finishedImage))
                             button->handleIncomingArtworkData(data);
                         });

@@ -78,8 +78,8 @@ class VLTrackViewController : public VLViewController {
   // Readout (track_readout.cpp). Each value is asked for afresh; a text is never empty. While the
   // live station plays, what its programme tells comes before what the player tells.
 
-  std::shared_ptr<AEiTunesApplication> infoApp() const;  ///< null unless the player plays
-  std::shared_ptr<AEiTunesTrack> infoTrack() const;      ///< null unless the player plays
+  std::shared_ptr<AEiTunesApplication> infoApp() const;  ///< null unless the player
+  std::shared_ptr<AEiTunesTrack> infoTrack() const;      ///< runs and is not stopped
 
   std::optional<std::string> infoTrackName() const;
   std::optional<std::string> infoTrackArtist() const;
@@ -102,8 +102,8 @@ class VLTrackViewController : public VLViewController {
   std::shared_ptr<platform::NSImage> infoBeats1TrackArtwork() const;
   bool infoBeats1TrackHasAlbumOrArtist() const;
 
-  // Refresh (track_refresh.cpp). A control's update answers false when the panel does not have
-  // the control.
+  // Refresh (track_refresh.cpp). The update of a single control answers false when the panel does
+  // not have it; an update that is made of several always answers true.
 
   void viewWillAppear() override;
   void viewWillDisappear() override;
@@ -122,9 +122,10 @@ class VLTrackViewController : public VLViewController {
   bool updateRatingIndicatorType();
   bool updateRatingIndicatorNowValue();
 
-  // Actions (track_actions.cpp). Clicks answer false when the sender is not the panel's own
-  // control or the player does not play. The panel changes with the player's notification, except
-  // that a seek, love and a rating show their outcome at once. Option makes love and rating act
+  // Actions (track_actions.cpp). Clicks answer false when the player gives nothing to act
+  // on, those on the bar and the stars also when the sender is not the panel's own control. The
+  // panel changes with the player's notification, except that a seek, love and a rating show their
+  // outcome at once. Option makes love and rating act
   // on the album, and the artwork open the store.
 
   bool clickedArtworkButton(platform::NSObject* sender);

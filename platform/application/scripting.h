@@ -48,7 +48,7 @@ struct ScriptingRequest {
     set,      ///< writes value at the path
     count,    ///< how many elements of the path's last code there are
     resolve,  ///< the class code of the object at the path
-    make,     ///< appends an element with the properties in value (a dictionary keyed by code)
+    make,     ///< appends an element with the properties in value (a dictionary keyed by name)
     remove,   ///< removes the element at the path
     command   ///< sends an event to the object at the path
   };
@@ -116,7 +116,8 @@ class SBObject : public NSObject {
   /// How many elements of a class the object has; 0 when it cannot be read.
   std::int64_t elementCount(FourCharCode code) const;
 
-  /// Appends an element with these properties, keyed by code text; true once sent.
+  /// Appends an element with these properties, keyed by name; true when the
+  /// application has done so.
   bool makeElement(FourCharCode code, Dictionary properties) const;
 
  protected:

@@ -22,7 +22,7 @@ class NSColor {
     return color;
   }
 
-  /// The same colour with another alpha.
+  /// The same colour with another alpha, of which the label colour shows its own share.
   constexpr NSColor colorWithAlphaComponent(double alpha) const {
     NSColor color = *this;
     color.alpha_ = alpha;

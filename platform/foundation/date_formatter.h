@@ -1,4 +1,4 @@
-// Dates as texts in a fixed pattern (Unicode Technical Standard 35, Dates).
+// Dates as texts (patterns of Unicode Technical Standard 35, Dates).
 #pragma once
 
 #include <optional>
@@ -9,18 +9,17 @@
 
 namespace platform {
 
-/// Reads and writes dates of the Gregorian calendar. The patterns' fields are yyyy, MM, dd, HH,
-/// mm, ss, each with as many digits as letters, and ZZZZZ; text between apostrophes, and
-/// characters that are no letters, stand for themselves.
+/// Reads and writes dates of the Gregorian calendar in the two patterns that are in use.
 class NSDateFormatter {
  public:
   void setDateFormat(std::string pattern) { pattern_ = std::move(pattern); }
 
-  /// Reads a date whose zone is in the text: "Z", "+01:00", "+0100" or "+01". None when the whole
-  /// text does not match, is no date of the calendar, or the pattern has no zone.
+  /// Reads "yyyyMMdd'T'HHmmssZZZZZ", with "Z", "+01:00", "+0100" or "+01" for the zone. None when
+  /// the text does not match as a whole, is no date of the calendar, or for any other pattern.
   std::optional<Date> dateFromString(std::string_view text) const;
 
-  /// Writes a date in the local time zone; none when the pattern has a field of another kind.
+  /// Writes "yyyy-MM-dd HH-mm-ss" in the time zone that the system has now; none for any other
+  /// pattern.
   std::optional<std::string> stringFromDate(Date date) const;
 
  private:

@@ -5,6 +5,7 @@ namespace platform {
 std::optional<NSURLComponents> NSURLComponents::componentsWithString(std::string_view text) {
   NSURLComponents components;
   const std::size_t colon = text.find_first_of(":/?#");
+  if (colon == 0 && text[colon] == ':') return std::nullopt;
   if (colon != std::string_view::npos && text[colon] == ':') {
     components.scheme_ = text.substr(0, colon);
     text.remove_prefix(colon + 1);
@@ -27,13 +28,14 @@ std::optional<NSURLComponents> NSURLComponents::componentsWithString(std::string
 std::optional<std::vector<NSURLQueryItem>> NSURLComponents::percentEncodedQueryItems() const {
   if (!query_) return std::nullopt;
   std::vector<NSURLQueryItem> items;
-  for (std::string_view rest = *query_; !rest.empty();) {
-    const std::size_t end = rest.find('&');
-    const std::string_view item = rest.substr(0, end);
+  if (query_->empty()) return items;
+  const std::string_view query = *query_;
+  for (std::size_t begin = 0, end = 0; end != query.npos; begin = end + 1) {
+    end = query.find('&', begin);
+    const std::string_view item = query.substr(begin, end - begin);
     const std::size_t equals = item.find('=');
     items.push_back({std::string(item.substr(0, equals)), std::nullopt});
     if (equals != std::string_view::npos) items.back().value = item.substr(equals + 1);
-    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
   }
   return items;
 }

@@ -1,8 +1,8 @@
 #include "platform/view/button.h"
-#include "platform/graphics/canvas.h"
 
 #include <algorithm>
 
+#include "platform/graphics/canvas.h"
 #include "platform/graphics/graphics.h"
 
 namespace platform {
@@ -13,10 +13,9 @@ void NSButton::setImage(std::shared_ptr<NSImage> image) {
   setNeedsDisplay(true);
 }
 
-void NSButton::setAttributedTitle(std::optional<NSAttributedString> title) {
-  if (title && title->text.empty()) title.reset();
+void NSButton::setAttributedTitle(const std::optional<NSAttributedString>& title) {
   if (title == attributedTitle_) return;
-  attributedTitle_ = std::move(title);
+  attributedTitle_ = title;
   setNeedsDisplay(true);
 }
 
@@ -72,7 +71,7 @@ void NSButton::drawRect(NSRect) {
   canvas.save();
   if (highlighted_) canvas.multiplyAlpha(pressedOpacity);
   if (image_) canvas.drawImage(*image_, imageRect(), 1);
-  if (attributedTitle_) {
+  if (attributedTitle_ && !attributedTitle_->text.empty()) {
     NSAttributedString title = *attributedTitle_;
     title.attributes[NSParagraphStyleAttributeName] = NSParagraphStyle{alignment_};
     constexpr unsigned options =

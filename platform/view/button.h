@@ -26,7 +26,7 @@ class NSButton : public NSView {
   const std::shared_ptr<NSImage>& image() const { return image_; }
   virtual void setImage(std::shared_ptr<NSImage> image);
   const std::optional<NSAttributedString>& attributedTitle() const { return attributedTitle_; }
-  void setAttributedTitle(std::optional<NSAttributedString> title);
+  void setAttributedTitle(const std::optional<NSAttributedString>& title);
   /// A plain title in the system font; empty for none.
   void setTitle(const std::string& title);
 

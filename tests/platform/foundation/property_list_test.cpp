@@ -26,6 +26,21 @@ std::string binary(const std::vector<std::string>& objects) {
          static_cast<char>(objects.size()) + std::string(15, '\0') + tableOffset;
 }
 
+/// An array that refers to one long text so often that it would fill memory.
+std::string sharingOneText() {
+  const std::string count = "\x12\0\0\xFF\0"s;  // 65,280
+  const std::string list = "\xAF"s + count + std::string(0xFF00, '\1');
+  const std::string text = "\x5F"s + count + std::string(0xFF00, 'x');
+  const auto number = [](std::size_t value) {
+    std::string bytes(4, '\0');
+    for (std::size_t i = 0; i < 4; ++i) bytes[i] = static_cast<char>(value >> (24 - 8 * i));
+    return bytes;
+  };
+  const std::size_t textOffset = 8 + list.size(), table = textOffset + text.size();
+  return "bplist00" + list + text + number(8) + number(textOffset) + "\0\0\0\0\0\0\4\1"s +
+         std::string(7, '\0') + '\2' + std::string(12, '\0') + number(table);
+}
+
 const std::string head = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
 
 }  // namespace
@@ -50,7 +65,7 @@ TEST(PropertyList, RefusesWhatIsMalformedOrWhatItsLibraryCannotCopeWith) {
       // Unrolls to double its size each level, holds itself, refers to nothing, is longer than it
       // is.
       binary({"\xA2\1\1", "\xA2\2\2", "\x51x"}), binary({"\xA1\0"s}), binary({"\xA1\7"}),
-      binary({"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}), binary({})};
+      binary({"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}), binary({}), sharingOneText()};
   for (const std::string& bytes : bad) {
     const auto value = read(bytes);
     EXPECT_FALSE(value && !(value->as<Dictionary>() && value->as<Dictionary>()->empty())) << bytes;
