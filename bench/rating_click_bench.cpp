@@ -41,16 +41,15 @@ int main(int argc, char** argv) {
   double click = -1;
   {
     const QGuiApplication application(argc, argv);
-    desktop::Composition composition;
-    if (composition.openBundle(VIRELUNE_BENCH_BUNDLE)) {
-      demo::DemoPlayer& player = composition.useDemo();
-      player.launch(demo::statePlaying);
+    if (auto bundle = desktop::openBundle(VIRELUNE_BENCH_BUNDLE)) {
+      desktop::Composition composition(
+          {.bundle = std::move(bundle), .widget = {}, .usesNetwork = false});
       const auto file = virelune::vl_applicationPreferencesURLForPlistGeneral();
       if (file) std::ofstream(file->filePath().value_or("")) << loveRule;
       click = medianClick();
       // Proof that the rule was on: a track rated 40 is not loved, one rated 100 is.
       virelune::vl_setCurrentTrackRating(100);
-      if (!player.isLoved(demo::DemoPlayer::Marked::track)) click = -1;
+      if (!composition.demoPlayer()->isLoved(demo::DemoPlayer::Marked::track)) click = -1;
     }
   }
   std::filesystem::remove_all(folder);

@@ -179,19 +179,20 @@ int main(int argc, char** argv) {
   const std::string_view what = argc > 1 ? argv[1] : "";
   const int number = argc > 2 ? std::atoi(argv[2]) : 0;
   const QGuiApplication application(argc, argv);
-  desktop::Composition composition;
-  if (!composition.openBundle(VIRELUNE_BENCH_BUNDLE)) return EXIT_FAILURE;
-  composition.useNetwork();
-  const bool usesBus = what == "start" || what == "signals";
-  if (usesBus) {
-    if (!composition.useBus(QDBusConnection::sessionBus(), std::nullopt)) {
-      std::fprintf(stderr, "widget-window: no player is on the bus\n");
-      return EXIT_FAILURE;
-    }
+  desktop::Composition::Options options{.bundle = desktop::openBundle(VIRELUNE_BENCH_BUNDLE),
+                                        .widget = virelune::widgetEntry().principalClasses};
+  if (!options.bundle) return EXIT_FAILURE;
+  if (what == "start" || what == "signals") {
+    options.bus = QDBusConnection::sessionBus();
   } else {
-    composition.useDemo().launch(demo::statePlaying);
+    options.usesNetwork = false;  // and with it the demo player's own servers
   }
-  desktop::Card* card = composition.makeCard(virelune::principalClasses());
+  desktop::Composition composition(std::move(options));
+  if (!composition.isPlayerRunning()) {
+    std::fprintf(stderr, "widget-window: no player is on the bus\n");
+    return EXIT_FAILURE;
+  }
+  desktop::Card* card = composition.card();
   if (card == nullptr) return EXIT_FAILURE;
   desktop::CardSurface window(*card, composition.graphics(), QStringLiteral("bench"), false);
   if (what == "start") return start(window);

@@ -53,4 +53,9 @@ bool VLTrackViewController::updateBeats1Info() {
   return true;
 }
 
+bool VLTrackViewController::showsLiveProgramme() const {
+  const auto& loader = contentBeats1InfoLoader();
+  return loader && loader->infoTrackName() && loader->infoTrackArtwork();
+}
+
 }  // namespace virelune

@@ -32,6 +32,8 @@ class VLViewController : public platform::NSViewController {
 
   /// Hook: refreshes what the controller shows.
   virtual bool update(platform::NSObject* sender);
+  /// Hook: true while the live station is shown and it is known what is on air.
+  virtual bool showsLiveProgramme() const { return false; }
 
   // The player's process starting and ending. Each start begins with its stop, so nothing is
   // ever registered twice.

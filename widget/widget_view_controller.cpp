@@ -92,6 +92,10 @@ bool VLWidgetViewController::setSubview(const std::shared_ptr<platform::NSView>&
   return true;
 }
 
+bool VLWidgetViewController::showsLiveProgramme() const {
+  return contentViewController() && contentViewController()->showsLiveProgramme();
+}
+
 bool VLWidgetViewController::isAboutViewControllerVisible() const {
   return std::dynamic_pointer_cast<VLAboutViewController>(contentViewController()) != nullptr;
 }

@@ -38,6 +38,8 @@ class VLWidgetViewController : public VLViewController, public platform::NCWidge
   bool showInfoViewController(platform::NSObject* sender);
   bool showTrackViewController(platform::NSObject* sender);
 
+  bool showsLiveProgramme() const override;
+
   // Replacing the panel
 
   /// Lets go of the panel shown, then shows this one. False when there is no panel to show, or

@@ -28,47 +28,49 @@
 
 namespace desktop {
 
-/// Owns every part; the widget and its card go first, what they stand on follows. Needs a
-/// QGuiApplication. Without a player from useBus() or useDemo() nothing is playing.
+/// The bundle in a folder, in the user's languages; null when there is none.
+std::unique_ptr<platform::NSBundle> openBundle(const std::string& path);
+
+/// Owns every part and puts them together; the widget and its card go first, what they stand on
+/// follows. Needs a QGuiApplication.
 class Composition {
  public:
-  Composition();
+  /// What the program is made of.
+  struct Options {
+    std::unique_ptr<platform::NSBundle> bundle;  ///< never null
+    platform::PrincipalClasses widget;
+    /// Where the player is looked for; none: it is the demo player.
+    std::optional<QDBusConnection> bus = std::nullopt;
+    /// The player to follow; none: the one that plays, else the one heard from last. Those that are
+    /// not there yet are waited for.
+    std::optional<std::string> playerName = std::nullopt;
+    bool demoStandsIn = false;  ///< the demo player takes the place of one that is not there
+    bool usesNetwork = true;
+    // Servers, "host" or "host:port", in the place of the bundle's. For what is not named, the demo
+    // player brings its own.
+    std::optional<std::string> streamHost = std::nullopt;
+    std::optional<std::string> storeHost = std::nullopt;
+  };
+  explicit Composition(Options options);
   ~Composition();
   Composition(const Composition&) = delete;
   Composition& operator=(const Composition&) = delete;
 
-  /// Opens the bundle in a folder; false when there is none.
-  bool openBundle(const std::string& path);
-  // The servers of the live station and of the store, "host" or "host:port", in the place of the
-  // bundle's; before the widget is made.
-  void setStreamHost(const std::string& host);
-  void setStoreHost(const std::string& host);
-  /// Lets the widget use the network.
-  void useNetwork();
-  /// Follows a player on the bus: the named one, else the one that plays, else the one heard from
-  /// last. False when it is not there yet; the first one that comes is followed then, unless the
-  /// demo player is brought in.
-  bool useBus(const QDBusConnection& bus, const std::optional<std::string>& playerName);
-  /// Brings in the demo player, which does not run yet.
-  demo::DemoPlayer& useDemo();
-  /// Starts the demo's live station, in the place of the bundle's; before the widget is made.
-  /// False when it cannot serve.
-  bool useDemoStation();
-  /// Starts the demo's store, in the place of the bundle's, and lets the network trust it; after
-  /// useNetwork() and before the widget is made. False when it cannot serve.
-  bool useDemoStore();
+  Card* card() { return card_.get(); }  ///< null when the bundle names no widget
+  /// Plays from the beginning; null when a player on the bus is followed.
+  demo::DemoPlayer* demoPlayer() { return demoPlayer_.get(); }
+  bool isPlayerRunning() const { return demoPlayer_ || bridge_->isRunning(); }
+  QtGraphics& graphics() { return graphics_; }
+  /// The widget's name as the user sees it.
+  std::string displayName() const;
 
-  /// Makes the widget and lays it on its card; null when the bundle names no widget.
-  Card* makeCard(const platform::PrincipalClasses& classes);
   /// Lets things be dragged out of the window that shows the card.
   void useDrag(QWindow& window);
 
-  QtGraphics& graphics() { return graphics_; }
-  /// The widget's name as the user sees it.
-  std::string displayName();
-
  private:
-  void install(platform::WorkspaceBackend& workspace, platform::ScriptingTransport& player);
+  void makePlayer(const Options& options);
+  void makeNetwork(const Options& options);
+  void makeCard(const platform::PrincipalClasses& widget);
 
   platform::Platform platform_;
   platform::PlatformScope scope_{platform_};

@@ -64,51 +64,13 @@ int exchangeRatings(const CommandLine& commandLine) {
   return EXIT_SUCCESS;
 }
 
-/// Puts the servers that the command line names in the place of the bundle's.
-void chooseServers(const CommandLine& commandLine, Composition& composition) {
-  if (commandLine.streamHost) composition.setStreamHost(*commandLine.streamHost);
-  if (commandLine.storeHost) composition.setStoreHost(*commandLine.storeHost);
-}
-
-/// The demo player, with a live station and a store of its own unless the command line names them.
-demo::DemoPlayer& useDemo(const CommandLine& commandLine, Composition& composition) {
-  if (!commandLine.streamHost) composition.useDemoStation();
-  if (!commandLine.storeHost) composition.useDemoStore();
-  return composition.useDemo();
-}
-
-/// Brings in the player that the command line asks for; the exit status when that fails.
-std::optional<int> choosePlayer(const CommandLine& commandLine, Composition& composition) {
-  if (!commandLine.demo) {
-    const auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-      return fail("there is no session bus; --demo shows the built-in player");
-    }
-    if (composition.useBus(bus, commandLine.player) || commandLine.waitForPlayer) {
-      return std::nullopt;
-    }
-    if (commandLine.player) {
-      return fail("no player \"" + *commandLine.player +
-                  "\" is on the session bus; --list-players names those that are");
-    }
-    std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
-  }
-  useDemo(commandLine, composition).launch(demo::statePlaying);
-  return std::nullopt;
-}
-
 int tour(const CommandLine& commandLine, Composition& composition,
          const virelune::WidgetEntry& widget) {
-  composition.useNetwork();
-  demo::DemoPlayer& player = useDemo(commandLine, composition);
-  Card* card = composition.makeCard(widget.principalClasses);
-  if (card == nullptr) return fail("the resources name no widget");
-  const auto taken = takeTour(
-      {.folder = commandLine.tour.value_or(defaultTourFolder),
-       .scale = commandLine.scale.value_or(pictureScale),
-       .appearance = ColorScheme().appearance(),
-       .showsLiveProgramme = [&] { return widget.showsLiveProgramme(card->controller()); }},
-      *card, player, std::cout);
+  const auto taken = takeTour({.folder = commandLine.tour.value_or(defaultTourFolder),
+                               .scale = commandLine.scale.value_or(pictureScale),
+                               .appearance = ColorScheme().appearance(),
+                               .showsLiveProgramme = widget.showsLiveProgramme},
+                              *composition.card(), *composition.demoPlayer(), std::cout);
   return taken ? EXIT_SUCCESS : fail(taken.problem().text);
 }
 
@@ -130,9 +92,9 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
-int showWindow(const CommandLine& commandLine, Composition& composition, Card& card,
+int showWindow(const CommandLine& commandLine, Composition& composition,
                const virelune::WidgetEntry& widget) {
-  CardSurface window(card, composition.graphics(),
+  CardSurface window(*composition.card(), composition.graphics(),
                      QString::fromStdString(composition.displayName()), commandLine.onTop);
   const CardMenu menu(window, composition.graphics(), widget);
   composition.useDrag(window);
@@ -166,19 +128,33 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   const QGuiApplication application(argc, argv);
   QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
 
-  Composition composition;
-  if (!composition.openBundle(bundlePath())) {
-    return fail("the resources are missing: " + bundlePath());
+  auto bundle = openBundle(bundlePath());
+  if (!bundle) return fail("the resources are missing: " + bundlePath());
+  std::optional<QDBusConnection> bus;
+  if (!takesTour && !commandLine.demo) {
+    bus = QDBusConnection::sessionBus();
+    if (!bus->isConnected()) {
+      return fail("there is no session bus; --demo shows the built-in player");
+    }
   }
-  chooseServers(commandLine, composition);
+  Composition composition({.bundle = std::move(bundle),
+                           .widget = widget.principalClasses,
+                           .bus = bus,
+                           .playerName = commandLine.player,
+                           .demoStandsIn = !commandLine.player && !commandLine.waitForPlayer,
+                           .streamHost = commandLine.streamHost,
+                           .storeHost = commandLine.storeHost});
+  if (composition.card() == nullptr) return fail("the resources name no widget");
   if (takesTour) return tour(commandLine, composition, widget);
-
-  composition.useNetwork();
-  if (const auto status = choosePlayer(commandLine, composition)) return *status;
-  Card* card = composition.makeCard(widget.principalClasses);
-  if (card == nullptr) return fail("the resources name no widget");
-  return commandLine.snapshot ? snapshot(commandLine, *card)
-                              : showWindow(commandLine, composition, *card, widget);
+  if (commandLine.player && !commandLine.waitForPlayer && !composition.isPlayerRunning()) {
+    return fail("no player \"" + *commandLine.player +
+                "\" is on the session bus; --list-players names those that are");
+  }
+  if (bus && composition.demoPlayer() != nullptr) {
+    std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
+  }
+  return commandLine.snapshot ? snapshot(commandLine, *composition.card())
+                              : showWindow(commandLine, composition, widget);
 }
 
 }  // namespace desktop

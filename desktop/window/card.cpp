@@ -12,7 +12,11 @@ namespace {
 
 using platform::NSMakeRect;
 
-constexpr double cardWidth = 320;
+/// What the widget asks for, else what its view has.
+platform::NSSize sizeOf(const platform::NSViewController& controller) {
+  const platform::NSSize preferred = controller.preferredContentSize();
+  return preferred.height > 0 || !controller.view() ? preferred : controller.view()->frame().size;
+}
 
 /// One device pixel, inside the outline and above everything.
 void paintBorder(QPainter& painter, platform::NSSize size, platform::Appearance appearance) {
@@ -32,7 +36,8 @@ Card::Card(std::shared_ptr<platform::NSViewController> controller, const std::st
     : controller_(std::move(controller)),
       window_(platform::make<platform::NSWindow>()),
       content_(platform::make<platform::NSView>()),
-      header_(platform::make<CardHeader>(NSMakeRect(0, 0, cardWidth, cardHeaderHeight), title)) {
+      header_(platform::make<CardHeader>(
+          NSMakeRect(0, 0, sizeOf(*controller_).width, cardHeaderHeight), title)) {
   // What lies at the card's edge follows its corners.
   content_->setWantsLayer(true);
   content_->layer()->cornerRadius = cardCornerRadius;
@@ -58,10 +63,8 @@ platform::NCWidgetProviding* Card::widget() const {
 }
 
 void Card::layOut() {
-  double height = controller_->preferredContentSize().height;
-  if (height <= 0 && controller_->view()) height = controller_->view()->frame().size.height;
-  height = std::ceil(height);
-  content_->setFrame(NSMakeRect(0, 0, cardWidth, height + cardHeaderHeight));
+  const double height = std::ceil(sizeOf(*controller_).height);
+  content_->setFrame(NSMakeRect(0, 0, header_->frame().size.width, height + cardHeaderHeight));
   header_->setFrameOrigin({0, height});
   if (sizeHandler_) sizeHandler_(size());
 }

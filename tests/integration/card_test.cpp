@@ -38,14 +38,14 @@ class CardOverPlayer : public testing::Test {
  protected:
   /// Shows the card; with a stream server, also lets it use the network.
   void show(const std::string& streamHost = {}) {
-    composition_.emplace();
-    ASSERT_TRUE(composition_->openBundle(VIRELUNE_TEST_BUNDLE));
-    if (!streamHost.empty()) {
-      composition_->setStreamHost(streamHost);
-      composition_->useNetwork();
-    }
-    ASSERT_TRUE(composition_->useBus(bus.connection(), std::nullopt));
-    card = composition_->makeCard(virelune::principalClasses());
+    desktop::Composition::Options options{.bundle = desktop::openBundle(VIRELUNE_TEST_BUNDLE),
+                                          .widget = virelune::widgetEntry().principalClasses,
+                                          .bus = bus.connection(),
+                                          .usesNetwork = !streamHost.empty()};
+    if (!streamHost.empty()) options.streamHost = streamHost;
+    composition_.emplace(std::move(options));
+    ASSERT_TRUE(composition_->isPlayerRunning());
+    card = composition_->card();
     ASSERT_NE(card, nullptr);
     card->window().setVisible(true);
   }

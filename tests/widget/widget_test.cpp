@@ -171,7 +171,8 @@ TEST_F(Widget, AReplacedPanelAndTheWidgetItselfLeaveNoObserversAndTimersBehind) 
 }
 
 TEST_F(Widget, AnsweringTheHostAlwaysBringsNewDataOnceAndNoMargins) {
-  EXPECT_NE(platform::NSExtensionMain(principalClasses()), nullptr) << "the bundle names it";
+  EXPECT_NE(platform::NSExtensionMain(widgetEntry().principalClasses), nullptr)
+      << "the bundle names it";
   std::vector<platform::NCUpdateResult> results;
   widget->widgetPerformUpdateWithCompletionHandler([&](platform::NCUpdateResult result) {
     EXPECT_EQ(panel(), "info") << "told once it is done";
