@@ -5,10 +5,11 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "desktop/files/file_descriptor.h"
-#include "platform/foundation/file_manager.h"
 
 namespace desktop {
 
@@ -18,16 +19,36 @@ namespace fs = std::filesystem;
 
 Problem systemProblem(int error = errno) { return {std::strerror(error)}; }
 
-Result<> writeDirectly(const fs::path& file, std::string_view contents) {
-  const FileDescriptor opened(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!opened) return systemProblem();
+bool writeAll(int descriptor, std::string_view contents) {
   while (!contents.empty()) {
-    const ssize_t written = ::write(opened.get(), contents.data(), contents.size());
+    const ssize_t written = ::write(descriptor, contents.data(), contents.size());
     if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return systemProblem();
+    if (written < 0) return false;
     contents.remove_prefix(static_cast<std::size_t>(written));
   }
-  return {};
+  return true;
+}
+
+using Fill = std::function<bool(const platform::FileSink& sink)>;
+
+Result<> writeTo(const FileDescriptor& file, const Fill& fill) {
+  const auto sink = [&file](std::string_view piece) { return writeAll(file.get(), piece); };
+  return file && fill(sink) ? Result<>() : systemProblem();
+}
+
+/// A file that this program has open, known by the name that the system gives it (/dev/stdout,
+/// /dev/fd/3): opened anew, it would be written from its beginning.
+std::optional<FileDescriptor> ownOpenFile(fs::path file) {
+  std::error_code error;
+  const auto folder = fs::canonical("/proc/self/fd", error);
+  for (int link = 0; link < 10 && !error; ++link) {
+    if (fs::canonical(fs::absolute(file).parent_path(), error) == folder && !error) {
+      return FileDescriptor(::fcntl(std::atoi(file.filename().c_str()), F_DUPFD_CLOEXEC, 0));
+    }
+    const auto target = fs::read_symlink(file, error);
+    file = fs::absolute(file).parent_path() / target;
+  }
+  return std::nullopt;
 }
 
 /// The place behind symbolic links, so that a linked file is replaced and not the link.
@@ -55,11 +76,18 @@ Result<std::string> readWholeFile(const fs::path& file, std::size_t maximumLengt
 }
 
 Result<> writeWholeFile(const fs::path& file, std::string_view contents) {
+  return writeWholeFile(file, [&](const platform::FileSink& sink) { return sink(contents); });
+}
+
+Result<> writeWholeFile(const fs::path& file, const Fill& fill) {
+  if (const auto own = ownOpenFile(file)) return writeTo(*own, fill);
   const fs::path place = placeOf(file);
   std::error_code error;
   const auto status = fs::status(place, error);
-  if (fs::exists(status) && !fs::is_regular_file(status)) return writeDirectly(place, contents);
-  if (!platform::writeToFileAtomically(place.string(), contents)) return systemProblem();
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    return writeTo(FileDescriptor(::open(place.c_str(), O_WRONLY | O_CLOEXEC)), fill);
+  }
+  if (!platform::writeToFileAtomically(place.string(), fill)) return systemProblem();
   return synchroniseFolder(place.parent_path());
 }
 

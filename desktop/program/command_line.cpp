@@ -56,8 +56,9 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addValue("--tour", "FOLDER", line.tour, "write one PNG for each state of the demo player");
   addValue("--export-ratings", "FILE", line.exportRatings,
            "write all ratings and love marks as JSON Lines");
+  addFlag("--salvage", line.salvage, "export what can be read of a damaged store");
   addValue("--import-ratings", "FILE", line.importRatings,
-           "take ratings and love marks over from such a file");
+           "take them over from such a file, or from a store's file");
   addHost("--stream-host", line.streamHost, "ask this server for the live station's programme");
   addHost("--store-host", line.storeHost, "search the store on this server");
   addFlag("--on-top", line.onTop, "keep the card above other windows");
@@ -91,6 +92,7 @@ std::string conflict(const CommandLine& line) {
   if (line.exportRatings && line.importRatings) {
     return "--export-ratings and --import-ratings exclude each other";
   }
+  if (line.salvage && !line.exportRatings) return "--salvage goes with --export-ratings";
   return {};
 }
 

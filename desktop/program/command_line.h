@@ -18,6 +18,7 @@ struct CommandLine {
   std::optional<std::string> streamHost;     ///< --stream-host HOST[:PORT]
   std::optional<std::string> storeHost;      ///< --store-host HOST[:PORT]
   std::optional<double> scale;               ///< --scale N, from 1 to 4
+  bool salvage = false;
   bool listPlayers = false;
   bool demo = false;
   bool waitForPlayer = false;

@@ -55,9 +55,9 @@ int listPlayers() {
 
 int exchangeRatings(const CommandLine& commandLine) {
   RatingsStore ratings(RatingsStore::defaultFile());
-  const auto report = commandLine.exportRatings
-                          ? exportRatings(ratings, *commandLine.exportRatings)
-                          : importRatings(ratings, *commandLine.importRatings);
+  const auto report = commandLine.importRatings ? importRatings(ratings, *commandLine.importRatings)
+                      : commandLine.salvage ? salvageRatings(ratings, *commandLine.exportRatings)
+                                            : exportRatings(ratings, *commandLine.exportRatings);
   if (!report) return fail(report.problem().text);
   // What is exported may go to the standard output.
   (commandLine.exportRatings ? std::cerr : std::cout) << *report << std::endl;

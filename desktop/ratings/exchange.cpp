@@ -1,11 +1,15 @@
 #include "desktop/ratings/exchange.h"
 
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
-#include <vector>
 
 #include "desktop/files/whole_file.h"
+#include "desktop/ratings/rescue.h"
 
 namespace desktop {
 
@@ -15,7 +19,6 @@ using Kind = RatingsRecord::Kind;
 using nlohmann::json;
 
 constexpr const char* dateFormat = "%Y-%m-%dT%H:%M:%SZ";
-constexpr std::size_t longestImport = std::size_t{1} << 30U;  // bytes
 
 std::string textFromDate(std::int64_t seconds) {
   const std::time_t time = seconds;
@@ -100,19 +103,64 @@ std::string omission(const RatingsRecord& record) {
   return {};
 }
 
-/// The entries of a file's lines, or which line is bad.
-Result<std::vector<RatingsRecord>> recordsFromLines(std::string_view text) {
-  std::vector<RatingsRecord> records;
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  for (std::int64_t number = 1; !text.empty(); ++number) {
-    const std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
+std::string counted(std::int64_t number, const char* one, const char* several) {
+  return std::to_string(number) + (number == 1 ? one : several);
+}
+
+Problem temporaryProblem(EntryCollection& collection, int result) {
+  const auto problem = problemWithResult(collection.database, result);
+  return {"cannot write a temporary file: " + (problem ? problem->text : std::string())};
+}
+
+Result<std::string> writeEntries(EntryCollection& entries, const std::string& file) {
+  const bool isStandardOutput = file == "-";
+  std::int64_t count = 0;
+  int result = SQLITE_OK;
+  const auto written =
+      writeWholeFile(isStandardOutput ? "/dev/stdout" : file, [&](const platform::FileSink& sink) {
+        bool isSunk = true;
+        result = entries.entries.forEach([&](const RatingsRecord& record) {
+          ++count;
+          return isSunk = sink(lineFromRecord(record) + '\n');
+        });
+        return isSunk && result == SQLITE_OK;
+      });
+  if (result != SQLITE_OK && result != SQLITE_ABORT) return temporaryProblem(entries, result);
+  if (!written) return Problem{"cannot write " + file + ": " + written.problem().text};
+  std::int64_t all = count;
+  entries.database.readInteger("SELECT count(*) FROM marks", all);
+  return "Exported " + counted(count, " entry", " entries") + " to " +
+         (isStandardOutput ? "the standard output" : file) +
+         (all == count ? "" : "; what " + std::to_string(all - count) + " more belong to is lost");
+}
+
+/// Reads the entries of a file's lines, or tells which line is bad.
+Result<> readLines(std::istream& lines, EntryCollection& entries, MergeCounts& counts) {
+  std::string line;
+  for (std::int64_t number = 1; std::getline(lines, line); ++number) {
+    if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
     if (line.find_first_not_of(" \t\r") == std::string_view::npos) continue;
     const auto record = recordFromLine(line);
-    if (!record) return Problem{"line " + std::to_string(number) + ": " + record.problem().text};
-    records.push_back(*record);
+    if (!record) return Problem{", line " + std::to_string(number) + ": " + record.problem().text};
+    const int result = entries.add(*record, counts);
+    if (result != SQLITE_OK) return Problem{": " + temporaryProblem(entries, result).text};
   }
-  return records;
+  if (lines.bad()) return Problem{std::string(": ") + std::strerror(errno)};
+  return {};
+}
+
+/// Reads the entries of a store's file that was kept; none when it is no such file.
+std::optional<PageCounts> readKeptStore(const std::string& file, EntryCollection& entries,
+                                        MergeCounts& counts) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return std::nullopt;
+  const auto source = rescueSourceFromFile(file);
+  if (!source) return std::nullopt;
+  PageCounts pages;
+  const auto log = logBeside(file);
+  const int result = rescueInto(entries.entries, *source, log ? &*log : nullptr, counts, pages);
+  const bool isStore = counts.added > 0 || looksLikeDatabase(*source);
+  return result == SQLITE_OK && isStore ? std::optional(pages) : std::nullopt;
 }
 
 }  // namespace
@@ -169,29 +217,57 @@ Result<RatingsRecord> recordFromLine(std::string_view line) {
 }
 
 Result<std::string> exportRatings(RatingsStore& store, const std::string& file) {
-  std::string lines;
-  std::int64_t count = 0;
-  const bool isRead = store.forEach([&](const RatingsRecord& record) {
-    lines += lineFromRecord(record) + '\n';
-    ++count;
-  });
-  if (!isRead) return Problem{"nothing was exported"};
-  if (const auto written = writeWholeFile(file, lines); !written) {
-    return Problem{"cannot write " + file + ": " + written.problem().text};
+  EntryCollection copy;
+  if (const auto problem = store.copyTo(copy)) return Problem{problem->text};
+  return writeEntries(copy, file);
+}
+
+Result<std::string> salvageRatings(RatingsStore& store, const std::string& file) {
+  EntryCollection copy;
+  const auto problem = store.copyTo(copy);
+  if (!problem) return writeEntries(copy, file);
+  const auto source = rescueSourceFromFile(store.file());
+  if (!source) return Problem{problem->text};
+  EntryCollection rescued;
+  MergeCounts counts;
+  PageCounts pages;
+  const auto log = logBeside(store.file());
+  int result = rescued.makeEmpty();
+  if (result == SQLITE_OK) {
+    result = rescueInto(rescued.entries, *source, log ? &*log : nullptr, counts, pages);
   }
-  return "Exported " + std::to_string(count) + (count == 1 ? " entry" : " entries") + " to " + file;
+  if (result != SQLITE_OK) return temporaryProblem(rescued, result);
+  const auto report = writeEntries(rescued, file);
+  if (!report) return report;
+  return *report + "; " + std::to_string(pages.unreadable) + " of " +
+         counted(pages.all, " page", " pages") + " could not be read";
 }
 
 Result<std::string> importRatings(RatingsStore& store, const std::string& file) {
-  const auto text = readWholeFile(file, longestImport);
-  if (!text) return Problem{"cannot read " + file + ": " + text.problem().text};
-  const auto records = recordsFromLines(*text);
-  if (!records) return Problem{file + ", " + records.problem().text + "; nothing was imported"};
-  const auto counts = store.merge(*records);
-  if (!counts) return Problem{"nothing was imported"};
+  EntryCollection entries;
+  MergeCounts read;
+  if (const int result = entries.makeEmpty(); result != SQLITE_OK) {
+    return temporaryProblem(entries, result);
+  }
+  const auto pages = readKeptStore(file, entries, read);
+  if (!pages) {
+    std::ifstream lines(file, std::ios::binary);
+    if (!lines) return Problem{"cannot read " + file + ": " + std::strerror(errno)};
+    if (const auto done = readLines(lines, entries, read); !done) {
+      return Problem{file + done.problem().text + "; nothing was imported"};
+    }
+  }
+  const auto counts = store.merge(entries);
+  if (!counts) return Problem{counts.problem().text + "; nothing was imported"};
+  // What a file has more than once counts as often.
+  const std::int64_t repeated = pages ? 0 : read.changed + read.unchanged;
   return "Imported " + file + ": " + std::to_string(counts->added) + " added, " +
-         std::to_string(counts->changed) + " changed, " + std::to_string(counts->unchanged) +
-         " unchanged";
+         std::to_string(counts->changed) + " changed, " +
+         std::to_string(counts->unchanged + repeated) + " unchanged" +
+         (pages && pages->unreadable > 0
+              ? "; " + std::to_string(pages->unreadable) + " of " +
+                    counted(pages->all, " page", " pages") + " could not be read"
+              : "");
 }
 
 }  // namespace desktop

@@ -23,11 +23,17 @@ std::string lineFromRecord(const RatingsRecord& record);
 /// The entry that a line holds, or what is wrong with the line.
 Result<RatingsRecord> recordFromLine(std::string_view line);
 
-/// Writes every entry of the store to a file, in a stable order. Answers a report of one line.
+// Exports and imports answer a report of one line.
+
+/// Writes every entry of the store to a file ("-": the standard output), in a stable order. When
+/// that cannot be done for all of them, a file that is there already stays as it is.
 Result<std::string> exportRatings(RatingsStore& store, const std::string& file);
 
-/// Takes the entries of a file over into the store, all or none. Answers a report of one line; a
-/// bad line is named by its number.
+/// The same with what can be read of a damaged store.
+Result<std::string> salvageRatings(RatingsStore& store, const std::string& file);
+
+/// Takes the entries of a file over into the store, all or none; a bad line is named by its number.
+/// The file may also be a store's that was kept, sound or damaged.
 Result<std::string> importRatings(RatingsStore& store, const std::string& file);
 
 }  // namespace desktop

@@ -3,14 +3,12 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 #include <thread>
 
-#include "desktop/files/file_descriptor.h"
 #include "desktop/files/whole_file.h"
+#include "desktop/ratings/entries.h"
 #include "platform/foundation/url.h"
 
 namespace desktop {
@@ -24,94 +22,33 @@ constexpr auto waitingPeriod = std::chrono::seconds(5);
 constexpr auto longestWait = std::chrono::milliseconds(400);
 constexpr auto waitingStep = std::chrono::milliseconds(5);
 
-// Marks lie apart from the names they belong to, and under a digest of the key, so that reading
-// them touches few pages however many there are. The names are for people and for exports, from
-// which keys are made again.
-constexpr std::array schemaSteps = {
-    "CREATE TABLE marks ("
-    "  digest BLOB PRIMARY KEY NOT NULL,"
-    "  rating INTEGER,"          // 0 to 100
-    "  rating_changed INTEGER,"  // seconds since 1970, UTC
-    "  loved INTEGER,"           // 0 or 1
-    "  loved_changed INTEGER"
-    ") WITHOUT ROWID;"
-    "CREATE TABLE names ("
-    "  digest BLOB PRIMARY KEY NOT NULL,"
-    "  kind INTEGER NOT NULL,"  // 0 track, 1 album
-    "  address TEXT NOT NULL,"
-    "  artist TEXT NOT NULL,"
-    "  album TEXT NOT NULL,"
-    "  album_artist TEXT NOT NULL,"
-    "  title TEXT NOT NULL,"
-    "  length INTEGER NOT NULL"  // whole seconds, 0 when unknown
-    ") WITHOUT ROWID"};
-
 int waitForOthers(void* patience, int) { return static_cast<Patience*>(patience)->wait() ? 1 : 0; }
-
-/// Keeps other processes of this program from creating the file, or setting it aside, meanwhile.
-/// Where the file system has no such locks, work goes on without.
-class FolderLock {
- public:
-  FolderLock(const std::filesystem::path& folder, Patience& patience)
-      : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    do {
-      isHeldByOther_ = ::flock(folder_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    } while (isHeldByOther_ && patience.wait());
-  }
-  bool isHeldByOther() const { return isHeldByOther_; }
-
- private:
-  FileDescriptor folder_;
-  bool isHeldByOther_ = false;
-};
-
-std::filesystem::path withSuffix(const std::filesystem::path& file, const char* suffix) {
-  return std::filesystem::path(file.native() + suffix);
-}
-
-std::filesystem::path nameForDamagedFile(const std::filesystem::path& file) {
-  std::array<char, 32> date{};
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  ::localtime_r(&now, &parts);
-  std::strftime(date.data(), date.size(), "-damaged-%Y-%m-%d-%H%M%S", &parts);
-  std::filesystem::path name;
-  int again = 1;
-  do {
-    const std::string number = again == 1 ? "" : "-" + std::to_string(again);
-    name = file.parent_path() /
-           (file.stem().native() + date.data() + number + file.extension().native());
-    ++again;
-  } while (::access(name.c_str(), F_OK) == 0);
-  return name;
-}
 
 std::optional<StoreProblem> prepareFile(const std::filesystem::path& file, Patience& patience,
                                         Database& database) {
   sqlite3_busy_handler(database.handle(), &waitForOthers, &patience);
-  std::int64_t version = 0;
-  const auto readVersion = [&] { return database.readInteger("PRAGMA user_version", version); };
-  if (const int result = readVersion(); result != SQLITE_OK) {
+  auto version = TablesVersion::older;
+  if (const int result = readTablesVersion(database, version); result != SQLITE_OK) {
     return problemWithResult(database, result);
   }
-  if (version > static_cast<std::int64_t>(schemaSteps.size())) {
+  if (version == TablesVersion::newer) {
     database.leaveLogOnClose();
-    return StoreProblem{Kind::newer, "it was written by a newer version of this program"};
+    return std::nullopt;
   }
-  // EXTRA also waits for the folder, should the file not be in write-ahead mode. The cache (in
-  // KiB) holds the marks of a million entries, and grows only as they are read.
-  if (const int result = database.execute("PRAGMA synchronous = EXTRA; PRAGMA cache_size = -32768");
-      result != SQLITE_OK) {
+  if (isInLogMode(database)) {
+    // Leaving it needs that nobody else has the file open, which is not worth waiting for.
+    sqlite3_busy_handler(database.handle(), nullptr, nullptr);
+    database.execute("PRAGMA journal_mode = TRUNCATE");
+    sqlite3_busy_handler(database.handle(), &waitForOthers, &patience);
+  }
+  if (const int result = useRatingsSettings(database); result != SQLITE_OK) {
     return problemWithResult(database, result);
   }
-  if (version == static_cast<std::int64_t>(schemaSteps.size())) return std::nullopt;
+  if (version == TablesVersion::ours) return std::nullopt;
 
   const FolderLock lock(file.parent_path(), patience);
   if (lock.isHeldByOther()) return StoreProblem{Kind::busy, "another program holds its folder"};
-  if (const int result = database.execute("PRAGMA journal_mode = WAL"); result != SQLITE_OK) {
-    return problemWithResult(database, result);
-  }
-  if (const int result = migrate(database, schemaSteps); result != SQLITE_OK) {
+  if (const int result = makeEntryTables(database); result != SQLITE_OK) {
     return problemWithResult(database, result);
   }
   synchroniseFolder(file.parent_path());
@@ -149,12 +86,29 @@ std::optional<StoreProblem> problemWithResult(const Database& database, int resu
     case SQLITE_LOCKED:
     case SQLITE_PROTOCOL:
       return StoreProblem{Kind::busy, reason};
+    case newerTables:
+      return StoreProblem{Kind::newer, "it was written by a newer version of this program"};
     default: {
+      if (result == SQLITE_READONLY_DBMOVED) return StoreProblem{Kind::moved, reason};
       const int error = isLast ? sqlite3_system_errno(database.handle()) : 0;
       return StoreProblem{Kind::failed,
                           error == 0 ? reason : reason + " (" + std::strerror(error) + ")"};
     }
   }
+}
+
+int useRatingsSettings(Database& database) {
+  // EXTRA also waits for the folder. The cache (in KiB) holds the marks of a million entries, and
+  // grows only as they are read.
+  const int result = database.execute("PRAGMA synchronous = EXTRA; PRAGMA cache_size = -32768");
+  if (result != SQLITE_OK || isInLogMode(database)) return result;
+  return database.execute("PRAGMA journal_mode = TRUNCATE");
+}
+
+bool isInLogMode(Database& database) {
+  Statement mode;
+  return mode.prepare(database.handle(), "PRAGMA journal_mode") == SQLITE_OK &&
+         mode.step() == SQLITE_ROW && mode.text(0) == "wal";
 }
 
 std::optional<StoreProblem> openRatingsFile(const std::filesystem::path& file, bool create,
@@ -165,7 +119,7 @@ std::optional<StoreProblem> openRatingsFile(const std::filesystem::path& file, b
   std::error_code error;
   const auto status = std::filesystem::status(file, error);
   if (!create && status.type() == std::filesystem::file_type::not_found) {
-    return StoreProblem{Kind::absent, {}};
+    return StoreProblem{Kind::absent, "there is none yet"};
   }
   if (create && !std::filesystem::exists(status)) {
     if (const auto made = makeFolder(file.parent_path()); !made) {
@@ -183,7 +137,8 @@ std::optional<StoreProblem> openUnwritableRatingsFile(const std::filesystem::pat
                                                       Database& database) {
   // With a log beside the file, the file alone is not the whole truth.
   std::error_code error;
-  const auto logLength = std::filesystem::file_size(withSuffix(file, "-wal"), error);
+  const auto logLength =
+      std::filesystem::file_size(std::filesystem::path(file.native() + "-wal"), error);
   const auto url = platform::URL::fileURLWithPath(file.native());
   if ((!error && logLength > 0) || !url) {
     return StoreProblem{Kind::failed, "its log cannot be read"};
@@ -193,32 +148,19 @@ std::optional<StoreProblem> openUnwritableRatingsFile(const std::filesystem::pat
       result != SQLITE_OK) {
     return problemWithResult(database, result);
   }
-  std::int64_t version = 0;
-  const int result = database.readInteger("PRAGMA user_version", version);
-  if (result == SQLITE_OK && version != static_cast<std::int64_t>(schemaSteps.size())) {
+  auto version = TablesVersion::older;
+  const int result = readTablesVersion(database, version);
+  if (result == SQLITE_OK && version != TablesVersion::ours) {
     return StoreProblem{Kind::failed, "it was written by another version of this program"};
   }
   return problemWithResult(database, result);
 }
 
-Result<std::filesystem::path> setDamagedFileAside(const std::filesystem::path& file,
-                                                  Patience& patience, Database database) {
-  const FolderLock lock(file.parent_path(), patience);
-  if (lock.isHeldByOther()) return Problem{"another program holds its folder"};
-  if (database.hasMoved()) return std::filesystem::path();
-  database.leaveLogOnClose();
-  database.close();
-  const std::filesystem::path name = nameForDamagedFile(file);
-  // The log goes first: left alone beside a new file it would be taken for that file's.
-  std::error_code error;
-  std::filesystem::rename(withSuffix(file, "-wal"), withSuffix(name, "-wal"), error);
-  if (!error || error == std::errc::no_such_file_or_directory) {
-    std::filesystem::rename(file, name, error);
-  }
-  if (error) return Problem{error.message()};
-  std::filesystem::remove(withSuffix(file, "-shm"), error);
-  synchroniseFolder(file.parent_path());
-  return name;
+FolderLock::FolderLock(const std::filesystem::path& folder, Patience& patience)
+    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  do {
+    isHeldByOther_ = ::flock(folder_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  } while (isHeldByOther_ && patience.wait());
 }
 
 }  // namespace desktop

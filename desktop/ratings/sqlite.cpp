@@ -35,6 +35,13 @@ std::string Statement::text(int column) const {
   return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)};
 }
 
+std::string Statement::bytes(int column) const {
+  const void* bytes = sqlite3_column_blob(statement_.get(), column);
+  if (bytes == nullptr) return {};
+  const int length = sqlite3_column_bytes(statement_.get(), column);
+  return {static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
 std::optional<std::int64_t> Statement::integer(int column) const {
   if (sqlite3_column_type(statement_.get(), column) == SQLITE_NULL) return std::nullopt;
   return sqlite3_column_int64(statement_.get(), column);
@@ -53,6 +60,12 @@ int Database::open(const std::string& path, int flags) {
   return result;
 }
 
+int Database::openTemporary() {
+  const int result = open("", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  if (result != SQLITE_OK) return result;
+  return execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA cache_size = -32768");
+}
+
 int Database::execute(const char* sql) {
   return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr);
 }
@@ -66,12 +79,21 @@ int Database::readInteger(const char* sql, std::int64_t& number) {
   return SQLITE_OK;
 }
 
+int Database::copyFrom(Database& other) {
+  sqlite3_backup* copying = sqlite3_backup_init(database_.get(), "main", other.handle(), "main");
+  if (copying == nullptr) return sqlite3_extended_errcode(database_.get());
+  const int result = sqlite3_backup_step(copying, -1);
+  const int finished = sqlite3_backup_finish(copying);
+  return result == SQLITE_DONE ? finished : result;
+}
+
 void Database::leaveLogOnClose() {
   sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }
 
 bool Database::hasMoved() const {
   int moved = 0;
+  if (!database_) return false;
   sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
   return moved != 0;
 }

@@ -29,6 +29,7 @@ class Statement {
 
   // Columns of the row, numbered from 0.
   std::string text(int column) const;
+  std::string bytes(int column) const;
   std::optional<std::int64_t> integer(int column) const;  ///< none for NULL
 
   /// Ends the run, and with it the statement's hold on the file.
@@ -58,6 +59,9 @@ class Database {
  public:
   /// Opens a path (or a file: address with SQLITE_OPEN_URI); result codes are extended ones.
   int open(const std::string& path, int flags);
+  /// Opens a database that lies in memory, and on the disk as far as it grows large; it is gone
+  /// once it is closed.
+  int openTemporary();
   void close() { database_.reset(); }
 
   sqlite3* handle() const { return database_.get(); }
@@ -68,6 +72,9 @@ class Database {
 
   /// The first number that a query answers; a result code in its place when there is none.
   int readInteger(const char* sql, std::int64_t& number);
+
+  /// Makes this database the same as another one is at one moment, which is held meanwhile.
+  int copyFrom(Database& other);
 
   /// Closing leaves the write-ahead log as it is, even for the last connection.
   void leaveLogOnClose();

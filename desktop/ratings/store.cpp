@@ -1,12 +1,9 @@
 #include "desktop/ratings/store.h"
 
-#include <QtCore/QByteArray>
-#include <QtCore/QCryptographicHash>
-#include <algorithm>
 #include <ctime>
 
 #include "desktop/files/user_folders.h"
-#include "platform/foundation/text.h"
+#include "desktop/ratings/mending.h"
 
 namespace desktop {
 
@@ -14,198 +11,40 @@ namespace {
 
 using Kind = StoreProblem::Kind;
 
-constexpr const char* readMarks =
-    "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE digest = ?1";
-
-// A mark that is not given stays; an entry that has all given marks already is not written.
-constexpr const char* writeMarks =
-    "INSERT INTO marks (digest, rating, rating_changed, loved, loved_changed)"
-    " VALUES (?1, ?2, ?3, ?4, ?5)"
-    " ON CONFLICT (digest) DO UPDATE SET"
-    "  rating = coalesce(excluded.rating, rating),"
-    "  rating_changed = coalesce(excluded.rating_changed, rating_changed),"
-    "  loved = coalesce(excluded.loved, loved),"
-    "  loved_changed = coalesce(excluded.loved_changed, loved_changed)"
-    " WHERE rating IS NOT coalesce(excluded.rating, rating)"
-    "    OR loved IS NOT coalesce(excluded.loved, loved)";
-
-constexpr const char* writeNames =
-    "INSERT OR REPLACE INTO names"
-    " (digest, kind, address, artist, album, album_artist, title, length)"
-    " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
-
-constexpr const char* readAll =
-    "SELECT kind, address, artist, album, album_artist, title, length,"
-    "       rating, rating_changed, loved, loved_changed"
-    " FROM names JOIN marks USING (digest)"
-    " ORDER BY kind, artist, album_artist, album, title, address, length, digest";
-
-int limitedRating(std::int64_t rating) {
-  return static_cast<int>(std::clamp<std::int64_t>(rating, 0, 100));
-}
-
-std::optional<std::string> keyOf(const RatingsRecord& record) {
-  return record.kind == RatingsRecord::Kind::track ? trackKey(record.identity)
-                                                   : albumKey(record.identity);
-}
-
-/// Sixteen bytes that stand for a key: among a million of them, two are the same once in 10^26.
-std::string digestOf(const std::string& key) {
-  const QByteArrayView bytes(key.data(), static_cast<qsizetype>(key.size()));
-  return QCryptographicHash::hash(bytes, QCryptographicHash::Blake2b_160).first(16).toStdString();
-}
-
-/// What a player tells, as entries keep it: well-formed texts, whole seconds, and only what the
-/// key can be made from again.
-TrackIdentity storedIdentity(RatingsRecord::Kind kind, const TrackIdentity& told) {
-  using platform::repairedUTF8;
-  if (kind == RatingsRecord::Kind::album) {
-    return {.album = repairedUTF8(told.album),
-            .albumArtist = repairedUTF8(told.albumArtist.empty() ? told.artist : told.albumArtist)};
-  }
-  return {.address = repairedUTF8(lastingAddress(told).value_or("")),
-          .artist = repairedUTF8(told.artist),
-          .album = repairedUTF8(told.album),
-          .albumArtist = repairedUTF8(told.albumArtist),
-          .title = repairedUTF8(told.title),
-          .length = static_cast<double>(wholeSeconds(told.length))};
-}
-
-/// The marks, and when each was set, in four columns from one on.
-void readMarksFromRow(const Statement& row, int column, RatingsRecord& record) {
-  if (const auto rating = row.integer(column)) record.marks.rating = limitedRating(*rating);
-  record.ratingChanged = row.integer(column + 1).value_or(0);
-  if (const auto loved = row.integer(column + 2)) record.marks.loved = *loved != 0;
-  record.lovedChanged = row.integer(column + 3).value_or(0);
-}
-
-RatingsRecord recordFromRow(const Statement& row) {
-  RatingsRecord record;
-  record.kind = row.integer(0) == 1 ? RatingsRecord::Kind::album : RatingsRecord::Kind::track;
-  record.identity = {.address = row.text(1),
-                     .artist = row.text(2),
-                     .album = row.text(3),
-                     .albumArtist = row.text(4),
-                     .title = row.text(5),
-                     .length = static_cast<double>(row.integer(6).value_or(0))};
-  readMarksFromRow(row, 7, record);
-  return record;
-}
-
-/// The marks of an entry that the store should take over from it: those that it lacks, and those
-/// that differ and were set later.
-RatingsRecord news(const RatingsRecord& offered, const RatingsRecord& stored) {
-  RatingsRecord result = offered;
-  if (stored.marks.rating && (offered.marks.rating == stored.marks.rating ||
-                              offered.ratingChanged <= stored.ratingChanged)) {
-    result.marks.rating.reset();
-  }
-  if (stored.marks.loved &&
-      (offered.marks.loved == stored.marks.loved || offered.lovedChanged <= stored.lovedChanged)) {
-    result.marks.loved.reset();
-  }
-  return result;
+std::string counted(std::int64_t number, const char* one, const char* several) {
+  return std::to_string(number) + (number == 1 ? one : several);
 }
 
 }  // namespace
 
-/// The open file with its statements, which must be gone before it is closed. Operations answer
-/// SQLITE_OK, or why they failed.
+/// The open file with its statements, which must be gone before it is closed.
 struct RatingsStore::Connection {
   Database database;
-  Statement readingMarks;
-  Statement writingMarks;
-  Statement writingNames;
-  bool isUnwritable = false;
-
-  int prepare() {
-    sqlite3* handle = database.handle();
-    int result = readingMarks.prepare(handle, readMarks);
-    if (result == SQLITE_OK) result = writingMarks.prepare(handle, writeMarks);
-    if (result == SQLITE_OK) result = writingNames.prepare(handle, writeNames);
-    return result;
-  }
-
-  /// The marks of a key; the record stays as it is when it has none.
-  int read(const std::string& key, RatingsRecord& record) {
-    const std::string digest = digestOf(key);
-    const StatementRun run(readingMarks);
-    readingMarks.bindBytes(1, digest);
-    const int result = readingMarks.step();
-    if (result == SQLITE_ROW) readMarksFromRow(readingMarks, 0, record);
-    return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
-  }
-
-  /// Within a transaction.
-  int write(const std::string& key, const RatingsRecord& record) {
-    const std::string digest = digestOf(key);
-    const int result = writeMarksOf(digest, record);
-    // What was not changed was written with its names before.
-    if (result != SQLITE_OK || sqlite3_changes(database.handle()) == 0) return result;
-    return writeNamesOf(digest, record);
-  }
-
-  int writeMarksOf(const std::string& digest, const RatingsRecord& record) {
-    const StatementRun run(writingMarks);
-    const Marks& marks = record.marks;
-    writingMarks.bindBytes(1, digest);
-    if (marks.rating) {
-      writingMarks.bind(2, limitedRating(*marks.rating));
-      writingMarks.bind(3, record.ratingChanged);
-    }
-    if (marks.loved) {
-      writingMarks.bind(4, *marks.loved ? 1 : 0);
-      writingMarks.bind(5, record.lovedChanged);
-    }
-    return resultOfWriting(writingMarks);
-  }
-
-  int writeNamesOf(const std::string& digest, const RatingsRecord& record) {
-    const StatementRun run(writingNames);
-    const TrackIdentity identity = storedIdentity(record.kind, record.identity);
-    writingNames.bindBytes(1, digest);
-    writingNames.bind(2, record.kind == RatingsRecord::Kind::album ? 1 : 0);
-    writingNames.bind(3, identity.address);
-    writingNames.bind(4, identity.artist);
-    writingNames.bind(5, identity.album);
-    writingNames.bind(6, identity.albumArtist);
-    writingNames.bind(7, identity.title);
-    writingNames.bind(8, static_cast<std::int64_t>(identity.length));
-    return resultOfWriting(writingNames);
-  }
-
-  static int resultOfWriting(Statement& statement) {
-    const int result = statement.step();
-    return result == SQLITE_DONE ? SQLITE_OK : result;
-  }
-
-  /// Within a transaction.
-  int merge(const std::string& key, const RatingsRecord& offered, MergeCounts& counts) {
-    RatingsRecord stored;
-    if (const int result = read(key, stored); result != SQLITE_OK) return result;
-    const RatingsRecord taken = news(offered, stored);
-    if (taken.marks == Marks{}) {
-      ++counts.unchanged;
-      return SQLITE_OK;
-    }
-    ++(stored.marks == Marks{} ? counts.added : counts.changed);
-    return write(key, taken);
-  }
+  Entries entries;
+  /// Nobody can write the file, so that changes would go unnoticed, or it is in write-ahead mode,
+  /// which it can leave only while few have it open.
+  bool isForOneRequest = false;
 };
 
 RatingsStore::RatingsStore(std::filesystem::path file, std::ostream& messages)
     : file_(std::move(file)), messages_(messages) {}
 
-RatingsStore::~RatingsStore() = default;
+RatingsStore::~RatingsStore() {
+  if (connection_) connect(Access::read);  // carries over what lies in a file that was moved
+}
 
 std::filesystem::path RatingsStore::defaultFile() {
   const std::filesystem::path folder = userDataFolder();
   return folder.empty() ? folder : folder / "virelune-widget" / "ratings.sqlite";
 }
 
-Marks RatingsStore::trackMarks(const TrackIdentity& track) { return marks(trackKey(track)); }
+Marks RatingsStore::trackMarks(const TrackIdentity& track) {
+  return marks(digestOf({RatingsRecord::Kind::track, track}));
+}
 
-Marks RatingsStore::albumMarks(const TrackIdentity& track) { return marks(albumKey(track)); }
+Marks RatingsStore::albumMarks(const TrackIdentity& track) {
+  return marks(digestOf({RatingsRecord::Kind::album, track}));
+}
 
 bool RatingsStore::setTrackRating(const TrackIdentity& track, int rating) {
   return set({RatingsRecord::Kind::track, track, {.rating = rating}});
@@ -223,121 +62,218 @@ bool RatingsStore::setAlbumLoved(const TrackIdentity& track, bool loved) {
   return set({RatingsRecord::Kind::album, track, {.loved = loved}});
 }
 
-bool RatingsStore::forEach(const std::function<void(const RatingsRecord&)>& visit) {
-  return perform(Access::read, [&](Connection& connection) {
-    Statement all;
-    int result = all.prepare(connection.database.handle(), readAll);
-    if (result != SQLITE_OK) return result;
-    while ((result = all.step()) == SQLITE_ROW) visit(recordFromRow(all));
-    return result == SQLITE_DONE ? SQLITE_OK : result;
+std::optional<StoreProblem> RatingsStore::copyTo(EntryCollection& copy) {
+  auto problem = perform(Access::copy, [&](Connection& connection) {
+    auto version = TablesVersion::older;
+    int result = readTablesVersion(connection.database, version);
+    if (result == SQLITE_OK && version == TablesVersion::newer) result = newerTables;
+    if (result == SQLITE_OK) result = copy.copyFrom(connection.database);
+    return result == SQLITE_OK ? copy.check() : result;
   });
+  if (problem) problem->text = textOf(*problem);
+  return problem;
 }
 
-std::optional<RatingsStore::MergeCounts> RatingsStore::merge(
-    std::span<const RatingsRecord> records) {
+Result<MergeCounts> RatingsStore::merge(EntryCollection& offered) {
   MergeCounts counts;
-  const bool merged = performInTransaction([&](Connection& connection) {
+  const auto problem = performInTransaction([&](Connection& connection) {
     counts = {};
-    for (const RatingsRecord& record : records) {
-      const auto key = keyOf(record);
-      if (!key) {
-        ++counts.unchanged;
-        continue;
-      }
-      const int result = connection.merge(*key, record, counts);
-      if (result != SQLITE_OK) return result;
-    }
-    return SQLITE_OK;
+    return connection.entries.mergeAll(offered.database, counts);
   });
-  return merged ? std::optional(counts) : std::nullopt;
+  if (problem) return Problem{textOf(*problem)};
+  return counts;
 }
 
-Marks RatingsStore::marks(const std::optional<std::string>& key) {
+Marks RatingsStore::marks(const std::optional<std::string>& digest) {
   RatingsRecord record;
-  if (key) {
-    perform(Access::read, [&](Connection& connection) { return connection.read(*key, record); });
-  }
+  if (!digest) return {};
+  const auto problem = perform(Access::read, [&](Connection& connection) {
+    return connection.entries.readMarks(*digest, record);
+  });
+  if (problem && problem->kind != Kind::absent) tell(problem->kind, textOf(*problem));
   return record.marks;
 }
 
 bool RatingsStore::set(const RatingsRecord& record) {
-  const auto key = keyOf(record);
-  if (!key) return false;
+  const auto digest = digestOf(record);
+  if (!digest) return false;
   RatingsRecord dated = record;
   dated.ratingChanged = dated.lovedChanged = static_cast<std::int64_t>(std::time(nullptr));
-  return performInTransaction(
-      [&](Connection& connection) { return connection.write(*key, dated); });
+  const auto problem = performInTransaction(
+      [&](Connection& connection) { return connection.entries.set(*digest, dated); });
+  if (problem) tell(problem->kind, textOf(*problem));
+  if (!problem) told_.clear();
+  return !problem;
 }
 
-bool RatingsStore::performInTransaction(const Work& work) {
-  return perform(Access::write, [&](Connection& connection) {
-    Transaction transaction(connection.database);
-    if (transaction.begun() != SQLITE_OK) return transaction.begun();
-    const int result = work(connection);
-    return result == SQLITE_OK ? transaction.commit() : result;
-  });
+RatingsStore::Outcome RatingsStore::performInTransaction(const Work& work) {
+  return perform(Access::write,
+                 [&](Connection& connection) { return inTransaction(connection, work); });
 }
 
-bool RatingsStore::perform(Access access, const Work& work) {
-  // A second trial, with a new file, when the first one finds the file damaged.
-  for (int trial = 0; trial < 2; ++trial) {
-    auto problem = connect(access);
-    const bool connected = !problem;
-    if (connected) problem = problemWithResult(connection_->database, work(*connection_));
-    if (!problem) {
-      if (connection_->isUnwritable) connection_.reset();
-      if (access == Access::write) told_.clear();
-      return true;
+int RatingsStore::inTransaction(Connection& connection, const Work& work) {
+  Transaction transaction(connection.database);
+  if (transaction.begun() != SQLITE_OK) return transaction.begun();
+  auto version = TablesVersion::older;
+  int result = readTablesVersion(connection.database, version);
+  if (result == SQLITE_OK && version == TablesVersion::newer) result = newerTables;
+  if (result == SQLITE_OK) result = work(connection);
+  return result == SQLITE_OK ? transaction.commit() : result;
+}
+
+RatingsStore::Outcome RatingsStore::perform(Access access, const Work& work) {
+  Outcome problem;
+  // Another trial when the file is found to be damaged, or was moved meanwhile.
+  for (int trial = 0; trial < 3; ++trial) {
+    problem = connect(access);
+    const bool isConnected = !problem;
+    if (isConnected) {
+      // A file that was copied over this one may count as many changes, which is all that the
+      // database compares its memory with.
+      sqlite3_db_release_memory(connection_->database.handle());
+      problem = problemWithResult(connection_->database, work(*connection_));
+      // What was written went with the file: it is written again in the place of that.
+      const bool isGone = access == Access::write && connection_->database.hasMoved();
+      if (isGone && (!problem || problem->kind == Kind::moved)) continue;
+      auto version = TablesVersion::older;
+      if (problem && readTablesVersion(connection_->database, version) == SQLITE_OK &&
+          version == TablesVersion::newer) {
+        problem = problemWithResult(connection_->database, newerTables);
+      }
     }
-    if (problem->kind == Kind::damaged && setAside(*problem)) continue;
+    if (!problem) {
+      if (connection_->isForOneRequest) letGo();
+      return problem;
+    }
+    if (problem->kind == Kind::damaged && access != Access::copy && mend(*problem)) continue;
     // The cause may pass; the next request begins afresh.
-    if (!connected || problem->kind != Kind::busy) connection_.reset();
-    if (problem->kind == Kind::absent) return true;
-    tell(problem->kind,
-         "cannot use the ratings store: " + problem->text + " (" + file_.native() + ")");
-    return false;
+    if (!isConnected || problem->kind != Kind::busy) letGo();
+    return problem;
   }
-  return false;
+  return problem;
 }
 
-std::optional<StoreProblem> RatingsStore::connect(Access access) {
-  if (connection_ && !connection_->database.hasMoved()) return std::nullopt;
+RatingsStore::Outcome RatingsStore::connect(Access access) {
+  if (connection_ == nullptr) return open(access);
+  if (!connection_->database.hasMoved()) return std::nullopt;
+  return follow(std::move(connection_), access);
+}
+
+RatingsStore::Outcome RatingsStore::open(Access access) {
+  std::filesystem::path strayLog;
+  if (access == Access::write) {
+    const auto kept = keepStrayLog(file_, patience_);
+    if (!kept) return StoreProblem{Kind::failed, kept.problem().text};
+    strayLog = *kept;
+  }
   connection_ = std::make_unique<Connection>();
   auto problem = openRatingsFile(file_, access == Access::write, patience_, connection_->database);
-  if (problem && problem->kind == Kind::failed && access == Access::read) {
+  if (problem && problem->kind == Kind::failed && access != Access::write) {
     auto unwritable = std::make_unique<Connection>();
-    unwritable->isUnwritable = true;
     if (!openUnwritableRatingsFile(file_, unwritable->database)) {
+      unwritable->isForOneRequest = true;
       connection_ = std::move(unwritable);
       problem.reset();
     }
   }
-  if (problem) return problem;
-  const int result = connection_->prepare();
-  problem = problemWithResult(connection_->database, result);
-  // Statements that make no sense to it: tables of ours are missing.
-  if ((result & 0xFF) == SQLITE_ERROR) problem->kind = Kind::damaged;
+  if (!problem) {
+    const int result = connection_->entries.prepare(connection_->database);
+    problem = problemWithResult(connection_->database, result);
+    // Statements that make no sense to it: tables of ours are missing.
+    if ((result & 0xFF) == SQLITE_ERROR) {
+      auto version = TablesVersion::older;
+      readTablesVersion(connection_->database, version);
+      problem->kind = version == TablesVersion::newer ? Kind::newer : Kind::damaged;
+    }
+    if (isInLogMode(connection_->database)) connection_->isForOneRequest = true;
+  }
+  if (!strayLog.empty()) takeStrayLog(strayLog);
   return problem;
 }
 
-bool RatingsStore::setAside(const StoreProblem& problem) {
+/// Goes on in what lies under the name now, with all that the file has that was there before; this
+/// is kept, and read from, until that could be done.
+RatingsStore::Outcome RatingsStore::follow(std::unique_ptr<Connection> moved, Access access) {
+  Outcome problem;
+  for (int trial = 0; trial < 2; ++trial) {
+    problem = open(Access::write);
+    if (!problem) problem = carryOver(*moved);
+    if (!problem || problem->kind != Kind::damaged || !mend(*problem)) break;
+  }
+  if (!problem) return std::nullopt;
+  connection_ = std::move(moved);
+  return access == Access::read ? std::nullopt : problem;
+}
+
+RatingsStore::Outcome RatingsStore::carryOver(Connection& moved) {
+  MergeCounts counts;
+  const int result = inTransaction(*connection_, [&](Connection& connection) {
+    int merged = connection.entries.mergeAll(moved.database, counts);
+    const auto problem = problemWithResult(moved.database, merged);
+    if (problem && problem->kind == Kind::damaged) {
+      PageCounts pages;
+      const RescueSource source = rescueSourceFromDatabase(moved.database);
+      merged = rescueInto(connection.entries, source, nullptr, counts, pages);
+    }
+    return merged;
+  });
+  const auto problem = problemWithResult(connection_->database, result);
+  if (!problem && counts.added + counts.changed > 0) {
+    say("the ratings store was moved or replaced while it was open; " +
+        counted(counts.added + counts.changed, " entry was", " entries were") +
+        " carried over into " + file_.native());
+  }
+  return problem;
+}
+
+void RatingsStore::takeStrayLog(const std::filesystem::path& log) {
+  MergeCounts counts;
+  const auto source = rescueSourceFromFile(log);
+  const bool isTaken = source && connection_ && connection_->database &&
+                       inTransaction(*connection_, [&](Connection& connection) {
+                         PageCounts pages;
+                         return rescueInto(connection.entries, *source, nullptr, counts, pages);
+                       }) == SQLITE_OK;
+  say("the log of a ratings store that is missing is kept as " + log.native() + "; " +
+      (isTaken ? counted(counts.added, " entry was", " entries were") + " carried over"
+               : "its entries can be taken over with --import-ratings"));
+}
+
+/// True when a sound file lies under the name afterwards.
+bool RatingsStore::mend(const StoreProblem& damage) {
   Database damaged = std::move(connection_->database);
   connection_.reset();
-  const auto name = setDamagedFileAside(file_, patience_, std::move(damaged));
-  if (!name) {
-    tell(Kind::damaged, "cannot rename the damaged ratings store: " + name.problem().text + " (" +
+  const auto mended = mendRatingsFile(file_, patience_, std::move(damaged));
+  if (!mended) {
+    tell(Kind::damaged, "the ratings store is damaged (" + damage.text +
+                            ") and cannot be mended: " + mended.problem().text + " (" +
                             file_.native() + ")");
     return false;
   }
-  if (!name->empty()) {
-    tell(Kind::damaged, "the ratings store was damaged (" + problem.text + "); it is kept as " +
-                            name->native() + " and a new one begins");
+  if (!mended->kept.empty()) {
+    say("the ratings store was damaged (" + damage.text + "); it is kept as " +
+        mended->kept.native() + ", " + counted(mended->entries, " entry was", " entries were") +
+        " carried over, " + std::to_string(mended->pages.unreadable) + " of its " +
+        counted(mended->pages.all, " page", " pages") + " could not be read");
   }
   return true;
 }
 
+/// Closes the file, unless it was moved and holds what is not carried over yet.
+void RatingsStore::letGo() {
+  if (connection_ && !connection_->database.hasMoved()) connection_.reset();
+}
+
+std::string RatingsStore::textOf(const StoreProblem& problem) const {
+  const std::string place = file_.empty() ? "" : " (" + file_.native() + ")";
+  return "cannot use the ratings store: " + problem.text + place;
+}
+
 void RatingsStore::tell(Kind kind, const std::string& message) {
-  if (!told_.insert(kind).second) return;
+  if (told_.insert(kind).second) say(message);
+}
+
+void RatingsStore::say(const std::string& message) {
   messages_ << "virelune-widget: " << message << std::endl;
 }
 

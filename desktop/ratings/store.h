@@ -9,45 +9,27 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <span>
 #include <string>
 
+#include "desktop/ratings/entries.h"
 #include "desktop/ratings/file.h"
-#include "desktop/ratings/identity.h"
+#include "desktop/result.h"
 
 namespace desktop {
 
-/// What the user has set for a track or an album.
-struct Marks {
-  std::optional<int> rating =
-      std::nullopt;  ///< 0 to 100; none when never set, 0 when set to no stars
-  std::optional<bool> loved = std::nullopt;  ///< none when never set
-  bool operator==(const Marks&) const = default;
-};
-
-/// One entry of the store. An album's identity has only the album artist and the album.
-struct RatingsRecord {
-  enum class Kind { track, album };
-  Kind kind = Kind::track;
-  TrackIdentity identity;
-  Marks marks;
-  // When each mark was set, in seconds since 1970-01-01 00:00:00 UTC; 0 when unknown.
-  std::int64_t ratingChanged = 0;
-  std::int64_t lovedChanged = 0;
-  bool operator==(const RatingsRecord&) const = default;
-};
-
 /// The ratings store. Main thread only; several processes may use one file at once.
 ///
-/// A write that answers true is on the disk: each is one commit in write-ahead mode with full
-/// synchronisation, which neither the end of the process nor a power cut undoes. A write that
-/// cannot be done answers false and changes nothing; the reason is told once until one is done.
-/// Waiting for another process takes at most 0.4 seconds in any five. Nothing read is kept: each
-/// question asks the file. The file is opened at the first use and found again when it was moved
-/// away.
+/// A write that answers true is on the disk: each is one commit with full synchronisation, which
+/// neither the end of the process nor a power cut undoes. A write that cannot be done answers false
+/// and changes nothing; the reason is told once until one is done. Waiting for another process
+/// takes at most 0.4 seconds in any five. Nothing read is kept: each question asks the file, which
+/// is opened at the first use.
 ///
-/// A damaged file is renamed to ratings-damaged-<date>.sqlite and a new one begins. A file of a
-/// newer version of the program is neither read nor written.
+/// When the file is moved, replaced or deleted meanwhile, all its entries are merged into what lies
+/// under the name then; until that can be done they are read from where they are. The readable
+/// entries of a damaged file are carried over into a new one, and it is kept as
+/// ratings-damaged-<date>.sqlite. A file of a newer version of the program is read as far as that
+/// goes and never written.
 class RatingsStore {
  public:
   /// The file is created by the first write, its folder too.
@@ -70,33 +52,37 @@ class RatingsStore {
   bool setAlbumRating(const TrackIdentity& track, int rating);
   bool setAlbumLoved(const TrackIdentity& track, bool loved);
 
-  /// Hands out every entry, in a stable order; false when the store cannot be read. A store that
-  /// does not exist yet is empty.
-  bool forEach(const std::function<void(const RatingsRecord&)>& visit);
+  /// Copies every entry out, as they are at one moment. Tells nothing, mends nothing and makes no
+  /// file: a store that is missing, damaged or of a newer version is a problem.
+  std::optional<StoreProblem> copyTo(EntryCollection& copy);
 
-  struct MergeCounts {
-    std::int64_t added = 0;
-    std::int64_t changed = 0;
-    std::int64_t unchanged = 0;
-  };
-  /// Takes entries over in one commit: a mark that only one side has is kept, and of two that
-  /// differ the one that was set later (the store's when neither is). Entries that cannot be
-  /// recognised again are passed over as unchanged. None, and nothing changed, when the store
-  /// cannot be written.
-  std::optional<MergeCounts> merge(std::span<const RatingsRecord> records);
+  /// Takes entries over in one commit: a mark that only one side has is kept, and of two the one
+  /// that was set later (the store's when neither is).
+  Result<MergeCounts> merge(EntryCollection& offered);
+
+  const std::filesystem::path& file() const { return file_; }
 
  private:
   struct Connection;
-  enum class Access { read, write };
+  enum class Access { copy, read, write };
   using Work = std::function<int(Connection&)>;  ///< answers a result code of the database
+  using Outcome = std::optional<StoreProblem>;   ///< none when all is well
 
-  Marks marks(const std::optional<std::string>& key);
+  Marks marks(const std::optional<std::string>& digest);
   bool set(const RatingsRecord& record);
-  bool perform(Access access, const Work& work);
-  bool performInTransaction(const Work& work);
-  std::optional<StoreProblem> connect(Access access);
-  bool setAside(const StoreProblem& problem);
+  Outcome perform(Access access, const Work& work);
+  Outcome performInTransaction(const Work& work);
+  static int inTransaction(Connection& connection, const Work& work);
+  Outcome connect(Access access);
+  Outcome open(Access access);
+  Outcome follow(std::unique_ptr<Connection> moved, Access access);
+  Outcome carryOver(Connection& moved);
+  void takeStrayLog(const std::filesystem::path& log);
+  bool mend(const StoreProblem& damage);
+  void letGo();
+  std::string textOf(const StoreProblem& problem) const;
   void tell(StoreProblem::Kind kind, const std::string& message);
+  void say(const std::string& message);
 
   std::filesystem::path file_;
   std::ostream& messages_;

@@ -110,11 +110,18 @@ std::optional<Data> dataWithContentsOfFile(const std::string& path, std::uintmax
 }
 
 bool writeToFileAtomically(const std::string& path, std::string_view contents) {
+  return writeToFileAtomically(path, [&](const FileSink& sink) { return sink(contents); });
+}
+
+bool writeToFileAtomically(const std::string& path,
+                           const std::function<bool(const FileSink& sink)>& fill) {
   std::string temporary;
   File file = makeFileBeside(path, temporary);
   if (!file) return false;
   const bool isWritten =
-      std::fwrite(contents.data(), 1, contents.size(), file.get()) == contents.size() &&
+      fill([&file](std::string_view piece) {
+        return std::fwrite(piece.data(), 1, piece.size(), file.get()) == piece.size();
+      }) &&
       std::fflush(file.get()) == 0 && ::fsync(::fileno(file.get())) == 0 &&
       ::rename(temporary.c_str(), path.c_str()) == 0;
   if (isWritten) return true;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,5 +41,12 @@ std::optional<Data> dataWithContentsOfFile(const std::string& path, std::uintmax
 /// is replaced and its permissions stay. False, with errno telling why and nothing left behind,
 /// when it cannot be done.
 bool writeToFileAtomically(const std::string& path, std::string_view contents);
+
+/// Takes the next piece of a file; false, with errno telling why, when it cannot be written.
+using FileSink = std::function<bool(std::string_view piece)>;
+
+/// The same with contents that come in pieces, which `fill` hands over; false also when it does so.
+bool writeToFileAtomically(const std::string& path,
+                           const std::function<bool(const FileSink& sink)>& fill);
 
 }  // namespace platform

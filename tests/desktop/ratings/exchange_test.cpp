@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
+#include "desktop/files/file_descriptor.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {
@@ -27,7 +31,18 @@ class RatingsExchange : public testing::Test {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
   }
 
+  static std::string contents(const std::string& name) {
+    std::ifstream stream(name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  }
+  void inStore(const char* sql) const {
+    Database database;
+    ASSERT_EQ(database.open(storeFile, SQLITE_OPEN_READWRITE), SQLITE_OK);
+    ASSERT_EQ(database.execute(sql), SQLITE_OK);
+  }
+
   tests::TemporaryFolder folder;
+  const std::string storeFile = folder.path() / "one.sqlite";
   const std::string file = folder.path() / "ratings.jsonl";
   RatingsStore store{folder.path() / "one.sqlite"};
   RatingsStore other{folder.path() / "two.sqlite"};
@@ -95,10 +110,74 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
 }
 
 TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
+  store.setTrackRating({.title = "a"}, 20);
   const std::string missing = folder.path() / "none/ratings.jsonl";
   for (const auto& result : {importRatings(store, missing), exportRatings(store, missing)}) {
     ASSERT_FALSE(result);
     EXPECT_TRUE(result.problem().text.ends_with(missing + ": No such file or directory"));
+  }
+}
+
+TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
+  std::ofstream(file) << "last";
+  const auto files = [this] {
+    return std::distance(std::filesystem::directory_iterator(folder.path()), {});
+  };
+  const auto expectRefusal = [&](const char* why) {
+    const auto before = files();
+    for (const auto& result : {exportRatings(store, file), exportRatings(store, "-")}) {
+      ASSERT_FALSE(result) << why;
+      EXPECT_NE(result.problem().text.find(why), std::string::npos) << result.problem().text;
+      EXPECT_EQ(result.problem().text.find('\n'), std::string::npos);
+    }
+    EXPECT_EQ(contents(file), "last");
+    RatingsStore nowhere("");
+    EXPECT_FALSE(exportRatings(nowhere, file));
+    EXPECT_EQ(files(), before);
+  };
+  expectRefusal("there is none yet");
+  std::string many;
+  for (int i = 0; i < 1000; ++i) {
+    many += R"({"kind":"track","rating":20,"title":")" + std::to_string(i) + "\"}\n";
+  }
+  ASSERT_TRUE(import(store, many));
+  std::ofstream(file) << "last";
+  inStore("PRAGMA user_version = 1000");
+  expectRefusal("newer version");
+  inStore("PRAGMA user_version = 1");
+  std::fstream(storeFile, std::ios::in | std::ios::out | std::ios::binary).seekp(4 * 4096)
+      << std::string(4096, '\0');
+  const std::string damaged = contents(storeFile);
+  expectRefusal("malformed");
+
+  const auto report = salvageRatings(store, file);
+  ASSERT_TRUE(report) << report.problem().text;
+  EXPECT_NE(report->find("; 1 of "), std::string::npos) << *report;
+  const std::string lines = contents(file);
+  const auto saved = std::count(lines.begin(), lines.end(), '\n');
+  EXPECT_TRUE(saved > 800 && saved < 1000) << saved;
+  EXPECT_EQ(contents(storeFile), damaged);
+  const auto imported = importRatings(other, storeFile);
+  ASSERT_TRUE(imported) << imported.problem().text;
+  EXPECT_NE(imported->find(" added, 0 changed, 0 unchanged; 1 of "), std::string::npos);
+  // Marks whose names are lost are found again when their track is played.
+  int found = 0;
+  for (int i = 0; i < 1000; ++i)
+    found += other.trackMarks({.title = std::to_string(i)}).rating == 20;
+  EXPECT_GE(found, saved);
+}
+
+TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStands) {
+  store.setTrackRating({.title = "a"}, 20);
+  const std::string line = exported(store);
+  const FileDescriptor before(::dup(STDOUT_FILENO));
+  for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+    const FileDescriptor opened(::open(file.c_str(), O_WRONLY | O_TRUNC));
+    ASSERT_EQ(::write(opened.get(), "first\n", 6), 6);
+    ::dup2(opened.get(), STDOUT_FILENO);
+    EXPECT_TRUE(exportRatings(store, name));
+    ::dup2(before.get(), STDOUT_FILENO);
+    EXPECT_EQ(contents(file), "first\n" + line) << name;
   }
 }
 

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "desktop/files/file_descriptor.h"
-#include "desktop/ratings/sqlite.h"
+#include "desktop/ratings/mending.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {
@@ -28,6 +28,14 @@ const TrackIdentity song{
 std::string contents(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::unique_ptr<EntryCollection> collected(const std::vector<RatingsRecord>& records) {
+  auto collection = std::make_unique<EntryCollection>();
+  MergeCounts counts;
+  EXPECT_EQ(collection->makeEmpty(), SQLITE_OK);
+  for (const RatingsRecord& each : records) collection->add(each, counts);
+  return collection;
 }
 
 class RatingsStoreTest : public testing::Test {
@@ -70,16 +78,11 @@ TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
     EXPECT_TRUE(store.setAlbumRating(song, -5));
     EXPECT_FALSE(store.setTrackRating({.artist = "A"}, 20)) << "cannot be recognised again";
   }
-  EXPECT_FALSE(fs::exists(file.native() + "-wal")) << "one file is all there is to back up";
   RatingsStore one(file, messages), other(file, messages);
   EXPECT_EQ(one.trackMarks(song), (Marks{.rating = 100}));
   EXPECT_EQ(other.albumMarks(song), (Marks{.rating = 0, .loved = true}));
   EXPECT_TRUE(one.setTrackLoved(song, false));
   EXPECT_EQ(other.trackMarks(song), (Marks{.rating = 100, .loved = false}));
-  fs::remove_all(file.parent_path());
-  EXPECT_EQ(one.trackMarks(song), Marks{}) << "the store was removed";
-  EXPECT_TRUE(one.setTrackRating(song, 40));
-  EXPECT_EQ(other.trackMarks(song).rating, 40) << "the other one found the new store";
   EXPECT_EQ(messages.str(), "");
 }
 
@@ -87,11 +90,14 @@ TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDate) {
   const std::int64_t before = std::time(nullptr);
   RatingsStore store(file, messages);
   store.setTrackLoved(song, true);
-  store.forEach([&](const RatingsRecord& record) {
+  EntryCollection copy;
+  EXPECT_FALSE(store.copyTo(copy));
+  copy.entries.forEach([&](const RatingsRecord& record) {
     EXPECT_GE(record.lovedChanged, before);
     EXPECT_LE(record.lovedChanged, std::time(nullptr));
     EXPECT_EQ(record.ratingChanged, 0) << "no rating was set";
     EXPECT_EQ(record.identity.title, song.title);
+    return true;
   });
   Database database;
   Patience patience;
@@ -108,9 +114,9 @@ TEST_F(RatingsStoreTest, AnImportThatFailsInTheMiddleChangesNothing) {
   inDatabase(
       "CREATE TRIGGER refuse BEFORE INSERT ON marks WHEN new.rating = 13"
       " BEGIN SELECT RAISE(FAIL, 'unlucky'); END");
-  const RatingsRecord records[] = {{.identity = {.title = "first"}, .marks = {.rating = 20}},
-                                   {.identity = {.title = "second"}, .marks = {.rating = 13}}};
-  EXPECT_FALSE(store.merge(records));
+  EXPECT_FALSE(
+      store.merge(*collected({{.identity = {.title = "first"}, .marks = {.rating = 20}},
+                              {.identity = {.title = "second"}, .marks = {.rating = 13}}})));
   EXPECT_EQ(store.trackMarks({.title = "first"}), Marks{});
   EXPECT_EQ(store.trackMarks(song).rating, 60);
 }
@@ -126,14 +132,14 @@ TEST_F(RatingsStoreTest, ASoundFileThatTookTheDamagedOnesPlaceStaysAndAHeldFolde
   Database moved = opened();
   fs::rename(file, folder.path() / "aside");
   RatingsStore(file, messages).setTrackRating(song, 80);
-  EXPECT_EQ(*setDamagedFileAside(file, patience, std::move(moved)), fs::path());
+  EXPECT_EQ(mendRatingsFile(file, patience, std::move(moved))->kept, fs::path());
   EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 80);
 
   const FileDescriptor holder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
   ASSERT_EQ(::flock(holder.get(), LOCK_EX | LOCK_NB), 0);
   while (patience.wait()) {
   }
-  EXPECT_FALSE(setDamagedFileAside(file, patience, opened()));
+  EXPECT_FALSE(mendRatingsFile(file, patience, opened()));
   fs::remove(file);
   Database fresh;
   EXPECT_EQ(openRatingsFile(file, true, patience, fresh)->kind, StoreProblem::Kind::busy);
@@ -155,19 +161,155 @@ TEST_F(RatingsStoreTest, MigrationIsAllOrNothingAndKeepsWhatIsThere) {
   EXPECT_EQ(number, 789);
 }
 
-TEST_F(RatingsStoreTest, AStoreOfANewerVersionIsLeftAlone) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
-  inDatabase("PRAGMA user_version = 1000");
-  const std::string before = contents(file);
-  RatingsStore store(file, messages);
-  for (int again = 0; again < 2; ++again) {
-    EXPECT_EQ(store.trackMarks(song), Marks{});
-    EXPECT_FALSE(store.setTrackRating(song, 20));
-    EXPECT_FALSE(store.forEach([](const RatingsRecord&) { FAIL(); }));
+TEST_F(RatingsStoreTest, TheOneFileIsAllThereIsWhileItIsOpen) {
+  RatingsStore store(file, messages), other(file, messages);
+  for (int rating = 0; rating < 20; ++rating) {
+    EXPECT_TRUE((rating % 2 == 0 ? store : other).setTrackRating(song, rating));
+    fs::copy_file(file, folder.path() / "copy", fs::copy_options::overwrite_existing);
+    EXPECT_EQ(RatingsStore(folder.path() / "copy").trackMarks(song).rating, rating);
   }
-  EXPECT_EQ(contents(file), before);
+}
+
+TEST_F(RatingsStoreTest, TheFileIsLeftAndNothingIsLost) {
+  const fs::path backup = folder.path() / "backup", away = folder.path() / "away";
+  const TrackIdentity early{.title = "early"}, late{.title = "late"}, last{.title = "last"};
+  const std::function<void()> changes[] = {
+      [&] { fs::rename(file, away); },
+      [&] { fs::remove(file); },
+      [&] { fs::remove_all(file.parent_path()); },
+      [&] { fs::rename(backup, file); },
+      [&] { fs::rename(file, away), RatingsStore(file, messages).setTrackRating(song, 90); },
+      [&] { fs::rename(file, away), std::ofstream(file) << "no database at all, but some text"; }};
+  for (std::size_t i = 0; i < std::size(changes); ++i) {
+    SCOPED_TRACE(i);
+    fs::remove_all(file.parent_path());
+    messages.str("");
+    RatingsStore(file, messages).setTrackRating(early, 20);
+    fs::copy_file(file, backup, fs::copy_options::overwrite_existing);
+    {
+      RatingsStore store(file, messages), idle(file, messages), clicking(file, messages);
+      EXPECT_TRUE(store.setTrackRating(late, 40));
+      EXPECT_EQ(idle.trackMarks(late).rating, 40);
+      EXPECT_EQ(clicking.trackMarks(late).rating, 40);
+      changes[i]();
+      EXPECT_TRUE(clicking.setTrackRating(last, 60));
+      EXPECT_EQ(store.trackMarks(late).rating, 40);
+      EXPECT_EQ(store.trackMarks(last).rating, 60);
+    }
+    RatingsStore store(file, messages);
+    EXPECT_EQ(store.trackMarks(early).rating, 20);
+    EXPECT_EQ(store.trackMarks(late).rating, 40);
+    EXPECT_EQ(store.trackMarks(last).rating, 60);
+    EXPECT_EQ(store.trackMarks(song).rating, i == 4 ? std::optional(90) : std::nullopt);
+    EXPECT_NE(messages.str().find(i == 3 ? "1 entry was carried" : "2 entries were carried"),
+              std::string::npos)
+        << messages.str();
+  }
+}
+
+TEST_F(RatingsStoreTest, AFileThatWasMovedIsReadUntilItCanBeCarriedOver) {
+  RatingsStore store(file, messages);
+  EXPECT_TRUE(store.setTrackRating(song, 40));
+  fs::rename(file, folder.path() / "away");
+  fs::create_directory(file);
+  for (int again = 0; again < 3; ++again) {
+    EXPECT_EQ(store.trackMarks(song).rating, 40);
+    EXPECT_FALSE(store.setTrackRating(song, 60));
+  }
   EXPECT_EQ(lines(), 1) << messages.str();
-  EXPECT_NE(messages.str().find("newer version"), std::string::npos);
+  fs::remove(file);
+  EXPECT_EQ(store.trackMarks(song).rating, 40);
+  EXPECT_TRUE(store.setTrackRating(song, 60));
+  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 60);
+}
+
+TEST_F(RatingsStoreTest, ContentsCopiedOverTheFileAreSeenByAll) {
+  RatingsStore store(file, messages), other(file, messages);
+  EXPECT_TRUE(store.setTrackRating(song, 40));
+  const std::string backup = contents(file);
+  EXPECT_TRUE(store.setTrackRating(song, 60));
+  EXPECT_EQ(other.trackMarks(song).rating, 60);
+  std::ofstream(file, std::ios::binary) << backup;
+  EXPECT_EQ(other.trackMarks(song).rating, 40);
+  EXPECT_TRUE(other.setTrackLoved(song, true));
+  EXPECT_EQ(store.trackMarks(song), (Marks{.rating = 40, .loved = true}));
+}
+
+TEST_F(RatingsStoreTest, WriteAheadModeIsLeftAsSoonAsNobodyElseHasTheFileOpen) {
+  RatingsStore(file, messages).setTrackRating(song, 20);
+  inDatabase("PRAGMA journal_mode = WAL");
+  Database earlier;  // version of the program
+  ASSERT_EQ(earlier.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
+  ASSERT_EQ(earlier.execute("UPDATE marks SET rating = 30"), SQLITE_OK);
+  RatingsStore store(file, messages), other(file, messages);
+  EXPECT_EQ(store.trackMarks(song).rating, 30);
+  EXPECT_EQ(other.trackMarks(song).rating, 30);
+  EXPECT_TRUE(store.setTrackRating(song, 40));
+  EXPECT_TRUE(fs::exists(file.native() + "-wal"));
+  earlier.close();
+  EXPECT_EQ(store.trackMarks(song).rating, 40);
+  EXPECT_FALSE(fs::exists(file.native() + "-wal"));
+  EXPECT_TRUE(other.setTrackRating(song, 50));
+  EXPECT_EQ(store.trackMarks(song).rating, 50);
+}
+
+TEST_F(RatingsStoreTest, ALogWithoutItsDatabaseIsKeptAndRead) {
+  RatingsStore(file, messages).setTrackRating(song, 20);
+  std::string log;
+  {
+    Database earlier;
+    ASSERT_EQ(earlier.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
+    earlier.execute("PRAGMA journal_mode = WAL; UPDATE marks SET rating = 30");
+    log = contents(file.native() + "-wal");
+  }
+  fs::remove(file);
+  std::ofstream(file.native() + "-wal", std::ios::binary) << log;
+  RatingsStore store(file, messages);
+  EXPECT_TRUE(store.setTrackRating({.title = "other"}, 60));
+  EXPECT_EQ(store.trackMarks(song).rating, 30);
+  EXPECT_EQ(lines(), 1) << messages.str();
+  const std::string kept = messages.str().substr(messages.str().find(folder.path()));
+  EXPECT_EQ(contents(kept.substr(0, kept.find(';'))), log);
+}
+
+TEST_F(RatingsStoreTest, AClickIsANewOneAlsoWhenItSetsTheSame) {
+  RatingsStore store(file, messages);
+  EXPECT_TRUE(store.setTrackRating(song, 60));
+  inDatabase("UPDATE marks SET rating_changed = 1000");
+  EXPECT_TRUE(store.setTrackRating(song, 60));
+  const auto older =
+      collected({{.identity = song, .marks = {.rating = 20}, .ratingChanged = 2000}});
+  EXPECT_EQ(store.merge(*older)->unchanged, 1);
+  EXPECT_EQ(store.trackMarks(song).rating, 60);
+}
+
+TEST_F(RatingsStoreTest, TablesOfANewerVersionAreReadAsFarAsThatGoesAndNeverWritten) {
+  RatingsStore(file, messages).setTrackRating(song, 60);
+  RatingsStore before(file, messages);
+  EXPECT_TRUE(before.setTrackRating(song, 60));
+  inDatabase("PRAGMA user_version = 1000");
+  const std::string newer = contents(file);
+  EXPECT_EQ(before.trackMarks(song).rating, 60);
+  EXPECT_FALSE(before.setTrackRating(song, 20));
+  EXPECT_FALSE(before.setTrackRating(song, 20));
+  RatingsStore store(file, messages);
+  EXPECT_EQ(store.trackMarks(song).rating, 60);
+  EXPECT_FALSE(store.setTrackLoved(song, true));
+  EXPECT_EQ(lines(), 2) << messages.str();
+  EntryCollection copy;
+  EXPECT_EQ(store.copyTo(copy)->kind, StoreProblem::Kind::newer);
+  EXPECT_EQ(contents(file), newer);
+  inDatabase("ALTER TABLE marks RENAME COLUMN rating TO stars");
+  const std::string renamed = contents(file);
+  messages.str("");
+  RatingsStore third(file, messages);
+  for (RatingsStore* each : {&before, &store, &third}) {
+    EXPECT_EQ(each->trackMarks(song), Marks{});
+    EXPECT_FALSE(each->setTrackRating(song, 20));
+  }
+  EXPECT_EQ(lines(), 1) << messages.str();
+  EXPECT_EQ(contents(file), renamed);
+  EXPECT_EQ(damagedFiles().size(), 0U);
 }
 
 TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
@@ -194,16 +336,14 @@ TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
 
 TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
   RatingsStore one(file, messages), other(file, messages);
-  std::vector<RatingsRecord> many(500);
-  for (std::size_t i = 0; i < many.size(); ++i) {
-    many[i].identity = {.address = "/music/" + std::to_string(i) + ".flac"};
-    many[i].marks.rating = 40;
+  std::vector<RatingsRecord> many;
+  for (int i = 0; i < 500; ++i) {
+    many.push_back({.identity = {.title = std::to_string(i)}, .marks = {.rating = 40}});
   }
-  { ASSERT_TRUE(RatingsStore(file, messages).merge(many)); }
-  EXPECT_EQ(one.trackMarks(many[0].identity).rating, 40);
-  EXPECT_EQ(other.trackMarks(many[0].identity).rating, 40);
-  // All pages but the first, under both open connections; their logs were taken over before.
-  inDatabase("PRAGMA wal_checkpoint(TRUNCATE)");
+  ASSERT_TRUE(RatingsStore(file, messages).merge(*collected(many)));
+  EXPECT_EQ(one.trackMarks({.title = "0"}).rating, 40);
+  EXPECT_EQ(other.trackMarks({.title = "0"}).rating, 40);
+  // All pages but the first, under both open connections.
   std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(4096)
       << std::string(fs::file_size(file) - 4096, '\xFF');
   RatingsStore third(file, messages);
@@ -221,8 +361,7 @@ TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
     Marks readable;  // by a widget that starts meanwhile
   };
   RatingsStore(file, messages).setTrackRating(song, 60);
-  for (const Case& c : {Case{"BEGIN IMMEDIATE", {.rating = 60}},
-                        Case{"PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE", {}}}) {
+  for (const Case& c : {Case{"BEGIN IMMEDIATE", {.rating = 60}}, Case{"BEGIN EXCLUSIVE", {}}}) {
     Database other;
     ASSERT_EQ(other.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
     ASSERT_EQ(other.execute(c.lock), SQLITE_OK);
@@ -274,15 +413,13 @@ TEST_F(RatingsStoreDeathTest, AFullDiskRefusesWritesUntilThereIsSpace) {
         bool right = store.setTrackRating(song, 40);
         rlimit limit{};
         ::getrlimit(RLIMIT_FSIZE, &limit);
-        limit.rlim_cur = 16384;
+        limit.rlim_cur = 6000;  // enough for the file's first page only
         ::setrlimit(RLIMIT_FSIZE, &limit);
-        int last = 40;
-        while (last < 100 && store.setTrackRating(song, last + 1)) ++last;
-        right = right && last < 100 && !store.setTrackRating(song, 0);
-        right = right && store.trackMarks(song).rating == last;
+        right = right && !store.setTrackRating(song, 0) && !store.setTrackRating(song, 20);
+        right = right && store.trackMarks(song).rating == 40;
         limit.rlim_cur = limit.rlim_max;
         ::setrlimit(RLIMIT_FSIZE, &limit);
-        right = right && store.trackMarks(song).rating == last;
+        right = right && store.trackMarks(song).rating == 40;
         right = right && store.setTrackRating(song, 7);
         ::_exit(right ? 0 : 1);
       },

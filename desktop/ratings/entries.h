@@ -1,0 +1,83 @@
+// The entries of one open database. Operations answer SQLite's result codes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "desktop/ratings/record.h"
+#include "desktop/ratings/sqlite.h"
+
+namespace desktop {
+
+/// What became of entries that were offered.
+struct MergeCounts {
+  std::int64_t added = 0;
+  std::int64_t changed = 0;
+  std::int64_t unchanged = 0;
+};
+
+/// Makes this version's tables in a database that has older ones or none.
+int makeEntryTables(Database& database);
+
+/// Which version of the program laid a database's tables out; older also when there are none.
+enum class TablesVersion { older, ours, newer };
+int readTablesVersion(Database& database, TablesVersion& version);
+
+/// The result code of a transaction that finds tables of a newer version. SQLite itself does not
+/// answer it: its statements are prepared anew when tables have changed.
+constexpr int newerTables = SQLITE_SCHEMA;
+
+/// Reads and writes entries by their digest. Must not outlive its database.
+class Entries {
+ public:
+  int prepare(Database& database);
+
+  /// The marks under a digest; the record stays as it is when there are none.
+  int readMarks(const std::string& digest, RatingsRecord& record);
+
+  // Within a transaction, those that write.
+
+  /// Sets the marks that the record has, with their dates; a mark that it lacks stays.
+  int set(const std::string& digest, const RatingsRecord& record);
+
+  /// Takes over the marks that are lacking here and those that were set later.
+  int merge(const std::string& digest, const RatingsRecord& offered, MergeCounts& counts);
+  int mergeMarks(const std::string& digest, const RatingsRecord& offered, MergeCounts& counts);
+
+  /// Keeps what an entry is called, unless that is known.
+  int addNames(const std::string& digest, const RatingsRecord& record);
+
+  /// Takes over all entries of another database. What could be read is taken when it fails.
+  int mergeAll(Database& other, MergeCounts& counts);
+
+  /// Hands out every entry that has a name, in a stable order, until `visit` answers false.
+  int forEach(const std::function<bool(const RatingsRecord&)>& visit);
+
+ private:
+  int writeMarks(const std::string& digest, const RatingsRecord& record);
+  int writeNames(Statement& statement, const std::string& digest, const RatingsRecord& record);
+
+  sqlite3* database_ = nullptr;
+  Statement readingMarks_;
+  Statement writingMarks_;
+  Statement writingNames_;
+  Statement addingNames_;
+};
+
+/// Entries that are no store's: of an imported file, of a copy to export, of a damaged file. They
+/// lie in a temporary database, so that a million of them takes no more memory than a few.
+struct EntryCollection {
+  Database database;
+  Entries entries;
+
+  int makeEmpty();
+  /// Copies a database as it is at one moment; holds it only for as long.
+  int copyFrom(Database& other);
+  /// SQLITE_OK when every page and row is sound, else SQLITE_CORRUPT or why it cannot be told.
+  int check();
+  /// Takes an entry over by the rule of merges; one that cannot be recognised again is passed over.
+  int add(const RatingsRecord& record, MergeCounts& counts);
+};
+
+}  // namespace desktop
