@@ -1,6 +1,7 @@
 #include "desktop/player/snapshot.h"
 
 #include <QtCore/QRegularExpression>
+#include <QtCore/QSequentialIterable>
 #include <QtCore/QStringList>
 #include <QtCore/QUrl>
 #include <QtDBus/QDBusArgument>
@@ -9,6 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
+
+#include "platform/foundation/text.h"
 
 #include "platform/application/player_dictionary.h"
 
@@ -28,6 +32,35 @@ QVariant unwrapped(QVariant value) {
   return value;
 }
 
+/// A text, or the texts of a list joined until there are more characters than wanted.
+QString joinedText(const QVariant& value, qsizetype wanted) {
+  const QVariant plain = unwrapped(value);
+  if (plain.metaType() == QMetaType::fromType<QString>()) return plain.toString();
+  if (plain.metaType() == QMetaType::fromType<QDBusObjectPath>()) {
+    return plain.value<QDBusObjectPath>().path();
+  }
+  const bool isList = plain.metaType() == QMetaType::fromType<QStringList>() ||
+                      plain.metaType() == QMetaType::fromType<QVariantList>();
+  QString joined;
+  if (!isList) return joined;
+  for (const QVariant& part : plain.value<QSequentialIterable>()) {
+    const QVariant text = unwrapped(part);
+    if (text.metaType() != QMetaType::fromType<QString>() || text.toString().isEmpty()) continue;
+    if (!joined.isEmpty()) joined += QLatin1String(", ");
+    joined += text.toString();
+    if (joined.size() > wanted) break;
+  }
+  return joined;
+}
+
+QString beginningOf(const QString& text) {
+  // The last character that may matter can take two units.
+  constexpr qsizetype enough = longestText + 2;
+  const std::string bytes = text.left(enough).toStdString();
+  const std::string_view beginning = platform::beginningOfText(bytes, longestText);
+  return QString::fromUtf8(beginning.data(), static_cast<qsizetype>(beginning.size()));
+}
+
 bool isObjectPath(const QString& text) {
   static const QRegularExpression pattern(QStringLiteral("^(/|(/[A-Za-z0-9_]+)+)$"));
   return pattern.match(text).hasMatch();
@@ -35,9 +68,15 @@ bool isObjectPath(const QString& text) {
 
 /// Object paths and texts alike: many players send the track's id as a text.
 QString trackIdFromVariant(const QVariant& value) {
-  const QString text = textFromVariant(value);
+  const QString text = wholeTextFromVariant(value, longestText);
   constexpr auto noTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
   return isObjectPath(text) && text != QLatin1String(noTrack) ? text : QString();
+}
+
+QString artworkAddressFromVariant(const QVariant& value) {
+  const QString address = wholeTextFromVariant(value, std::numeric_limits<qsizetype>::max());
+  const bool holdsContent = address.startsWith(QLatin1String("data:"), Qt::CaseInsensitive);
+  return holdsContent || address.size() <= longestAddress ? address : QString();
 }
 
 /// The last component of an address, decoded; the host when there is no path.
@@ -66,22 +105,12 @@ void readOwnRating(const QVariantMap& properties, PlayerSnapshot& snapshot) {
 }  // namespace
 
 QString textFromVariant(const QVariant& value) {
-  const QVariant plain = unwrapped(value);
-  if (plain.metaType() == QMetaType::fromType<QString>()) return plain.toString();
-  if (plain.metaType() == QMetaType::fromType<QDBusObjectPath>()) {
-    return plain.value<QDBusObjectPath>().path();
-  }
-  QStringList parts;
-  if (plain.metaType() == QMetaType::fromType<QStringList>()) {
-    parts = plain.toStringList();
-  } else if (plain.metaType() == QMetaType::fromType<QVariantList>()) {
-    for (const QVariant& part : plain.toList()) {
-      const QVariant text = unwrapped(part);
-      if (text.metaType() == QMetaType::fromType<QString>()) parts << text.toString();
-    }
-  }
-  parts.removeAll(QString());
-  return parts.join(QStringLiteral(", "));
+  return beginningOf(joinedText(value, longestText));
+}
+
+QString wholeTextFromVariant(const QVariant& value, qsizetype bound) {
+  const QString text = joinedText(value, bound);
+  return text.size() <= bound ? text : QString();
 }
 
 std::optional<double> numberFromVariant(const QVariant& value) {
@@ -153,10 +182,12 @@ PlayerSnapshot snapshotFromProperties(const QVariantMap& properties) {
     return textFromVariant(metadata.value(QLatin1String(key)));
   };
   snapshot.trackId = trackIdFromVariant(metadata.value(QStringLiteral("mpris:trackid")));
-  snapshot.address = text("xesam:url");
-  snapshot.artworkAddress = text("mpris:artUrl");
+  snapshot.address =
+      wholeTextFromVariant(metadata.value(QStringLiteral("xesam:url")), longestAddress);
+  snapshot.artworkAddress =
+      artworkAddressFromVariant(metadata.value(QStringLiteral("mpris:artUrl")));
   QString title = text("xesam:title");
-  if (title.isEmpty()) title = nameFromAddress(snapshot.address);
+  if (title.isEmpty()) title = beginningOf(nameFromAddress(snapshot.address));
   snapshot.title = title.toStdString();
   snapshot.artist = text("xesam:artist").toStdString();
   snapshot.album = text("xesam:album").toStdString();

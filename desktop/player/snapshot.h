@@ -16,11 +16,11 @@ namespace desktop {
 struct PlayerSnapshot {
   platform::FourCharCode state{};  ///< 0 unknown
 
-  bool hasTrack = false;  ///< there is more than an empty place in a list
-  QString trackId;        ///< a D-Bus object path; empty when missing or not one
-  QString address;        ///< xesam:url
-  QString artworkAddress;
-  std::string title;  ///< without one, the name of the file
+  bool hasTrack = false;   ///< there is more than an empty place in a list
+  QString trackId;         ///< a D-Bus object path; empty when missing or not one
+  QString address;         ///< xesam:url
+  QString artworkAddress;  ///< mpris:artUrl
+  std::string title;       ///< without one, the name of the file
   std::string artist;
   std::string album;
   std::string albumArtist;
@@ -54,8 +54,17 @@ std::string statusFromState(platform::FourCharCode state);
 double secondsFromMicroseconds(const QVariant& value);
 qint64 microsecondsFromSeconds(double seconds);
 
-/// Three short helpers for values in whatever wrapping a player sends them.
-QString textFromVariant(const QVariant& value);                  ///< lists are joined with ", "
+/// The most of one text of a player that is kept to be shown or compared, in bytes of UTF-8.
+inline constexpr std::size_t longestText = 4096;
+/// A longer address leads nowhere, unless it holds its content itself ("data:").
+inline constexpr qsizetype longestAddress = 16'384;
+
+// Short helpers for values in whatever wrapping a player sends them.
+/// At most longestText of it, cut between characters as a reader sees them; lists are joined with
+/// ", ".
+QString textFromVariant(const QVariant& value);
+/// All of it, or empty when there is more than a bound.
+QString wholeTextFromVariant(const QVariant& value, qsizetype bound);
 std::optional<double> numberFromVariant(const QVariant& value);  ///< finite numbers only
 QVariantMap mapFromVariant(const QVariant& value);               ///< empty for anything but a{sv}
 

@@ -33,6 +33,43 @@ TEST(PlayerSnapshot, TextsComeFromWhateverAPlayerSends) {
   }
 }
 
+TEST(PlayerSnapshot, EveryTextIsBoundedBetweenCharactersAndTooLongAddressesAreNone) {
+  constexpr qsizetype bound = longestText;
+  const QString acute(QChar(0x301));
+  const QString huge = QString(10'000'000, 'x');
+  const QStringList artists(1'000'000, "Artist");
+  const std::pair<QVariant, QString> cases[] = {
+      {QString(bound, 'x'), QString(bound, 'x')},
+      {QString(bound + 1, 'x'), QString(bound, 'x')},
+      {QString(bound - 1, 'x') + acute, QString(bound - 2, 'x')},
+      {QString(bound - 3, 'x') + QString::fromUtf8("😀"), QString(bound - 3, 'x')},
+      {QString(bound - 4, 'x') + QString::fromUtf8("😀"), QString(bound - 4, 'x') + "😀"},
+      {"e" + acute.repeated(18'000), "e" + acute.repeated((bound - 1) / 2)},
+      {huge, QString(bound, 'x')},
+      {artists, artists.join(", ").left(bound)},
+      {QStringList{huge, "x"}, QString(bound, 'x')},
+  };
+  for (const auto& [value, expected] : cases) {
+    EXPECT_EQ(textFromVariant(value), expected);
+    const auto snapshot = withMetadata({{"xesam:title", value},
+                                        {"xesam:artist", value},
+                                        {"xesam:album", value},
+                                        {"xesam:albumArtist", value}});
+    for (const auto& text :
+         {snapshot.title, snapshot.artist, snapshot.album, snapshot.albumArtist}) {
+      EXPECT_EQ(text, expected.toStdString());
+    }
+  }
+  const auto whole = withMetadata({{"xesam:url", "/" + QString(longestAddress - 1, 'x')}});
+  EXPECT_EQ(whole.address.size(), longestAddress);
+  EXPECT_EQ(whole.title, std::string(bound, 'x'));
+  const auto none = withMetadata({{"xesam:url", "/" + QString(longestAddress, 'x')},
+                                  {"mpris:artUrl", "file:///" + huge},
+                                  {"mpris:trackid", "/" + huge}});
+  EXPECT_EQ(none.address + none.artworkAddress + none.trackId, "");
+  EXPECT_GT(withMetadata({{"mpris:artUrl", "data:," + huge}}).artworkAddress.size(), huge.size());
+}
+
 TEST(PlayerSnapshot, OnlyFiniteNumbersAreNumbersAndLengthsHaveHoursWhenThereAreAny) {
   constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
   EXPECT_EQ(numberFromVariant(QVariant::fromValue<qlonglong>(-2)), -2);
