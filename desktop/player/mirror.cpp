@@ -1,13 +1,11 @@
 #include "desktop/player/mirror.h"
 
-#include <QtCore/QVariantMap>
 #include <QtCore/QXmlStreamReader>
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusPendingCall>
 #include <QtDBus/QDBusPendingReply>
 #include <QtDBus/QDBusVariant>
 #include <algorithm>
-#include <limits>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -16,24 +14,19 @@ namespace desktop {
 
 namespace {
 
-using std::chrono::milliseconds;
-
-/// How long the interface stands still for one answer.
+/// How long the interface stands still for one answer, in milliseconds.
 constexpr int patience = 250;
-/// A player that takes longer than this for an answer is not waited for any more.
-constexpr int promptAnswer = 100;
-constexpr int noTimeout = std::numeric_limits<int>::max();
-
-constexpr milliseconds shortestProbeDelay{1000};
-constexpr milliseconds longestProbeDelay{30'000};
+/// How long an answer that nobody waits for is still taken, in milliseconds.
+constexpr int latestAnswer = 60'000;
+/// A description that is not there after this time is asked for again, in milliseconds.
+constexpr int latestDescription = 5000;
 
 /// Some players forget a signal now and then; what they told is not trusted for longer.
-constexpr milliseconds longestSnapshotAge{5000};
+constexpr qint64 longestSnapshotAge = 5000;  // milliseconds
 
 /// True when nobody answered; an error is an answer too.
-bool isSilence(const QDBusMessage& reply) {
-  if (reply.type() != QDBusMessage::ErrorMessage) return false;
-  const QDBusError::ErrorType type = QDBusError(reply).type();
+bool isSilence(const QDBusError& error) {
+  const QDBusError::ErrorType type = error.type();
   return type == QDBusError::NoReply || type == QDBusError::Timeout ||
          type == QDBusError::TimedOut || type == QDBusError::Disconnected;
 }
@@ -61,9 +54,10 @@ QStringList writableProperties(const QString& introspection) {
 }  // namespace
 
 PlayerMirror::PlayerMirror(const QDBusConnection& bus, QString name, QString owner)
-    : bus_(bus), name_(std::move(name)), owner_(std::move(owner)), probeDelay_(shortestProbeDelay) {
-  nextProbe_.setSingleShot(true);
-  connect(&nextProbe_, &QTimer::timeout, this, &PlayerMirror::probe);
+    : bus_(bus), name_(std::move(name)), owner_(std::move(owner)) {
+  clock_.start();
+  due_.setSingleShot(true);
+  connect(&due_, &QTimer::timeout, this, &PlayerMirror::doWhatIsDue);
 }
 
 QString PlayerMirror::shortName() const {
@@ -88,60 +82,70 @@ QDBusMessage PlayerMirror::propertiesCall(const char* member, const char* interf
 // Questions that are waited for.
 
 std::optional<QVariant> PlayerMirror::ask(const QDBusMessage& message) {
-  QElapsedTimer timer;
-  timer.start();
+  attention_.asked(now());
   const QDBusMessage reply = bus_.call(message, QDBus::Block, patience);
-  if (isSilence(reply)) giveUp();
-  if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+  if (isSilence(QDBusError(reply))) {
+    attention_.gaveUpWaiting();
+    probe();
     return std::nullopt;
   }
-  if (timer.elapsed() > promptAnswer) {
-    isPrompt_ = false;
-    nextProbe_.start(probeDelay_);
+  attention_.answered(now());
+  planNext();
+  if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+    return std::nullopt;
   }
   return reply.arguments().constFirst();
 }
 
-void PlayerMirror::giveUp() {
-  isPrompt_ = false;
-  snapshot_.reset();
-  probe();
-  emit changed();
-}
-
 std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
-  if (isPrompt_ && snapshot_ && snapshotAge_.hasExpired(longestSnapshotAge.count())) forget();
-  if (isPrompt_ && !snapshot_) {
+  if (snapshot_ && snapshotAge_.hasExpired(longestSnapshotAge)) isStale_ = true;
+  if (attention_.isPrompt() && isStale_) {
     const auto answer = ask(propertiesCall("GetAll", playerInterface));
     if (answer) {
       adopt(*answer);
-    } else if (isPrompt_) {
-      giveUp();
+    } else if (attention_.isPrompt()) {
+      attention_.refused(now());
+      dropWhatWasTold();
     }
   }
+  if (!isRead_) readWhatWasTold();
   return snapshot_;
 }
 
 double PlayerMirror::position() {
   if (snapshot() == nullptr) return 0;
-  if (!isPrompt_ || positionIsFresh_) return position_;
+  if (!attention_.isPrompt() || positionIsFresh_) return position_;
   QDBusMessage message = propertiesCall("Get", playerInterface);
   message << QStringLiteral("Position");
   const auto answer = ask(message);
-  if (!answer) return 0;
-  position_ = secondsFromMicroseconds(*answer);
-  holdPosition();
+  if (answer) position_ = secondsFromMicroseconds(*answer);
+  if (answer) holdPosition();
   return position_;
 }
 
 void PlayerMirror::adopt(const QVariant& properties) {
-  const QVariantMap values = mapFromVariant(properties);
-  snapshot_ =
-      std::make_shared<const PlayerSnapshot>(withoutGrowingLength(snapshotFromProperties(values)));
+  told_ = mapFromVariant(properties);
+  readWhatWasTold();
+  isStale_ = false;
   snapshotAge_.start();
-  state_ = snapshot_->state;
-  position_ = secondsFromMicroseconds(values.value(QStringLiteral("Position")));
+  position_ = secondsFromMicroseconds(told_.value(QStringLiteral("Position")));
   holdPosition();
+}
+
+void PlayerMirror::readWhatWasTold() {
+  isRead_ = true;
+  snapshot_ =
+      std::make_shared<const PlayerSnapshot>(withoutGrowingLength(snapshotFromProperties(told_)));
+  state_ = snapshot_->state;
+}
+
+void PlayerMirror::dropWhatWasTold() {
+  told_.clear();
+  snapshot_.reset();
+  isRead_ = true;
+  state_ = {};
+  planNext();
+  emit changed();
 }
 
 /// Some players give what has arrived so far of a live stream for its length. A remote track whose
@@ -167,12 +171,11 @@ void PlayerMirror::holdPosition() {
       this, [this] { positionIsFresh_ = false; }, Qt::QueuedConnection);
 }
 
-/// What was told does not hold any more. A player that is not waited for keeps its last answer
-/// until the next one is there.
+/// There may be something new to ask for.
 void PlayerMirror::forget() {
-  if (!isPrompt_) return probe();
-  snapshot_.reset();
+  isStale_ = true;
   positionIsFresh_ = false;
+  if (attention_.heard(now())) probe();
 }
 
 // Questions that are not waited for.
@@ -180,7 +183,8 @@ void PlayerMirror::forget() {
 void PlayerMirror::askTogether(std::span<PlayerMirror* const> players) {
   std::vector<QDBusPendingCall> descriptions;
   std::vector<QDBusPendingCall> answers;
-  for (const PlayerMirror* player : players) {
+  for (PlayerMirror* player : players) {
+    player->attention_.asked(player->now());
     descriptions.push_back(
         player->bus_.asyncCall(player->propertiesCall("GetAll", rootInterface), patience));
     answers.push_back(
@@ -193,46 +197,65 @@ void PlayerMirror::askTogether(std::span<PlayerMirror* const> players) {
     if (answers[i].isError()) {
       players[i]->probe();
     } else {
-      players[i]->probeAge_.start();
       players[i]->probeAnswered(answers[i].reply());
     }
   }
 }
 
 void PlayerMirror::probe() {
-  // The bus keeps the order of what one player sends: an answer that comes after a signal is at
-  // least as new as the signal.
-  if (isProbing_) return;
-  isProbing_ = true;
-  nextProbe_.stop();
-  probeAge_.start();
-  if (identity_.isEmpty()) {
-    bus_.callWithCallback(propertiesCall("GetAll", rootInterface), this,
-                          SLOT(described(QDBusMessage)), noTimeout);
-  }
+  attention_.asked(now());
+  planNext();
+  if (identity_.isEmpty()) describe();
   bus_.callWithCallback(propertiesCall("GetAll", playerInterface), this,
                         SLOT(probeAnswered(QDBusMessage)),
-                        SLOT(probeFailed(QDBusError, QDBusMessage)), noTimeout);
+                        SLOT(probeFailed(QDBusError, QDBusMessage)), latestAnswer);
+}
+
+void PlayerMirror::planNext() {
+  const auto due = attention_.dueTime();
+  if (!due) return due_.stop();
+  due_.start(std::max(*due - now(), PlayerAttention::Time::zero()));
+}
+
+void PlayerMirror::doWhatIsDue() {
+  switch (attention_.due(now())) {
+    case PlayerAttention::Due::nothing:
+      return planNext();
+    case PlayerAttention::Due::question:
+      return probe();
+    case PlayerAttention::Due::silence:
+      return dropWhatWasTold();
+  }
 }
 
 void PlayerMirror::probeAnswered(const QDBusMessage& reply) {
-  isProbing_ = false;
-  isPrompt_ = probeAge_.elapsed() <= promptAnswer;
-  probeDelay_ = shortestProbeDelay;
+  attention_.answered(now());
+  planNext();
   adopt(reply.arguments().value(0));
-  if (!isPrompt_) nextProbe_.start(probeDelay_);
   emit changed();
 }
 
-void PlayerMirror::probeFailed(const QDBusError&, const QDBusMessage&) {
-  isProbing_ = false;
-  isPrompt_ = false;
-  nextProbe_.start(probeDelay_);
-  probeDelay_ = std::min(probeDelay_ * 2, longestProbeDelay);
-  if (std::exchange(snapshot_, nullptr)) emit changed();
+void PlayerMirror::probeFailed(const QDBusError& error, const QDBusMessage&) {
+  if (isSilence(error)) return;  // noticed when it was due
+  attention_.refused(now());
+  if (snapshot_) return dropWhatWasTold();
+  planNext();
+}
+
+void PlayerMirror::describe() {
+  if (std::exchange(isDescribing_, true)) return;
+  bus_.callWithCallback(propertiesCall("GetAll", rootInterface), this,
+                        SLOT(described(QDBusMessage)),
+                        SLOT(descriptionFailed(QDBusError, QDBusMessage)), latestDescription);
+}
+
+void PlayerMirror::descriptionFailed(const QDBusError& error, const QDBusMessage&) {
+  isDescribing_ = false;
+  if (isSilence(error)) describe();
 }
 
 void PlayerMirror::described(const QDBusMessage& reply) {
+  isDescribing_ = false;
   if (reply.type() != QDBusMessage::ReplyMessage) return;
   const QVariantMap properties = mapFromVariant(reply.arguments().value(0));
   identity_ = textFromVariant(properties.value(QStringLiteral("Identity")));
@@ -245,20 +268,27 @@ bool PlayerMirror::hasWritableRating(const PlayerSnapshot& now) {
   if (!askedForWritableProperties_) {
     askedForWritableProperties_ = true;
     bus_.callWithCallback(methodCall("org.freedesktop.DBus.Introspectable", "Introspect"), this,
-                          SLOT(introspected(QDBusMessage)), noTimeout);
+                          SLOT(introspected(QDBusMessage)),
+                          SLOT(introspectionFailed(QDBusError, QDBusMessage)), latestDescription);
   }
   return writableProperties_.contains(now.ratingProperty);
 }
 
 void PlayerMirror::introspected(const QDBusMessage& reply) {
-  writableProperties_ = writableProperties(textFromVariant(reply.arguments().value(0)));
+  constexpr qsizetype longest = 1'000'000;
+  writableProperties_ =
+      writableProperties(wholeTextFromVariant(reply.arguments().value(0), longest));
   emit changed();
+}
+
+void PlayerMirror::introspectionFailed(const QDBusError& error, const QDBusMessage&) {
+  askedForWritableProperties_ = !isSilence(error);
 }
 
 // Commands.
 
 bool PlayerMirror::tell(const QDBusMessage& message) {
-  if (!isAnswering() || !bus_.send(message)) return false;
+  if (attention_.isSilent() || !bus_.send(message)) return false;
   forget();
   return true;
 }
@@ -293,16 +323,22 @@ bool PlayerMirror::setOwnRating(const PlayerSnapshot& now, double rating) {
 
 void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
   const QVariantMap values = mapFromVariant(message.arguments().value(1));
+  const bool isOnlyMetadata = values.size() == 1 && values.contains(QStringLiteral("Metadata"));
   const auto status = values.constFind(QStringLiteral("PlaybackStatus"));
   if (status != values.constEnd()) state_ = stateFromStatus(*status);
-  if (lengthIsGrowing() && snapshot_ && values.size() == 1 &&
-      values.contains(QStringLiteral("Metadata"))) {
-    // Word that a live stream has grown is no news, and comes every few seconds.
-    PlayerSnapshot told = snapshotFromProperties(values);
-    told.state = snapshot_->state;
-    told.ratingProperty = snapshot_->ratingProperty;
-    told.ownRating = snapshot_->ownRating;
-    if (withoutGrowingLength(told) == *snapshot_) return;
+  if (snapshot_) {
+    // Holds while the player lets one wait for its answer.
+    for (const QString& name : message.arguments().value(2).toStringList()) {
+      if (name != QLatin1String("PlaybackStatus")) told_.remove(name);
+    }
+    told_.insert(values);
+    isRead_ = false;
+    if (lengthIsGrowing() && isOnlyMetadata) {
+      // Word that a live stream has grown is no news, and comes every few seconds.
+      const auto before = snapshot_;
+      readWhatWasTold();
+      if (*snapshot_ == *before) return;
+    }
   }
   forget();
   emit changed();

@@ -7,14 +7,15 @@
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 #include <QtCore/QVariant>
+#include <QtCore/QVariantMap>
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <span>
 
+#include "desktop/player/attention.h"
 #include "desktop/player/snapshot.h"
 #include "platform/application/player_dictionary.h"
 
@@ -32,7 +33,8 @@ inline constexpr const char* propertiesInterface = "org.freedesktop.DBus.Propert
 ///
 /// Waiting for an answer ends after a quarter of a second. From then on, and for a player that is
 /// slow in answering, questions are sent without waiting for the answer, and what was last
-/// answered holds; after a silence that is nothing. Prompt answers end this.
+/// answered or signalled holds; after a silence that is nothing (PlayerAttention). Prompt answers
+/// end this.
 class PlayerMirror final : public QObject {
   Q_OBJECT
 
@@ -79,16 +81,22 @@ class PlayerMirror final : public QObject {
   void probeAnswered(const QDBusMessage& reply);
   void probeFailed(const QDBusError& error, const QDBusMessage& call);
   void described(const QDBusMessage& reply);
+  void descriptionFailed(const QDBusError& error, const QDBusMessage& call);
   void introspected(const QDBusMessage& reply);
+  void introspectionFailed(const QDBusError& error, const QDBusMessage& call);
 
  private:
   QDBusMessage methodCall(const char* interface, const char* member) const;
   QDBusMessage propertiesCall(const char* member, const char* interface) const;
+  PlayerAttention::Time now() const { return PlayerAttention::Time(clock_.elapsed()); }
+  void planNext();
+  void doWhatIsDue();
+  void describe();
   std::optional<QVariant> ask(const QDBusMessage& message);
   bool tell(const QDBusMessage& message);
-  bool isAnswering() const { return isPrompt_ || snapshot_ != nullptr; }
-  void giveUp();
+  void dropWhatWasTold();
   void adopt(const QVariant& properties);
+  void readWhatWasTold();
   PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
   bool lengthIsGrowing() const;
   void forget();
@@ -101,19 +109,21 @@ class PlayerMirror final : public QObject {
   QString desktopEntry_;
   platform::FourCharCode state_{};
 
-  std::shared_ptr<const PlayerSnapshot> snapshot_;
-  PlayerSnapshot lastTold_;  ///< the last track as the player told it
-  int growths_ = 0;          ///< how often its length has grown, without shrinking in between
+  QElapsedTimer clock_;
+  PlayerAttention attention_;
+  QTimer due_;
+
+  QVariantMap told_;  ///< the properties of the player interface, as answered and signalled
+  std::shared_ptr<const PlayerSnapshot> snapshot_;  ///< made from them; null when nothing holds
+  bool isStale_ = false;                            ///< the player may have more to tell
+  bool isRead_ = true;                              ///< the snapshot has all that was told
   QElapsedTimer snapshotAge_;
+  PlayerSnapshot lastTold_;       ///< the last track as the player told it
+  int growths_ = 0;               ///< how often its length has grown, without shrinking in between
   double position_ = 0;           ///< seconds
   bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
-  bool isPrompt_ = false;         ///< answers fast enough to be waited for
 
-  bool isProbing_ = false;
-  QElapsedTimer probeAge_;
-  QTimer nextProbe_;
-  std::chrono::milliseconds probeDelay_;
-
+  bool isDescribing_ = false;
   bool askedForWritableProperties_ = false;
   QStringList writableProperties_;  ///< of the player interface
 };

@@ -4,7 +4,6 @@
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusVariant>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 namespace tests {
@@ -35,10 +34,16 @@ FakePlayer::FakePlayer(const PrivateBus& bus, const QString& name, const QVarian
 }
 
 FakePlayer::~FakePlayer() {
+  release();
   connection_.unregisterObject(objectPath);
   QDBusConnection::disconnectFromBus(connection_.name());
   thread_.quit();
   thread_.wait();
+}
+
+void FakePlayer::release() {
+  isHeld_ = false;
+  isHeld_.notify_all();
 }
 
 void FakePlayer::signalChange(const QVariantMap& changed) {
@@ -59,8 +64,9 @@ QStringList FakePlayer::calls() const {
 }
 
 bool FakePlayer::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-  std::this_thread::sleep_for(answerTime_.load());
-  ++answerCount_;
+  isHeld_.wait(true);
+  ++questionCount_;
+  if (swallowed_ > 0) return swallowed_-- > 0;
   return connection.send(answer(message));
 }
 

@@ -9,7 +9,6 @@
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVirtualObject>
 #include <atomic>
-#include <chrono>
 
 #include "tests/integration/processes.h"
 
@@ -23,13 +22,17 @@ class FakePlayer final : public QDBusVirtualObject {
 
   /// What "org.mpris.MediaPlayer2.Player" has; nothing is signalled.
   void setProperties(const QVariantMap& properties);
-  /// How long each answer takes.
-  void setAnswerTime(std::chrono::milliseconds time) { answerTime_ = time; }
+  /// Does not answer that many questions, ever.
+  void swallow(int questions) { swallowed_ = questions; }
+  /// Answers nothing until it is released.
+  void hold() { isHeld_ = true; }
+  void release();
   void signalChange(const QVariantMap& changed);
   void leaveBus() { connection_.unregisterService(name_); }
   /// The methods called so far, with their arguments: "SetPosition /track/1 1000000".
   QStringList calls() const;
-  int answerCount() const { return answerCount_; }
+  /// How many questions it has come to, answered or not.
+  int questionCount() const { return questionCount_; }
 
  private:
   // Introspection is answered like everything else.
@@ -42,8 +45,9 @@ class FakePlayer final : public QDBusVirtualObject {
   mutable QMutex mutex_;
   QVariantMap properties_;  // guarded by mutex_, as are the calls
   QStringList calls_;
-  std::atomic<std::chrono::milliseconds> answerTime_{};
-  std::atomic<int> answerCount_ = 0;
+  std::atomic<bool> isHeld_ = false;
+  std::atomic<int> swallowed_ = 0;
+  std::atomic<int> questionCount_ = 0;
   QThread thread_;
 };
 
