@@ -30,7 +30,9 @@ Composition::~Composition() {
   card_.reset();
   platform_.drag = nullptr;
   drag_.reset();
-  // Tasks and transfers under way end before what they use.
+  // Tasks and transfers under way end before what they use; transfers first, since tasks wait for
+  // them.
+  if (http_) http_->stop();
   workers_.reset();
   http_.reset();
   platform_.globalQueue = nullptr;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t maximumHeaderLength = 256 * 1024;
 constexpr long maximumRedirects = 10;
+constexpr const char* stoppedError = "the transport was stopped";
 constexpr TimeInterval longestTimeout = 24 * 60 * 60;
 
 struct GlobalScope {
@@ -174,10 +175,12 @@ class CurlTransport::Engine {
     thread_.join();
   }
 
-  std::uint64_t add(std::unique_ptr<Job> job) {
+  /// The job's number; 0 when the transport has stopped, with the job left to the caller.
+  std::uint64_t add(std::unique_ptr<Job>& job) {
     std::uint64_t number = 0;
     {
       const std::lock_guard lock(mutex_);
+      if (stopping_) return 0;
       number = job->number = ++lastNumber_;
       starting_.push_back(std::move(job));
     }
@@ -222,9 +225,8 @@ class CurlTransport::Engine {
     for (auto& job : starting) begin(std::move(job));
     for (const std::uint64_t number : cancelling) end(jobs_.find(number), "cancelled");
     if (!stopping) return true;
-    while (!jobs_.empty()) end(jobs_.begin(), "the transport was stopped");
-    const std::lock_guard lock(mutex_);
-    return !starting_.empty();  // by a completion just now
+    while (!jobs_.empty()) end(jobs_.begin(), stoppedError);
+    return false;
   }
 
   void begin(std::unique_ptr<Job> job) {
@@ -309,13 +311,21 @@ class CurlTransport::Transfer final : public HTTPTransfer {
 CurlTransport::CurlTransport(const std::string& additionalCertificates)
     : additionalCertificates_(additionalCertificates) {}
 
-CurlTransport::~CurlTransport() {
-  if (engine_) engine_->stopThread();
+CurlTransport::~CurlTransport() { stop(); }
+
+void CurlTransport::stop() {
+  std::shared_ptr<Engine> engine;
+  {
+    const std::lock_guard lock(mutex_);
+    isStopped_ = true;
+    engine.swap(engine_);
+  }
+  if (engine) engine->stopThread();
 }
 
 std::shared_ptr<CurlTransport::Engine> CurlTransport::engine() {
   const std::lock_guard lock(mutex_);
-  if (!engine_) {
+  if (!engine_ && !isStopped_) {
     engine_ = std::make_shared<Engine>(additionalCertificates_);
     engine_->startThread();
   }
@@ -325,7 +335,9 @@ std::shared_ptr<CurlTransport::Engine> CurlTransport::engine() {
 std::shared_ptr<HTTPTransfer> CurlTransport::start(HTTPRequest request, Completion completion) {
   const auto engine = this->engine();
   auto job = std::make_unique<Job>(std::move(request), std::move(completion));
-  return std::make_shared<Transfer>(engine, engine->add(std::move(job)));
+  const std::uint64_t number = engine ? engine->add(job) : 0;
+  if (number == 0) job->complete({std::nullopt, 0, stoppedError});
+  return std::make_shared<Transfer>(engine, number);
 }
 
 }  // namespace platform

@@ -18,8 +18,7 @@ namespace platform {
 /// A transfer ends with a transport error when its time is up, when its body grows beyond the
 /// request's bound, or when its headers grow beyond 256 KiB.
 ///
-/// Destroying the transport ends the transfers under way; their completions run, without bytes,
-/// before the destructor returns. A completion must not destroy the transport.
+/// Destroying the transport stops it. A completion must not destroy or stop the transport.
 class CurlTransport final : public HTTPTransport {
  public:
   /// Certificates in PEM (RFC 7468) are trusted besides those of the system.
@@ -27,6 +26,10 @@ class CurlTransport final : public HTTPTransport {
   ~CurlTransport() override;
   CurlTransport(const CurlTransport&) = delete;
   CurlTransport& operator=(const CurlTransport&) = delete;
+
+  /// Ends the transfers under way; their completions have run, without bytes, when it returns.
+  /// Transfers that are started afterwards fail at once, on the thread that starts them.
+  void stop();
 
   std::shared_ptr<HTTPTransfer> start(HTTPRequest request, Completion completion) override;
 
@@ -38,6 +41,7 @@ class CurlTransport final : public HTTPTransport {
   const std::string additionalCertificates_;
   std::mutex mutex_;
   std::shared_ptr<Engine> engine_;  // guarded by mutex_; null before the first transfer
+  bool isStopped_ = false;          // guarded by mutex_
 };
 
 }  // namespace platform

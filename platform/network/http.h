@@ -43,7 +43,8 @@ class HTTPTransport {
  public:
   using Completion = std::function<void(HTTPResult)>;
   virtual ~HTTPTransport() = default;
-  /// Starts a transfer; the completion runs exactly once, on the transport's own thread.
+  /// Starts a transfer; the completion runs exactly once, on the transport's own thread, or
+  /// before this returns.
   virtual std::shared_ptr<HTTPTransfer> start(HTTPRequest request, Completion completion) = 0;
 };
 

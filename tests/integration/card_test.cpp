@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 #include <optional>
 #include <stdexcept>
 
@@ -12,6 +13,8 @@
 #include "controls/text_label.h"
 #include "desktop/program/composition.h"
 #include "desktop/window/card_style.h"
+#include "platform/loop/dispatch.h"
+#include "radio/url_connection.h"
 #include "tests/integration/encoded_station.h"
 #include "tests/integration/mpv.h"
 #include "tests/support/temporary_data_home.h"
@@ -206,6 +209,26 @@ TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
   EXPECT_TRUE(hasHeight(trackHeight));
   card->setEditing(false);
   EXPECT_TRUE(waitUntil([&] { return hasHeight(informationHeight); }));
+}
+
+TEST(CompositionEnd, EndsTheTransfersThatWorkersWaitFor) {
+  std::promise<void> asked;
+  const LoopbackServer silent([&](const Exchange& exchange) {
+    asked.set_value();
+    exchange.wait(1e6);
+  });
+  bool hasBody = true;
+  {
+    desktop::Composition composition;
+    composition.useNetwork();
+    platform::dispatch_get_global_queue()->async([&] {
+      platform::NSMutableURLRequest request(*platform::URL::fromText(silent.address("/")));
+      request.setTimeoutInterval(1e6);
+      hasBody = virelune::vl_sendSynchronousRequest(request).has_value();
+    });
+    asked.get_future().wait();
+  }
+  EXPECT_FALSE(hasBody);
 }
 
 /// The program on an X display of the test's own.

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
-#include <chrono>
 #include <filesystem>
 #include <future>
 
@@ -103,10 +102,11 @@ TEST(CurlTransport, SendsTheHeadersAndKeepsToTheBound) {
 }
 
 TEST(CurlTransport, FloodsStallsAndDripsEndAtTheirBoundOrWhenTheirTimeIsUp) {
+  constexpr double endless = 1e6;
   struct Flow {
     std::string start, more;  // what is sent at once, and what again and again
     double pause = 0;
-    double timeout = 60;
+    double timeout = endless;
   };
   const std::string ok = "HTTP/1.1 200 OK\r\n";
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
@@ -120,9 +120,9 @@ TEST(CurlTransport, FloodsStallsAndDripsEndAtTheirBoundOrWhenTheirTimeIsUp) {
       {"", "HTTP/1.1 100 Continue\r\n\r\n"},
       {"HTTP/1.1 302 Found\r\nLocation: /5\r\n\r\n", chunk},
       {chunked + "0\r\n", noise + "\r\n"},
-      {"", "", 60, 0.3},
+      {"", "", endless, 0.3},
       {"", reply("late"), 0.8, 0.3},
-      {ok + "Content-Length: 9\r\n\r\nab", "", 60, 0.3},
+      {ok + "Content-Length: 9\r\n\r\nab", "", endless, 0.3},
       {ok + "\r\n", "x", 0.01, 0.3},
       {ok, "A: b\r\n", 0.01, 0.3},
       {"", redirect("/12"), 0.1, 0.3},
@@ -134,13 +134,11 @@ TEST(CurlTransport, FloodsStallsAndDripsEndAtTheirBoundOrWhenTheirTimeIsUp) {
     }
   });
   CurlTransport transport;
-  const auto start = std::chrono::steady_clock::now();
   for (std::size_t index = 0; index < flows.size(); ++index) {
     auto bounded = request(server.address("/" + std::to_string(index)), flows[index].timeout);
     bounded.maximumLength = 100'000;
     EXPECT_EQ(fetch(transport, bounded), error) << index;
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(40));
 }
 
 TEST(CurlTransport, FollowsTenRedirectsAndOnlyOverHTTP) {
@@ -165,7 +163,7 @@ TEST(CurlTransport, FollowsTenRedirectsAndOnlyOverHTTP) {
 }
 
 TEST(CurlTransport, CancellationAndDestructionCompleteEveryTransferOnceWithoutBytes) {
-  LoopbackServer server([](const Exchange& exchange) { exchange.wait(60); });
+  LoopbackServer server([](const Exchange& exchange) { exchange.wait(1e6); });
   std::atomic<int> completed = 0;
   std::atomic<int> withBytes = 0;
   std::shared_ptr<platform::HTTPTransfer> kept;
@@ -185,6 +183,9 @@ TEST(CurlTransport, CancellationAndDestructionCompleteEveryTransferOnceWithoutBy
       if (index % 3 == 0) kept->cancel();
     }
     cancelled.get_future().wait();
+    transport.stop();
+    EXPECT_EQ(completed, transfers + 1);
+    EXPECT_EQ(fetch(transport, request(server.address("/"))), error) << "it has stopped";
   }
   EXPECT_EQ(completed, transfers + 1);
   EXPECT_EQ(withBytes, 0);

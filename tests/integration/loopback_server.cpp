@@ -1,10 +1,10 @@
 #include "tests/integration/loopback_server.h"
 
 #include <arpa/inet.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <stdexcept>
 
 namespace tests {
@@ -19,11 +19,8 @@ bool Exchange::send(std::string_view bytes) const {
 }
 
 bool Exchange::wait(double seconds) const {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!stopping && std::chrono::steady_clock::now() < end) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return !stopping;
+  pollfd end{socket, POLLRDHUP, 0};
+  return ::poll(&end, 1, static_cast<int>(seconds * 1000)) == 0 && !stopping;
 }
 
 void Exchange::reset() const {

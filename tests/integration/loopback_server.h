@@ -23,7 +23,7 @@ struct Exchange {
 
   /// False when the client has gone or the test is over.
   bool send(std::string_view bytes) const;
-  /// Waits, and answers whether the test still runs.
+  /// Waits for the client to go or the test to be over; true when neither comes in that time.
   bool wait(double seconds) const;
   /// Ends the connection with a reset.
   void reset() const;
