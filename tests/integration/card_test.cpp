@@ -16,6 +16,7 @@
 #include "platform/loop/dispatch.h"
 #include "radio/url_connection.h"
 #include "tests/integration/encoded_station.h"
+#include "tests/integration/fake_player.h"
 #include "tests/integration/mpv.h"
 #include "tests/support/temporary_data_home.h"
 #include "widget/widget_entry.h"
@@ -211,23 +212,22 @@ TEST_F(CardOverPlayer, AboutStaysWhileEditingWhateverThePlayerDoes) {
   EXPECT_TRUE(waitUntil([&] { return hasHeight(informationHeight); }));
 }
 
-TEST(CompositionEnd, EndsTheTransfersThatWorkersWaitFor) {
+TEST_F(CardOverPlayer, EndsWithoutWaitingForAServer) {
   std::promise<void> asked;
   const LoopbackServer silent([&](const Exchange& exchange) {
     asked.set_value();
     exchange.wait(1e6);
   });
+  const FakePlayer player(bus, "any", {{"PlaybackStatus", "Stopped"}});
   bool hasBody = true;
-  {
-    desktop::Composition composition;
-    composition.useNetwork();
-    platform::dispatch_get_global_queue()->async([&] {
-      platform::NSMutableURLRequest request(*platform::URL::fromText(silent.address("/")));
-      request.setTimeoutInterval(1e6);
-      hasBody = virelune::vl_sendSynchronousRequest(request).has_value();
-    });
-    asked.get_future().wait();
-  }
+  show(silent.host());
+  platform::dispatch_get_global_queue()->async([&] {
+    platform::NSMutableURLRequest request(*platform::URL::fromText(silent.address("/")));
+    request.setTimeoutInterval(1e6);
+    hasBody = virelune::vl_sendSynchronousRequest(request).has_value();
+  });
+  asked.get_future().wait();
+  quit();
   EXPECT_FALSE(hasBody);
 }
 

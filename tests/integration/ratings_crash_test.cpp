@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <csignal>
 #include <functional>
 #include <optional>
@@ -99,8 +98,7 @@ TEST(RatingsCrash, WhatWasAnsweredAsSetIsThereAfterAKillAtAnyMoment) {
       if (!reported) break;
       done = *reported;
     }
-    std::this_thread::sleep_for(
-        std::chrono::microseconds(std::uniform_int_distribution(0, 5000)(random)));
+    for (auto turns = random() % 5000; turns > 0; --turns) std::this_thread::yield();
     widget.kill();
     while (const auto reported = widget.next()) done = *reported;
     ASSERT_GT(done, before) << "no write was answered as set";

@@ -8,12 +8,8 @@ namespace tests {
 void ManualClock::settle() {
   constexpr int tooMany = 1000;
   for (int turn = 0; turn < tooMany; ++turn) {
-    {
-      const std::lock_guard lock(mutex_);
-      woken_ = false;
-    }
+    woken_ = false;
     runLoop_.runPass();
-    const std::lock_guard lock(mutex_);
     const auto deadline = runLoop_.nextDeadline();
     if (!woken_ && (!deadline || *deadline > elapsed_)) return;
   }

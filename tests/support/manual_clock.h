@@ -1,6 +1,8 @@
 // Time that moves when told, and the run loop on it.
 #pragma once
 
+#include <atomic>
+
 #include "platform/loop/run_loop.h"
 
 namespace tests {
@@ -17,12 +19,14 @@ class ManualClock final : public platform::RunLoopDriver {
   platform::Date date() const override { return {start + elapsed_}; }
   void wakeAt(std::optional<platform::TimeInterval>) override {}
   void wakeNow() override {
-    const std::lock_guard lock(mutex_);
     woken_ = true;
+    woken_.notify_all();
   }
 
   /// Turns the loop until it has nothing left to do at this moment.
   void settle();
+  /// Waits for another thread to hand work over.
+  void waitForWork() const { woken_.wait(false); }
   /// Lets time pass, stopping at every timer on the way.
   void advance(platform::TimeInterval seconds);
   /// Lets time pass in the middle of what is under way.
@@ -30,8 +34,7 @@ class ManualClock final : public platform::RunLoopDriver {
 
  private:
   double elapsed_ = 0;
-  mutable std::mutex mutex_;
-  bool woken_ = false;  // guarded by mutex_
+  std::atomic<bool> woken_ = false;
   platform::RunLoop runLoop_{*this};
 };
 
