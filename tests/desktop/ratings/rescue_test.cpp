@@ -1,0 +1,149 @@
+#include "desktop/ratings/rescue.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <set>
+
+#include "desktop/ratings/store.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+RescueSource sourceOf(const std::string& bytes) {
+  return {static_cast<std::int64_t>(bytes.size()),
+          [&bytes](std::int64_t offset, std::span<std::uint8_t> wanted) {
+            const auto begin = static_cast<std::size_t>(offset);
+            if (begin + wanted.size() > bytes.size()) return false;
+            std::copy_n(bytes.begin() + offset, wanted.size(), wanted.begin());
+            return true;
+          }};
+}
+
+/// What a rescue brings.
+struct Rescued {
+  std::set<std::string> marks, names;
+  PageCounts pages;
+};
+
+Rescued rescued(const std::string& bytes) {
+  Rescued result;
+  const RescueSource source = sourceOf(bytes);
+  result.pages = rescueRows(source, nullptr, [&](const RescuedRow& row) {
+    (row.hasMarks ? result.marks : result.names).insert(row.digest);
+    return true;
+  });
+  return result;
+}
+
+class RatingsRescue : public testing::Test {
+ protected:
+  /// The bytes of a store with so many entries.
+  std::string store(int entries, std::size_t nameLength, const char* pageSize = "4096") {
+    const std::string file = folder.path() / "ratings.sqlite";
+    Database database;
+    EXPECT_EQ(database.open(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
+    const std::string settings = std::string("PRAGMA page_size = ") + pageSize;
+    EXPECT_EQ(database.execute(settings.c_str()), SQLITE_OK);
+    EXPECT_EQ(makeEntryTables(database), SQLITE_OK);
+    Entries table;
+    EXPECT_EQ(table.prepare(database), SQLITE_OK);
+    database.execute("BEGIN");
+    for (int i = 0; i < entries; ++i) {
+      const RatingsRecord record{
+          .identity = {.artist = std::string(nameLength, 'a'), .title = std::to_string(i)},
+          .marks = {.rating = i % 101, .loved = i % 2 == 0},
+          .ratingChanged = 1'800'000'000,
+          .lovedChanged = 1'800'000'000};
+      EXPECT_EQ(table.set(*digestOf(record), record), SQLITE_OK);
+    }
+    EXPECT_EQ(database.execute("COMMIT"), SQLITE_OK);
+    std::ifstream stream(file, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    std::filesystem::remove(file);
+    return bytes;
+  }
+
+  tests::TemporaryFolder folder;
+};
+
+TEST_F(RatingsRescue, EachPageThatIsLostCostsOnlyWhatLiesOnIt) {
+  constexpr std::size_t entries = 2000;
+  const std::string sound = store(entries, 30);
+  const Rescued all = rescued(sound);
+  EXPECT_EQ(all.marks.size(), entries);
+  EXPECT_EQ(all.names.size(), entries);
+  EXPECT_EQ(all.pages.unreadable, 0);
+  constexpr std::size_t pageSize = 4096;
+  ASSERT_GT(sound.size(), 50 * pageSize);
+  for (const char filling : {'\0', '\xFF'}) {
+    std::size_t lostMarks = 0, lostNames = 0;
+    for (std::size_t page = 0; page < sound.size() / pageSize; ++page) {
+      std::string damaged = sound;
+      damaged.replace(page * pageSize, pageSize, pageSize, filling);
+      const Rescued rest = rescued(damaged);
+      EXPECT_EQ(rest.pages.unreadable, 1) << page;
+      lostMarks += entries - rest.marks.size();
+      lostNames += entries - rest.names.size();
+    }
+    // Every row lies on one page, so that it is lost once.
+    EXPECT_EQ(lostMarks, entries);
+    EXPECT_EQ(lostNames, entries);
+  }
+  EXPECT_GT(rescued(sound.substr(0, sound.size() / 2)).marks.size(), entries / 4) << "cut off";
+}
+
+TEST_F(RatingsRescue, LongRowsAndOtherPageSizesAreReadWhole) {
+  for (const char* pageSize : {"512", "1024", "65536"}) {
+    const Rescued all = rescued(store(50, 5000, pageSize));
+    EXPECT_EQ(all.marks.size(), 50U) << pageSize;
+    EXPECT_EQ(all.names.size(), 50U) << pageSize;
+    EXPECT_EQ(all.pages.unreadable, 0) << pageSize;
+  }
+}
+
+TEST_F(RatingsRescue, RowsThatMakeNoSenseAreLeftOut) {
+  const std::string sound = store(40, 10);
+  for (std::size_t at = 0; at < sound.size(); at += 7) {
+    std::string damaged = sound;
+    damaged[at] = static_cast<char>(damaged[at] ^ 0x55);
+    const RescueSource source = sourceOf(damaged);
+    rescueRows(source, nullptr, [&](const RescuedRow& row) {
+      EXPECT_EQ(row.digest.size(), 16U);
+      if (row.hasMarks) {
+        EXPECT_NE(row.record.marks, Marks{});
+        EXPECT_LE(row.record.marks.rating.value_or(0), 100);
+      }
+      return true;
+    });
+  }
+}
+
+TEST_F(RatingsRescue, WithoutItsFirstPageAStoreIsMendedToo) {
+  const std::string file = folder.path() / "store/ratings.sqlite";
+  std::filesystem::create_directory(folder.path() / "store");
+  for (const std::size_t page : {0U, 1U, 2U}) {
+    std::string bytes = store(3000, 30);
+    bytes.replace(page * 4096, 4096, 4096, '\xFF');
+    std::ofstream(file, std::ios::binary) << bytes;
+    const std::set<std::string> readable = rescued(bytes).marks;
+    EXPECT_GT(readable.size(), 2800U);
+    std::ostringstream messages;
+    RatingsStore store(file, messages);
+    EntryCollection copy;
+    std::int64_t kept = 0;
+    EXPECT_TRUE(store.setTrackRating({.title = "new"}, 20));
+    EXPECT_FALSE(store.copyTo(copy));
+    EXPECT_NE(
+        messages.str().find(std::to_string(readable.size()) + " entries were carried over, 1 "),
+        std::string::npos)
+        << messages.str();
+    copy.database.readInteger("SELECT count(*) FROM marks", kept);
+    EXPECT_EQ(static_cast<std::size_t>(kept), readable.size() + 1);
+  }
+}
+
+}  // namespace
+}  // namespace desktop
