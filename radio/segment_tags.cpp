@@ -1,7 +1,7 @@
 // The head of an audio segment. It begins with an ID3v2 tag, which is not taken apart by its
 // structure: frames are found by their identifiers and the artwork's address by its beginning and
-// its end, so that a tag that is cut short does no harm. Sizes are read as plain numbers: a frame of
-// 128 bytes or more whose size is written in the syncsafe form gives no text.
+// its end, so that a tag that is cut short does no harm. Sizes are read as plain numbers: a frame
+// of 128 bytes or more whose size is written in the syncsafe form gives no text.
 #include <cstring>
 
 #include "platform/foundation/character_set.h"

@@ -97,7 +97,7 @@ Result<> makeFolder(const fs::path& folder) {
     return S_ISDIR(found.st_mode) ? Result<>() : systemProblem(ENOTDIR);
   }
   if (errno != ENOENT || folder == folder.parent_path()) return systemProblem();
-  if (const auto made = makeFolder(folder.parent_path()); !made) return made;
+  if (auto made = makeFolder(folder.parent_path()); !made) return made;
   if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) return systemProblem();
   synchroniseFolder(folder.parent_path());
   return {};

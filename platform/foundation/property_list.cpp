@@ -143,7 +143,8 @@ std::optional<Value> propertyListFromData(const Data& data) {
   const auto length = static_cast<std::uint32_t>(bytes.size());
   plist_t root = nullptr;
   if (bytes.starts_with("bplist00")) {
-    if (isSoundBinaryPropertyList(bytes, deepestNesting)) plist_from_bin(bytes.data(), length, &root);
+    if (isSoundBinaryPropertyList(bytes, deepestNesting))
+      plist_from_bin(bytes.data(), length, &root);
   } else if (!isNestedTooDeeply(bytes) && !hasZeroCharacter(bytes)) {
     plist_from_xml(bytes.data(), length, &root);
   }
