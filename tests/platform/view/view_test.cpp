@@ -109,6 +109,15 @@ TEST_F(Views, MarksAreCutToWhatTheParentsShowAndDisplayDrawsOnlyWhatMeetsTheRect
   view->setFrame(NSMakeRect(30, 10, 5, 5));
   EXPECT_THAT(marked, ElementsAre(NSMakeRect(10, 0, 20, 7), NSMakeRect(10, 0, 20, 7),
                                   NSMakeRect(30, 10, 5, 5)));
+  marked.clear();
+  view->removeFromSuperview();
+  EXPECT_THAT(marked, ElementsAre(NSMakeRect(30, 10, 5, 5)));
+  const auto outer = add<NSView>(NSMakeRect(50, 20, 40, 20));
+  view->setFrame(NSMakeRect(10, 5, 10, 10));
+  outer->addSubview(view);
+  click({61, 26});
+  click({59, 26});
+  EXPECT_EQ(view->events, "d1u0") << "where its parent has put it";
 }
 
 TEST_F(Views, PressedViewGetsDragsAndReleaseWhereverThePointerGoesUntilItIsRemoved) {
