@@ -1,6 +1,8 @@
 #include "platform/application/player_interpreter.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <initializer_list>
 
 #include "platform/application/player_dictionary.h"
@@ -13,6 +15,8 @@ namespace {
 using Reply = std::optional<ScriptingReply>;
 using Marked = ScriptablePlayer::Marked;
 
+constexpr ScriptingStep currentTrack{player::currentTrack, std::nullopt};
+
 /// True when the path consists of these steps.
 bool isPath(const ScriptingPath& path, std::initializer_list<ScriptingStep> steps) {
   return std::equal(path.begin(), path.end(), steps.begin(), steps.end());
@@ -20,9 +24,8 @@ bool isPath(const ScriptingPath& path, std::initializer_list<ScriptingStep> step
 
 /// The code of a plain property of the current track; none for any other path.
 std::optional<FourCharCode> trackProperty(const ScriptingPath& path) {
-  if (path.size() != 2 || path.back().index) return std::nullopt;
-  return isPath({path.front()}, {{player::currentTrack, {}}}) ? std::optional(path.back().code)
-                                                              : std::nullopt;
+  if (path.size() != 2 || path.front() != currentTrack || path.back().index) return std::nullopt;
+  return path.back().code;
 }
 
 Reply textReply(std::string text) {
@@ -37,14 +40,13 @@ std::string lengthText(double seconds) {
   constexpr double century = 100.0 * 366 * 24 * 3600;
   if (!(seconds > 0)) return {};
   const auto whole = static_cast<long long>(std::min(seconds, century));
-  const auto twoDigits = [](long long value) {
-    return (value < 10 ? "0" : "") + std::to_string(value);
-  };
   const long long hours = whole / 3600;
   const long long minutes = whole / 60 % 60;
-  const std::string start =
-      hours > 0 ? std::to_string(hours) + ":" + twoDigits(minutes) : std::to_string(minutes);
-  return start + ":" + twoDigits(whole % 60);
+  std::array<char, 32> text{};
+  hours > 0
+      ? std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", hours, minutes, whole % 60)
+      : std::snprintf(text.data(), text.size(), "%lld:%02lld", minutes, whole % 60);
+  return text.data();
 }
 
 Reply getOfTrack(ScriptablePlayer& target, FourCharCode property) {
@@ -85,9 +87,8 @@ Reply get(ScriptablePlayer& target, const ScriptingPath& path) {
   if (isPath(path, {{player::playerPosition, {}}})) return Value(target.position());
   if (const auto property = trackProperty(path)) return getOfTrack(target, *property);
   const bool wantsArtwork =
-      isPath(path, {{player::currentTrack, {}}, {player::artworkClass, 0}, {player::rawData, {}}});
-  if (!wantsArtwork || !target.track()) return std::nullopt;
-  return Value(target.artwork());
+      isPath(path, {currentTrack, {player::artworkClass, 0}, {player::rawData, {}}});
+  return wantsArtwork ? Reply(Value(target.artwork())) : std::nullopt;
 }
 
 Reply setOfTrack(ScriptablePlayer& target, FourCharCode property, const Number& value) {
@@ -119,19 +120,14 @@ Reply set(ScriptablePlayer& target, const ScriptingPath& path, const Value& valu
 }
 
 Reply count(ScriptablePlayer& target, const ScriptingPath& path) {
-  if (trackProperty(path) != player::artworkClass || !target.track()) return std::nullopt;
+  if (trackProperty(path) != player::artworkClass) return std::nullopt;
   return Value(target.hasArtwork() ? 1 : 0);
 }
 
 Reply resolve(ScriptablePlayer& target, const ScriptingPath& path) {
-  if (path.empty()) return player::applicationClass;
   const auto track = target.track();
-  if (!track) return std::nullopt;
-  if (isPath(path, {{player::currentTrack, {}}})) {
-    return track->isStream ? player::urlTrackClass : player::fileTrackClass;
-  }
-  const bool isArtwork = isPath(path, {{player::currentTrack, {}}, {player::artworkClass, 0}});
-  return isArtwork && target.hasArtwork() ? Reply(player::artworkClass) : std::nullopt;
+  if (!track || !isPath(path, {currentTrack})) return std::nullopt;
+  return track->isStream ? player::urlTrackClass : player::fileTrackClass;
 }
 
 Reply command(ScriptablePlayer& target, const ScriptingRequest& request) {
@@ -148,7 +144,7 @@ Reply command(ScriptablePlayer& target, const ScriptingRequest& request) {
       {player::commandClass, player::reveal, true, &ScriptablePlayer::reveal},
       {miscellaneousClass, activateEvent, false, &ScriptablePlayer::activate},
   };
-  const bool isToTrack = isPath(request.path, {{player::currentTrack, {}}});
+  const bool isToTrack = isPath(request.path, {currentTrack});
   if (!isToTrack && !request.path.empty()) return std::nullopt;
   for (const Command& known : commands) {
     if (known.eventClass != request.eventClass || known.event != request.eventIdentifier) continue;

@@ -39,8 +39,8 @@ class ScriptablePlayer {
   virtual std::optional<PlayerTrack> track() = 0;  ///< none when there is no current track
   /// True as well for artwork that is still on its way.
   virtual bool hasArtwork() = 0;
-  virtual Data
-  artwork() = 0;  ///< the bytes of an image file; empty when there is none, or none yet
+  /// The bytes of an image file; empty when there is none, or none yet.
+  virtual Data artwork() = 0;
 
   // What its listener thinks of it; asked and told only while there is a current track.
   virtual Rating rating(Marked of) = 0;
