@@ -46,10 +46,14 @@ EncodedStation::EncodedStation(const std::string& title, const std::string& arti
     : cover_(made("-i color=teal:s=96x96 -frames:v 1", folder_.path() / "cover.jpg")),
       server_([this](Exchange& exchange) { answer(exchange); }) {
   plainSegment_ = made(sound, folder_.path() / "plain.aac");
-  segment_ = made(std::string(sound) + " -write_id3v2 1 -metadata title='" + title +
-                      "' -metadata artist='" + artist + "' -metadata album='" + album +
-                      "' -metadata artwork=" + server_.address("/cover.jpg"),
-                  folder_.path() / "segment.aac");
+  std::string tagged = sound;
+  for (const auto& [key, value] : {std::pair<const char*, std::string>("title", title),
+                                   {"artist", artist},
+                                   {"album", album},
+                                   {"artwork", server_.address("/cover.jpg")}}) {
+    tagged.append(" -metadata ").append(key).append("='").append(value).append("'");
+  }
+  segment_ = made(tagged.append(" -write_id3v2 1"), folder_.path() / "segment.aac");
 }
 
 std::string EncodedStation::streamAddress() const {
