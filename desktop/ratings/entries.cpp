@@ -225,6 +225,9 @@ int Entries::writeNames(Statement& statement, const std::string& digest,
 
 int EntryCollection::makeEmpty() {
   int result = database.openTemporary();
+  // Entries come in no order, so that every page is wanted again and again: room (in KiB) for those
+  // of a million entries, taken as they come.
+  if (result == SQLITE_OK) result = database.execute("PRAGMA cache_size = -262144");
   if (result == SQLITE_OK) result = makeEntryTables(database);
   if (result == SQLITE_OK) result = entries.prepare(database);
   // Never committed: it lasts no longer than this object.

@@ -66,7 +66,7 @@ class Entries {
 };
 
 /// Entries that are no store's: of an imported file, of a copy to export, of a damaged file. They
-/// lie in a temporary database, so that a million of them takes no more memory than a few.
+/// lie in a temporary database, so that the memory they take has a limit.
 struct EntryCollection {
   Database database;
   Entries entries;
