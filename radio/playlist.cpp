@@ -6,6 +6,7 @@
 
 #include "platform/foundation/character_set.h"
 #include "platform/foundation/date_formatter.h"
+#include "platform/foundation/text.h"
 #include "platform/platform.h"
 #include "radio/beats1_info_loader.h"
 
@@ -14,9 +15,7 @@ namespace {
 
 /// Where the needle (in lower-case ASCII) first occurs, whatever the case; npos when nowhere.
 std::size_t findIgnoringCase(std::string_view text, std::string_view needle) {
-  const auto isSame = [](char a, char b) {
-    return (a >= 'A' && a <= 'Z' ? static_cast<char>(a + ('a' - 'A')) : a) == b;
-  };
+  const auto isSame = [](char a, char b) { return platform::lowerCaseASCII(a) == b; };
   const auto found = std::search(text.begin(), text.end(), needle.begin(), needle.end(), isSame);
   return found != text.end() ? static_cast<std::size_t>(found - text.begin())
                              : std::string_view::npos;

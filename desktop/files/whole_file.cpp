@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -59,21 +58,6 @@ fs::path placeOf(const fs::path& file) {
 }
 
 }  // namespace
-
-Result<std::string> readWholeFile(const fs::path& file, std::size_t maximumLength) {
-  const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!opened) return systemProblem();
-  std::string contents;
-  std::array<char, 64 * 1024> chunk{};
-  for (;;) {
-    const ssize_t length = ::read(opened.get(), chunk.data(), chunk.size());
-    if (length < 0 && errno == EINTR) continue;
-    if (length < 0) return systemProblem();
-    if (length == 0) return contents;
-    contents.append(chunk.data(), static_cast<std::size_t>(length));
-    if (contents.size() > maximumLength) return systemProblem(EFBIG);
-  }
-}
 
 Result<> writeWholeFile(const fs::path& file, std::string_view contents) {
   return writeWholeFile(file, [&](const platform::FileSink& sink) { return sink(contents); });

@@ -13,9 +13,6 @@ namespace desktop {
 
 // The problems tell the system's reason and leave it to others to name the file.
 
-/// The contents of a file that has at most maximumLength bytes.
-Result<std::string> readWholeFile(const std::filesystem::path& file, std::size_t maximumLength);
-
 /// Puts a file in place with these contents, on the disk and all at once: whoever looks sees the
 /// old one or the new one, and the old one stays when it cannot be done. A symbolic link stays, and
 /// what it leads to is replaced. What is no regular file (a pipe, a device) is written to directly.

@@ -237,7 +237,7 @@ Result<std::string> salvageRatings(RatingsStore& store, const std::string& file)
     result = rescueInto(rescued.entries, *source, log ? &*log : nullptr, counts, pages);
   }
   if (result != SQLITE_OK) return temporaryProblem(rescued, result);
-  const auto report = writeEntries(rescued, file);
+  auto report = writeEntries(rescued, file);
   if (!report) return report;
   return *report + "; " + std::to_string(pages.unreadable) + " of " +
          counted(pages.all, " page", " pages") + " could not be read";

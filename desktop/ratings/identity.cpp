@@ -14,7 +14,7 @@ namespace desktop {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
+using std::string_view_literals::operator""sv;  // NOLINT: the lists below use it
 
 // Addresses that end with the program that made them, and drives whose disc changes.
 constexpr std::array temporarySchemes = {
@@ -39,14 +39,6 @@ constexpr std::array sessionParameterPrefixes = {"x-amz-"sv, "x-goog-"sv, "x-ple
 template <std::size_t count>
 bool contains(const std::array<std::string_view, count>& list, std::string_view text) {
   return std::find(list.begin(), list.end(), text) != list.end();
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return lower;
 }
 
 bool isTemporaryFile(std::string_view path) {
@@ -81,7 +73,7 @@ bool hasSessionParameter(std::string_view pathAndQuery) {
     at = end + 1;
     const std::size_t equals = parameter.find('=');
     if (equals == std::string_view::npos) continue;
-    const std::string name = lowerCase(parameter.substr(0, equals));
+    const std::string name = platform::lowerCaseASCII(parameter.substr(0, equals));
     if (contains(sessionParameters, name)) return true;
     for (const std::string_view prefix : sessionParameterPrefixes) {
       if (name.starts_with(prefix)) return true;
@@ -115,7 +107,7 @@ std::optional<std::string> lastingWebAddress(const std::string& scheme, std::str
   if (const auto at = authority.rfind('@'); at != std::string_view::npos) {
     authority.remove_prefix(at + 1);
   }
-  const std::string host = lowerCase(authority);
+  const std::string host = platform::lowerCaseASCII(authority);
   if (isPassingLocalServer(host) || hasSessionParameter(pathAndQuery)) return std::nullopt;
   return scheme + "://" + host + std::string(pathAndQuery);
 }
@@ -139,7 +131,7 @@ std::optional<std::string> lastingAddress(const TrackIdentity& track) {
   if (address.starts_with('/')) return lastingFile(address);
   const std::size_t colon = address.find(':');
   if (colon == std::string::npos || colon == 0) return std::nullopt;
-  const std::string scheme = lowerCase(std::string_view(address).substr(0, colon));
+  const std::string scheme = platform::lowerCaseASCII(std::string_view(address).substr(0, colon));
   if (contains(temporarySchemes, scheme)) return std::nullopt;
   if (scheme == "file") return lastingFile(pathOfFileAddress(address));
 

@@ -183,22 +183,17 @@ class Rescue {
     std::vector<bool> isEmpty(pageCount() + 1);  // of entries, as far as its first byte tells
     for (std::size_t number = 1; number <= pageCount() && !isStopped_; ++number) {
       ++counts_.all;
-      if (!readFromFile(number, page)) {
-        ++counts_.unreadable;
-      } else if (number != 1 && page[0] == 0) {
-        isEmpty[number] = true;
-      } else if (!rescuePage(page, number == 1)) {
-        ++counts_.unreadable;
-      }
+      const bool isRead = readFromFile(number, page);
+      isEmpty[number] = isRead && number != 1 && page[0] == 0;
+      if (isEmpty[number]) continue;
+      if (!isRead || !rescuePage(page, number == 1)) ++counts_.unreadable;
     }
     for (std::size_t frame = 0; frame < frames_ && !isStopped_; ++frame) {
       ++counts_.all;
-      if (!readFrame(frame, page)) {
-        ++counts_.unreadable;
-      } else if (page[0] != 0 &&
-                 !rescuePage(page, page.size() >= databaseMagic.size() && beginsAsDatabase(page))) {
-        ++counts_.unreadable;
-      }
+      const bool isRead = readFrame(frame, page);
+      if (isRead && page[0] == 0) continue;
+      const bool isFirst = page.size() >= databaseMagic.size() && beginsAsDatabase(page);
+      if (!isRead || !rescuePage(page, isFirst)) ++counts_.unreadable;
     }
     // Nothing is lost with empty pages that rows overflow into or that wait to be used again.
     markUnusedPages();

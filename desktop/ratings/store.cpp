@@ -217,7 +217,7 @@ RatingsStore::Outcome RatingsStore::carryOver(Connection& moved) {
     }
     return merged;
   });
-  const auto problem = problemWithResult(connection_->database, result);
+  auto problem = problemWithResult(connection_->database, result);
   if (!problem && counts.added + counts.changed > 0) {
     say("the ratings store was moved or replaced while it was open; " +
         counted(counts.added + counts.changed, " entry was", " entries were") +

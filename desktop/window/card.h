@@ -38,7 +38,6 @@ class Card {
   const platform::NSViewController& controller() const { return *controller_; }
   /// Asks the widget to bring itself up to date.
   void update();
-  bool isEditing() const { return editing_; }
   /// Tells the widget that the user begins or ends editing it.
   void setEditing(bool editing);
 

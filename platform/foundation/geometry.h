@@ -59,8 +59,6 @@ inline NSRect NSIntersectionRect(NSRect a, NSRect b) {
   return common.isEmpty() ? NSZeroRect : common;
 }
 
-inline bool NSIntersectsRect(NSRect a, NSRect b) { return !NSIntersectionRect(a, b).isEmpty(); }
-
 inline NSRect NSOffsetRect(NSRect rect, double dx, double dy) {
   return {{rect.origin.x + dx, rect.origin.y + dy}, rect.size};
 }

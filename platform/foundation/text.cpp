@@ -141,6 +141,12 @@ std::string_view beginningOfText(std::string_view text, std::size_t maximumBytes
   }
 }
 
+std::string lowerCaseASCII(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = lowerCaseASCII(c);
+  return lower;
+}
+
 std::string displayableText(std::string_view text, std::size_t maximumBytes) {
   std::string shown;
   shown.reserve(text.size() < maximumBytes ? text.size() : maximumBytes);

@@ -21,6 +21,12 @@ bool caseInsensitiveEqual(std::string_view a, std::string_view b);
 /// characters: "cafe" does not occur in "café". An empty part occurs nowhere.
 bool caseInsensitiveContains(std::string_view text, std::string_view part);
 
+/// The letters A to Z in lower case, all else as it is: for names that protocols define.
+constexpr char lowerCaseASCII(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+std::string lowerCaseASCII(std::string_view text);
+
 /// True when the bytes are well-formed UTF-8.
 bool isValidUTF8(std::string_view bytes);
 

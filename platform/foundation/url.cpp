@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "platform/foundation/text.h"
+
 namespace platform {
 
 namespace {
@@ -158,11 +160,7 @@ std::optional<URL> URL::fileURLWithPath(std::string_view absolutePath) {
 }
 
 std::string URL::scheme() const {
-  std::string scheme = text_.substr(0, schemeLength(text_));
-  std::transform(scheme.begin(), scheme.end(), scheme.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return scheme;
+  return lowerCaseASCII(std::string_view(text_).substr(0, schemeLength(text_)));
 }
 
 std::string URL::host() const { return std::string(pieces(text_).host); }

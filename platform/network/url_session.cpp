@@ -1,16 +1,13 @@
 #include "platform/network/url_session.h"
 
-#include <algorithm>
-
+#include "platform/foundation/text.h"
 #include "platform/platform.h"
 
 namespace platform {
 namespace {
 
 bool isSameField(const std::string& a, const std::string& b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&](char x, char y) { return lower(x) == lower(y); });
+  return lowerCaseASCII(a) == lowerCaseASCII(b);
 }
 
 HTTPRequest transportRequest(const NSURLRequest& request) {
@@ -26,13 +23,6 @@ HTTPRequest transportRequest(const NSURLRequest& request) {
 }
 
 }  // namespace
-
-std::optional<std::string> NSURLRequest::valueForHTTPHeaderField(const std::string& field) const {
-  for (const auto& [name, value] : headerFields_) {
-    if (isSameField(name, field)) return value;
-  }
-  return std::nullopt;
-}
 
 void NSMutableURLRequest::setValue_forHTTPHeaderField(std::string value, const std::string& field) {
   std::erase_if(headerFields_, [&](const auto& entry) { return isSameField(entry.first, field); });

@@ -31,8 +31,6 @@ class NSURLRequest {
   const URL& url() const { return url_; }
   NSURLRequestCachePolicy cachePolicy() const { return cachePolicy_; }
   TimeInterval timeoutInterval() const { return timeoutInterval_; }  ///< for the whole transfer
-  /// None when the field is not set. Field names compare without regard to case (RFC 9110).
-  std::optional<std::string> valueForHTTPHeaderField(const std::string& field) const;
   const std::vector<std::pair<std::string, std::string>>& allHTTPHeaderFields() const {
     return headerFields_;
   }

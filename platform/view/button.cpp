@@ -47,11 +47,10 @@ void NSButton::performClick(NSObject*) {
 
 NSRect NSButton::imageRect() const {
   const NSRect area = bounds();
-  if (!image_ || imageScaling_ == NSImageScaling::axesIndependently) return area;
+  if (!image_) return area;
   const NSSize size = image_->size();
   if (size.width <= 0 || size.height <= 0) return NSZeroRect;
   double scale = std::min(area.size.width / size.width, area.size.height / size.height);
-  if (imageScaling_ == NSImageScaling::none) scale = 1;
   if (imageScaling_ == NSImageScaling::proportionallyDown) scale = std::min(scale, 1.0);
   const double width = size.width * scale;
   const double height = size.height * scale;

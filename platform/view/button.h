@@ -11,12 +11,7 @@
 namespace platform {
 
 enum class NSButtonType { momentaryLight = 0, momentaryChange = 5 };
-enum class NSImageScaling {
-  proportionallyDown = 0,
-  axesIndependently = 1,
-  none = 2,
-  proportionallyUpOrDown = 3
-};
+enum class NSImageScaling { proportionallyDown = 0, proportionallyUpOrDown = 3 };
 
 /// A push button. While it is pressed and the pointer is inside, it is drawn dimmed.
 class NSButton : public NSView {
@@ -32,11 +27,8 @@ class NSButton : public NSView {
 
   NSTextAlignment alignment() const { return alignment_; }
   void setAlignment(NSTextAlignment alignment);
-  bool isBordered() const { return bordered_; }
   void setBordered(bool bordered);
-  NSButtonType buttonType() const { return buttonType_; }
   void setButtonType(NSButtonType type) { buttonType_ = type; }
-  NSImageScaling imageScaling() const { return imageScaling_; }
   void setImageScaling(NSImageScaling scaling);
 
   /// The target is not owned.

@@ -45,13 +45,11 @@ class NSView : public NSObject {
   void addSubview(const std::shared_ptr<NSView>& view);
   void removeFromSuperview();
   const std::vector<std::shared_ptr<NSView>>& subviews() const { return subviews_; }
-  NSView* superview() const { return superview_; }
   NSWindow* window() const { return window_; }
 
   // Looks
   double alphaValue() const { return alphaValue_; }
   void setAlphaValue(double alpha);
-  bool isHidden() const { return hidden_; }
   void setHidden(bool hidden);
   void setWantsLayer(bool wantsLayer);
   NSLayer* layer() { return layer_ ? &*layer_ : nullptr; }  ///< null until a layer is wanted
