@@ -11,7 +11,6 @@ namespace virelune {
 
 using platform::NSAttributedString;
 using platform::NSButton;
-using platform::NSObject;
 
 namespace {
 

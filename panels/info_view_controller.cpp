@@ -9,7 +9,6 @@
 namespace virelune {
 
 using platform::NSButton;
-using platform::NSObject;
 
 VLTInfoViewController::~VLTInfoViewController() {
   setContentTitleButton(nullptr);

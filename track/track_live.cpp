@@ -4,7 +4,6 @@
 
 namespace virelune {
 
-using platform::NSObject;
 
 bool VLTrackViewController::startBeats1InfoLoader(NSObject*) {
   auto loader = platform::make<VLBeats1InfoLoader>();

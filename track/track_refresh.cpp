@@ -6,7 +6,6 @@
 
 namespace virelune {
 
-using platform::NSObject;
 
 VLTrackViewController::~VLTrackViewController() {
   stopBeats1InfoLoader(this);

@@ -8,7 +8,6 @@
 
 namespace virelune {
 
-using platform::NSObject;
 
 VLWidgetViewController::~VLWidgetViewController() { setContentViewController(nullptr); }
 

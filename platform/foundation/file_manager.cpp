@@ -18,7 +18,7 @@ namespace platform {
 namespace {
 
 struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
+  void operator()(std::FILE* file) const { std::fclose(file); }  // NOLINT: owned here
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 

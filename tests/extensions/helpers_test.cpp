@@ -18,7 +18,6 @@ namespace {
 using platform::Array;
 using platform::Dictionary;
 using platform::Number;
-using platform::URL;
 using platform::Value;
 
 using Helpers = tests::WidgetFixture;

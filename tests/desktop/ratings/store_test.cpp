@@ -42,7 +42,7 @@ class RatingsStoreTest : public testing::Test {
  protected:
   /// Does this in a file of the folder, the store's unless it has a name, and answers the file.
   fs::path inDatabase(const char* sql, const char* name = nullptr) const {
-    const fs::path path = name != nullptr ? folder.path() / name : file;
+    fs::path path = name != nullptr ? folder.path() / name : file;
     Database database;
     EXPECT_EQ(database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
     EXPECT_EQ(database.execute(sql), SQLITE_OK);
