@@ -4,7 +4,6 @@
 
 namespace virelune {
 
-
 bool VLTrackViewController::startBeats1InfoLoader(NSObject*) {
   auto loader = platform::make<VLBeats1InfoLoader>();
   if (!loader || !loader->start(this)) return false;

@@ -6,7 +6,6 @@
 
 namespace virelune {
 
-
 VLTrackViewController::~VLTrackViewController() {
   stopBeats1InfoLoader(this);
   stopHeartbeatTimer(this);

@@ -8,7 +8,6 @@
 
 namespace virelune {
 
-
 VLWidgetViewController::~VLWidgetViewController() { setContentViewController(nullptr); }
 
 // What the host asks
