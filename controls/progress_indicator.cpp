@@ -187,12 +187,7 @@ bool VLProgressIndicator::firedActionTimer(NSTimer*) {
 
 // Target and action
 
-bool VLProgressIndicator::performTargetAction(NSObject*) {
-  const auto receiver = target();
-  if (receiver == nullptr || !action().isRespondedToBy(*receiver)) return false;
-  action().perform(*receiver, this);
-  return true;
-}
+bool VLProgressIndicator::performTargetAction(NSObject*) { return action().send(target(), this); }
 
 bool VLProgressIndicator::setTarget(const std::shared_ptr<NSObject>& target) {
   setContentActionTarget(target);

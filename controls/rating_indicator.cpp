@@ -119,12 +119,7 @@ std::shared_ptr<platform::NSImage> VLRatingIndicator::drawRatingImageAtIndex(
 
 // Target and action
 
-bool VLRatingIndicator::performTargetAction(NSObject*) {
-  const auto receiver = target();
-  if (receiver == nullptr || !action().isRespondedToBy(*receiver)) return false;
-  action().perform(*receiver, this);
-  return true;
-}
+bool VLRatingIndicator::performTargetAction(NSObject*) { return action().send(target(), this); }
 
 bool VLRatingIndicator::setTarget(const std::shared_ptr<NSObject>& target) {
   setContentActionObject(target);

@@ -1,12 +1,10 @@
 #include "controls/text_label.h"
 
-#include <algorithm>
 #include <limits>
 
 #include "extensions/collections.h"
 #include "platform/foundation/attributed_string.h"
 #include "platform/graphics/canvas.h"
-#include "platform/graphics/graphics.h"
 
 using platform::NSRect;
 
@@ -73,15 +71,10 @@ bool VLTextLabel::drawTextInRect(NSRect) {
   const double insetY = insetFraction * size.height;
   const NSRect area =
       platform::NSMakeRect(insetX, insetY, size.width - 2 * insetX, size.height - 2 * insetY);
-  const double measured =
-      platform::boundingRectWithSize_options_attributes(
-          *shown, {area.size.width, std::numeric_limits<double>::max()}, drawingOptions, attributes)
-          .size.height;
-
-  NSRect rect = area;
-  rect.size.height = std::min(measured, area.size.height);
-  rect.origin.y += (area.size.height - rect.size.height) * 0.5;
-  platform::drawWithRect_options_attributes(*shown, rect, drawingOptions, attributes);
+  if (auto* context = platform::NSGraphicsContext::current()) {
+    platform::drawTextCentredInRect(context->canvas(), {*shown, attributes}, area, drawingOptions,
+                                    std::numeric_limits<double>::max());
+  }
   return true;
 }
 

@@ -120,11 +120,9 @@ void CardHeader::drawRect(NSRect) {
   constexpr unsigned options = platform::NSStringDrawingUsesLineFragmentOrigin |
                                platform::NSStringDrawingTruncatesLastVisibleLine;
   const double width = editButton_->frame().minX() - 2 * titleInset;
-  const double height = platform::boundingRectWithSize_options_attributes(
-                            title_, {width, titleSize}, options, title.attributes)
-                            .size.height;
-  const double y = (bounds().size.height - height) / 2;
-  context->canvas().drawText(title, platform::NSMakeRect(titleInset, y, width, height), options);
+  platform::drawTextCentredInRect(context->canvas(), title,
+                                  platform::NSMakeRect(titleInset, 0, width, bounds().size.height),
+                                  options, titleSize);
 }
 
 bool CardHeader::clickedEditButton(platform::NSObject*) {

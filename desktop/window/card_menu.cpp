@@ -154,11 +154,9 @@ void CardMenu::paintItem(platform::Canvas& canvas, std::size_t index) const {
     const double y = bottom + (itemHeight - checkSide) / 2;
     canvas.drawImage(*check, NSMakeRect(checkInset, y, checkSide, checkSide), 1);
   }
-  const double textHeight = textExtent(item.title).height;
-  canvas.drawText({item.title, textAttributes()},
-                  NSMakeRect(textInset, bottom + (itemHeight - textHeight) / 2, width() - textInset,
-                             textHeight),
-                  platform::NSStringDrawingUsesLineFragmentOrigin);
+  platform::drawTextCentredInRect(canvas, {item.title, textAttributes()},
+                                  NSMakeRect(textInset, bottom, width() - textInset, itemHeight),
+                                  platform::NSStringDrawingUsesLineFragmentOrigin, itemHeight);
 }
 
 void CardMenu::mousePressEvent(QMouseEvent* event) {

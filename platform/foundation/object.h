@@ -43,23 +43,22 @@ class Selector {
 
   template <class T>
   Selector(bool (T::*method)(NSObject*))  // NOLINT: reads as the name of the action
-      : responds_(
-            [](const NSObject& target) { return dynamic_cast<const T*>(&target) != nullptr; }),
-        perform_([method](NSObject& target, NSObject* sender) {
+      : perform_([method](NSObject& target, NSObject* sender) {
           auto* receiver = dynamic_cast<T*>(&target);
-          return receiver != nullptr && (receiver->*method)(sender);
+          if (receiver == nullptr) return false;
+          (receiver->*method)(sender);
+          return true;
         }) {}
 
   explicit operator bool() const { return static_cast<bool>(perform_); }
-  bool isRespondedToBy(const NSObject& target) const { return responds_ && responds_(target); }
 
-  /// Sends the action; answers what the target answers, false when it does not respond.
-  bool perform(NSObject& target, NSObject* sender) const {
-    return perform_ && perform_(target, sender);
+  /// Sends the action to a target that lives; false when there is none or it does not respond.
+  bool send(const std::weak_ptr<NSObject>& target, NSObject* sender) const {
+    const auto receiver = target.lock();
+    return receiver != nullptr && perform_ && perform_(*receiver, sender);
   }
 
  private:
-  std::function<bool(const NSObject&)> responds_;
   std::function<bool(NSObject&, NSObject*)> perform_;
 };
 

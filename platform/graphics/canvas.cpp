@@ -1,5 +1,8 @@
 #include "platform/graphics/canvas.h"
 
+#include <algorithm>
+
+#include "platform/graphics/graphics.h"
 #include "platform/platform.h"
 
 namespace platform {
@@ -29,11 +32,15 @@ void drawImageInRect(const NSImage& image, NSRect rect, NSCompositingOperation, 
   context->canvas().drawImage(image, rect, fraction);
 }
 
-void drawWithRect_options_attributes(const std::string& text, NSRect rect, unsigned options,
-                                     const Dictionary& attributes) {
-  if (auto* context = NSGraphicsContext::current()) {
-    context->canvas().drawText({text, attributes}, rect, options);
-  }
+void drawTextCentredInRect(Canvas& canvas, const NSAttributedString& text, NSRect rect,
+                           unsigned options, double tallest) {
+  Graphics* graphics = platform::current().graphics;
+  if (graphics == nullptr) return;
+  const double measured = graphics->measure(text, {rect.size.width, tallest}, options).height;
+  const double height = std::min(measured, rect.size.height);
+  rect.origin.y += (rect.size.height - height) / 2;
+  rect.size.height = height;
+  canvas.drawText(text, rect, options);
 }
 
 }  // namespace platform

@@ -72,8 +72,9 @@ void NSRectFillUsingOperation(NSRect rect, NSCompositingOperation operation);
 void drawImageInRect(const NSImage& image, NSRect rect, NSCompositingOperation operation,
                      double fraction);
 
-/// Draws a text into a rectangle of the current context; see Canvas::drawText().
-void drawWithRect_options_attributes(const std::string& text, NSRect rect, unsigned options,
-                                     const Dictionary& attributes);
+/// Draws text from side to side of a rectangle, in the middle of its height. Laid out in a height
+/// of at most `tallest` points; what is higher than the rectangle then is cut.
+void drawTextCentredInRect(Canvas& canvas, const NSAttributedString& text, NSRect rect,
+                           unsigned options, double tallest);
 
 }  // namespace platform

@@ -39,10 +39,8 @@ void NSButton::setImageScaling(NSImageScaling scaling) {
 }
 
 void NSButton::performClick(NSObject*) {
-  const auto target = target_.lock();
-  if (!target || !action_.isRespondedToBy(*target)) return;
-  const auto self = shared_from_this();
-  action_.perform(*target, this);
+  const auto self = shared_from_this();  // the action may let go of the button
+  action_.send(target_, this);
 }
 
 NSRect NSButton::imageRect() const {
@@ -75,12 +73,7 @@ void NSButton::drawRect(NSRect) {
     title.attributes[NSParagraphStyleAttributeName] = NSParagraphStyle{alignment_};
     constexpr unsigned options =
         NSStringDrawingUsesLineFragmentOrigin | NSStringDrawingTruncatesLastVisibleLine;
-    const NSSize size = bounds().size;
-    const double lineHeight =
-        boundingRectWithSize_options_attributes(title.text, size, options, title.attributes)
-            .size.height;
-    const double height = std::min(lineHeight, size.height);
-    canvas.drawText(title, NSMakeRect(0, (size.height - height) / 2, size.width, height), options);
+    drawTextCentredInRect(canvas, title, bounds(), options, bounds().size.height);
   }
   canvas.restore();
 }

@@ -98,25 +98,5 @@ TEST_F(Controls, ALabelNeedsNoFontNorColourButAText) {
   }
 }
 
-TEST_F(Controls, EscapeEndsFullScreenModeOnlyWhenAskedToAndOtherwiseGoesOn) {
-  struct Parent : platform::NSView {
-    void keyDown(const NSEvent*) override { ++keys; }
-    int keys = 0;
-  };
-  const auto parent = platform::make<Parent>();
-  parent->addSubview(label);
-  label->enterFullScreenMode();
-  const std::tuple<bool, std::uint16_t, int, bool> presses[] = {
-      {false, 53, 1, true}, {true, 36, 2, true}, {true, 53, 2, false}, {true, 53, 3, false}};
-  for (const auto& [ends, code, keys, isFull] : presses) {
-    label->setEscKeyEndsFullscreenMode(ends);
-    NSEvent key{};
-    key.keyCode = code;
-    label->keyDown(&key);
-    EXPECT_EQ(parent->keys, keys);
-    EXPECT_EQ(label->isInFullScreenMode(), isFull);
-  }
-}
-
 }  // namespace
 }  // namespace virelune

@@ -179,21 +179,5 @@ TEST_F(RatingIndicator, CellsAreFullHalfOrDotsAndFullOnesTellWhoRated) {
   }
 }
 
-TEST_F(RatingIndicator, AMissingImageLeavesAGap) {
-  graphics.hideImage(VLImageRatingStarHalf);
-  indicator->setRatingType(VLRatingTypeUser);
-  indicator->setNowValue(30);
-  EXPECT_EQ(drawn(), row("f ..."));
-}
-
-TEST(RatingDescription, CountsWholeAndHalfStars) {
-  const std::pair<std::int64_t, const char*> table[] = {{-1, "0"},  {9, "0"},   {10, "½"},
-                                                        {20, "1"},  {30, "1½"}, {55, "2"},
-                                                        {90, "4½"}, {100, "5"}, {110, "5"}};
-  for (const auto& [value, text] : table) {
-    EXPECT_EQ(vl_descriptionFromRatingValue(value), text) << value;
-  }
-}
-
 }  // namespace
 }  // namespace virelune

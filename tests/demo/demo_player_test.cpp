@@ -95,14 +95,6 @@ TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
   EXPECT_EQ(listener->count, before + 1);
 }
 
-TEST_F(DemoPlayer, TheLiveStationNeverEnds) {
-  startPlayer(statePlaying, demo::liveStation);
-  clock.advance(100'000);
-  EXPECT_DOUBLE_EQ(position->doubleValue(), 100'000);
-  EXPECT_EQ(track->resolvedClassCode(), code("cURT"));
-  EXPECT_EQ(trackProperty(code("pTim"))->stringValue(), std::nullopt);
-}
-
 TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSeconds) {
   startPlayer(statePaused, 2);
   player.setPosition(3.01);
@@ -132,22 +124,6 @@ TEST_F(DemoPlayer, EveryChangeIsAnnouncedOnceAfterTheCommandReturned) {
   EXPECT_EQ(announcementsOf([this] { player.quit(); }), 0);
   EXPECT_EQ(announcementsOf([this] { player.play(); }), 0) << "there is no process to play";
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U) << "nothing ticks any more";
-}
-
-TEST_F(DemoPlayer, WithoutATrackOrAnyTracksNothingHappens) {
-  startPlayer(statePlaying);
-  player.setCurrentTrackIndex(std::nullopt);
-  EXPECT_EQ(announcementsOf([this] {
-              for (const auto skip : {code("Next"), code("Prev")}) command(skip);
-              trackProperty(code("pRte"))->setTo(20);
-              position->setTo(1.0);
-            }),
-            0);
-  demo::DemoPlayer empty{std::vector<demo::Track>()};
-  empty.launch(statePlaying);
-  empty.nextTrack();
-  empty.playTrack(0);
-  EXPECT_FALSE(empty.track());
 }
 
 TEST_F(DemoPlayer, LaunchingItFromTheDesktopStartsTheMusicAndOthersAreLeftToTheOthers) {

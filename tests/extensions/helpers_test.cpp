@@ -22,15 +22,6 @@ using platform::Value;
 
 using Helpers = tests::WidgetFixture;
 
-TEST_F(Helpers, KeyWithoutTranslationShowsItselfAndAnEmptyOneNothing) {
-  EXPECT_EQ(vl_localizedString("9999.0001"), "9999.0001");
-  EXPECT_EQ(vl_localizedString_fromTable("key", "NoSuchTable"), "key");
-  EXPECT_EQ(vl_localizedString(""), std::nullopt);
-  platform_.mainBundle = nullptr;
-  EXPECT_EQ(vl_localizedString("9999.0001"), std::nullopt);
-  EXPECT_EQ(vl_localizedString_fromTable_inBundle("key", std::nullopt, bundle.get()), "key");
-}
-
 TEST_F(Helpers, AskingForThePreferencesMakesTheirFolderButNotTheFile) {
   const tests::TemporaryDataHome folder;
   const auto support =
@@ -61,24 +52,6 @@ TEST_F(Helpers, StoreHostComesFromTheInformationDictionary) {
   EXPECT_FALSE(storeSearchURL("term=a"));
 }
 
-TEST(Collections, ElementsOutsideTheArrayAndOfOtherClassesAreNone) {
-  const Array array{"first", 2, "last"};
-  for (const std::int64_t index : {std::int64_t{-1}, std::int64_t{3}, std::int64_t{1} << 32}) {
-    EXPECT_FALSE(vl_objectAtIndex(array, index));
-  }
-  EXPECT_EQ(vl_objectAtIndex_withClass<std::string>(array, 2), "last");
-  EXPECT_FALSE(vl_objectAtIndex_withClass<std::string>(array, 1));
-  EXPECT_FALSE(vl_objectAtIndex(std::optional<Array>(), 0));
-  EXPECT_EQ(vl_firstObjectWithClass<Number>(array)->integerValue(), 2);
-  EXPECT_FALSE(vl_firstObjectWithClass<Dictionary>(array));
-
-  const auto view = platform::make<platform::NSView>();
-  const auto button = platform::make<platform::NSButton>();
-  const platform::ObjectArray objects{nullptr, view, button};
-  EXPECT_EQ(vl_firstObjectWithClass<platform::NSButton>(objects), button);
-  EXPECT_EQ(vl_objectAtIndex_withClass<platform::NSButton>(objects, 1), nullptr);
-}
-
 TEST(Collections, SettingTellsWhetherTheDictionaryChanged) {
   Dictionary dictionary;
   const std::tuple<const char*, const char*, bool, const char*> steps[] = {
@@ -99,19 +72,6 @@ TEST_F(Helpers, EqualNotificationsPostedInARowAreAllDeliveredOnceTheLoopIsIdle) 
   EXPECT_EQ(listener->count, 0);
   clock.settle();
   EXPECT_EQ(listener->count, 2);
-}
-
-TEST_F(Helpers, AllSubviewsAreRemovedAndAnEmbeddedViewKeepsItsSize) {
-  const auto view = platform::make<platform::NSView>(platform::NSMakeRect(3, 4, 50, 60));
-  EXPECT_FALSE(vl_removeSubviews(view));
-  for (int i = 0; i < 3; ++i) view->addSubview(platform::make<platform::NSView>());
-  EXPECT_TRUE(vl_removeSubviews(view));
-  EXPECT_TRUE(view->subviews().empty());
-  EXPECT_EQ(vl_image(view)->size(), view->frame().size);
-  const auto around = vl_embededInScrollView(view);
-  EXPECT_EQ(around->frame(), platform::NSMakeRect(3, 4, 50, 60));
-  EXPECT_EQ(view->frame(), platform::NSMakeRect(0, 0, 50, 60));
-  EXPECT_EQ(around->documentView(), view);
 }
 
 }  // namespace

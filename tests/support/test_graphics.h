@@ -104,12 +104,6 @@ class TestGraphics final : public platform::Graphics {
                            unsigned options) override;
   std::shared_ptr<platform::NSImage> render(
       platform::NSSize size, const std::function<void(platform::Canvas&)>& draw) override;
-
-  /// A named image that the bundle is to lack.
-  void hideImage(std::string name) { hidden_.push_back(std::move(name)); }
-
- private:
-  std::vector<std::string> hidden_;
 };
 
 }  // namespace tests

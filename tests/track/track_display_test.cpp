@@ -40,30 +40,6 @@ fill 240 8 80 15 grey 0/0
 00:46 | 3:07 241.6 9.25 76.8 12.5 label size 10 equal digits centred)");
 }
 
-TEST_F(TrackLayout, LeavesOutWhatIsMissingAndWorksWithoutIt) {
-  class Bare : public VLTrackViewController {
-    platform::NSRect preparedViewFrame() override { return platform::NSMakeRect(0, 0, 500, 64); }
-    std::optional<platform::NSFont> preparedNameTextLabelFont() const override { return {}; }
-    std::optional<platform::NSColor> preparedTimeTextLabelTextColor() const override { return {}; }
-  };
-  for (const char* name : {VLImageControllerNext, VLImageControllerPrevious, VLImageLoveOff}) {
-    graphics.hideImage(name);
-  }
-  startPlayer();
-  const auto bare = platform::make<Bare>();
-  EXPECT_EQ(player.requestCount(), 0U) << "asked only once it is shown";
-  EXPECT_EQ(bare->view()->subviews().size(), 5U);
-  EXPECT_EQ(bare->contentPlayButton()->image(), nullptr);
-  EXPECT_EQ(bare->contentProgressIndicator()->frame(), platform::NSMakeRect(0, -7, 500, 14));
-  window->setContentView(bare->view());
-  window->setVisible(true);
-  clock.advance(2);
-  EXPECT_NE(bare->contentPlayButton()->image(), nullptr);
-  EXPECT_FALSE(bare->updateNameTextLabel());
-  EXPECT_FALSE(bare->updateTimeTextLabel());
-  EXPECT_FALSE(bare->updateLoveButton());
-}
-
 class TrackReadout : public tests::TrackFixture {
  protected:
   TrackReadout() { show(demo::statePaused); }

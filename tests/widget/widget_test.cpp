@@ -56,18 +56,6 @@ TEST_F(ViewController, UpdatesOnceForEachSignalAboutThePlayerWhileItIsShownAndFo
   EXPECT_EQ(updatesAfterSignals(), 0);
 }
 
-TEST_F(ViewController, IgnoresALaunchThatDoesNotSayOfWhat) {
-  using platform::Dictionary;
-  const char* name = platform::NSWorkspaceDidLaunchApplicationNotification;
-  const char* key = platform::NSApplicationBundleIdentifierKey;
-  const std::optional<Dictionary> infos[] = {std::nullopt, Dictionary{}, Dictionary{{key, 1}}};
-  for (const auto& info : infos) {
-    const platform::NSNotification notification(name, nullptr, info);
-    EXPECT_FALSE(probe->iTunesDidTerminateOrLaunchWithNotification(&notification));
-  }
-  EXPECT_EQ(probe->updates, 0);
-}
-
 class Widget : public tests::WidgetFixture {
  protected:
   Widget() {

@@ -15,21 +15,6 @@ using platform::Number;
 using platform::URL;
 using platform::Value;
 
-TEST(Values, NumbersConvertWithinTheirRangeAndCompareByAmount) {
-  EXPECT_EQ(Number(1e300).integerValue(), std::numeric_limits<std::int64_t>::max());
-  EXPECT_EQ(Number(-1e300).integerValue(), std::numeric_limits<std::int64_t>::min());
-  EXPECT_EQ(Number(std::nan("")).integerValue(), 0);
-  EXPECT_EQ(Number(-2.9).integerValue(), -2);
-  EXPECT_EQ(Value(true), Value(1));
-  EXPECT_EQ(Value(2), Value(2.0));
-  EXPECT_FALSE(Value(9007199254740993) == Value(9007199254740992));
-  EXPECT_FALSE(Value("1") == Value(1));
-  EXPECT_EQ(Value(Dictionary{{"a", Array{1, "x"}}}), Value(Dictionary{{"a", Array{1.0, "x"}}}));
-  EXPECT_FALSE(Value().as<std::string>());
-  EXPECT_TRUE(Value(true).as<Number>());
-  EXPECT_FALSE(Value(1).as<bool>());
-}
-
 TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
   EXPECT_TRUE(platform::caseInsensitiveEqual("BEATS 1", "beats 1"));
   EXPECT_TRUE(platform::caseInsensitiveEqual("STRASSE", "straße"));
