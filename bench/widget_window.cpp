@@ -188,13 +188,13 @@ int main(int argc, char** argv) {
     options.usesNetwork = false;  // and with it the demo player's own servers
   }
   desktop::Composition composition(std::move(options));
-  if (!composition.isPlayerRunning()) {
+  if (!composition.player().demoPlayer() && !composition.player().isRunning()) {
     std::fprintf(stderr, "widget-window: no player is on the bus\n");
     return EXIT_FAILURE;
   }
   desktop::Card* card = composition.card();
   if (card == nullptr) return EXIT_FAILURE;
-  desktop::CardSurface window(*card, composition.graphics(), QStringLiteral("bench"), false);
+  desktop::CardSurface window(*card, composition.graphics(), {.title = "bench"});
   if (what == "start") return start(window);
   if (what == "idle") return idle(window, number);
   if (what == "refresh") return refreshes(window, number);

@@ -36,20 +36,35 @@ std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus)
 }
 
 PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
-    : registry_(bus, QString::fromStdString(options.playerName.value_or(std::string()))),
+    : registry_(bus, QString::fromStdString(options.playerName)),
       artwork_([this] { scheduleAnnouncement(); }),
       ratings_(options.ratings),
-      lastDesktopEntry_(
-          firstComponent(QString::fromStdString(options.playerName.value_or(std::string())))),
+      lastDesktopEntry_(options.playerName.empty()
+                            ? QString::fromStdString(options.lastPlayer)
+                            : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
   announcement_.setSingleShot(true);
   announcement_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&announcement_, &QTimer::timeout, &announcement_, [this] { announce(); });
-  QObject::connect(&registry_, &PlayerRegistry::chosenChanged, &announcement_, [this] {
-    rememberDesktopEntry();
-    scheduleAnnouncement();
-  });
+  QObject::connect(&registry_, &PlayerRegistry::chosenChanged, &announcement_,
+                   [this, heard = options.heard] {
+                     rememberDesktopEntry();
+                     scheduleAnnouncement();
+                     if (heard) heard();
+                   });
   rememberDesktopEntry();
+}
+
+void PlayerBridge::follow(const std::string& playerName) {
+  const QString name = QString::fromStdString(playerName);
+  if (!name.isEmpty()) lastDesktopEntry_ = firstComponent(name);
+  registry_.setWantedName(name);
+  rememberDesktopEntry();
+}
+
+bool PlayerBridge::follows(const std::string& playerName) const {
+  const PlayerMirror* chosen = registry_.chosen();
+  return chosen != nullptr && answersTo(*chosen, QString::fromStdString(playerName));
 }
 
 std::optional<platform::ScriptingReply> PlayerBridge::send(

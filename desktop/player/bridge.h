@@ -6,6 +6,7 @@
 #include <QtCore/QString>
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusConnection>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,15 +27,17 @@ struct PlayerListing {
 };
 
 /// Follows one player at a time: the one that was named, else the one that plays, else the one
-/// last heard from. Changes are announced as the player's notification on the platform's
+/// heard from last. Changes are announced as the player's notification on the platform's
 /// distributed centre, coming and going through the shared workspace, twenty times a second at
 /// most. A player that does not answer in time is asked again without waiting, and meanwhile
 /// answers nothing. Main thread only.
 class PlayerBridge final : public platform::ScriptingTransport, public PlayerApplication {
  public:
   struct Options {
-    std::optional<std::string> playerName = std::nullopt;  ///< see PlayerRegistry
-    RatingsStore* ratings = nullptr;  ///< null: ratings come from the player alone
+    std::string playerName = {};       ///< see PlayerRegistry; empty: whichever plays
+    std::string lastPlayer = {};       ///< the desktop entry of the one that was followed before
+    RatingsStore* ratings = nullptr;   ///< null: ratings come from the player alone
+    std::function<void()> heard = {};  ///< called when there is something new with the player
   };
 
   /// The players on the bus, in the order of their names. Waits a quarter of a second at most.
@@ -42,6 +45,11 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
 
   /// Looks for players at once, waiting a quarter of a second at most for their answers.
   PlayerBridge(const QDBusConnection& bus, const Options& options);
+
+  /// Follows this player while it is there; see Options.
+  void follow(const std::string& playerName);
+  bool follows(const std::string& playerName) const;  ///< true while that is the one
+  bool isPlaying() { return isRunning() && registry_.chosen()->isPlaying(); }
 
   // Scripting.
   /// None for any other application.

@@ -23,6 +23,13 @@ bool isEqual(const QString& a, const QString& b) { return a.compare(b, Qt::CaseI
 
 }  // namespace
 
+bool answersTo(const PlayerMirror& player, const QString& name) {
+  const QString shortName = player.shortName();
+  return !name.isEmpty() && (isEqual(name, shortName) || isEqual(name, player.name()) ||
+                             isEqual(name, shortName.section(QLatin1Char('.'), 0, 0)) ||
+                             isEqual(name, player.identity()));
+}
+
 PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName)
     : bus_(bus),
       wantedName_(std::move(wantedName)),
@@ -77,24 +84,23 @@ std::vector<const PlayerMirror*> PlayerRegistry::players() const {
   return all;
 }
 
-bool PlayerRegistry::isWanted(const PlayerMirror& player) const {
-  const QString name = player.shortName();
-  if (wantedName_.isEmpty()) return name != QLatin1String(proxyName);
-  return isEqual(wantedName_, name) || isEqual(wantedName_, player.name()) ||
-         isEqual(wantedName_, name.section(QLatin1Char('.'), 0, 0)) ||
-         isEqual(wantedName_, player.identity());
+void PlayerRegistry::setWantedName(const QString& name) {
+  wantedName_ = name;
+  choose();
 }
 
 void PlayerRegistry::choose() {
   const auto rank = [this](const Player& player) {
     const PlayerMirror* mirror = player.mirror.get();
     // Of several that play the one that is followed already stays.
-    return std::tuple(mirror->isPlaying(), mirror->isPlaying() && mirror == chosen_,
-                      player.lastHeard, mirror->isPaused(), mirror == chosen_);
+    return std::tuple(answersTo(*mirror, wantedName_), mirror->isPlaying(),
+                      mirror->isPlaying() && mirror == chosen_, player.lastHeard,
+                      mirror->isPaused(), mirror == chosen_);
   };
   const Player* best = nullptr;
   for (const Player& player : players_) {
-    if (!isWanted(*player.mirror)) continue;
+    const bool isProxy = player.mirror->shortName() == QLatin1String(proxyName);
+    if (isProxy && !answersTo(*player.mirror, wantedName_)) continue;
     if (best == nullptr || rank(player) > rank(*best)) best = &player;
   }
   PlayerMirror* chosen = best != nullptr ? best->mirror.get() : nullptr;

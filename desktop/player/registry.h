@@ -14,17 +14,22 @@
 
 namespace desktop {
 
+/// True for a bus name, its part after "org.mpris.MediaPlayer2.", that part's first component and
+/// the identity of a player; ignoring case.
+bool answersTo(const PlayerMirror& player, const QString& name);
+
 /// Follows the names on the bus and what their owners signal.
 class PlayerRegistry final : public QObject {
   Q_OBJECT
 
  public:
-  /// With a name only the players that answer to it count: a bus name, its part after
-  /// "org.mpris.MediaPlayer2.", that part's first component, or an identity; ignoring case.
+  /// A player that answers to the name is chosen while there is one; empty: whichever plays.
   PlayerRegistry(const QDBusConnection& bus, QString wantedName);
+  void setWantedName(const QString& name);
 
-  /// The chosen player: the one that plays, else the one last heard from; null without any.
-  PlayerMirror* chosen() { return chosen_; }
+  /// The chosen player: the wanted one, else the one that plays, else the one last heard from; null
+  /// without any.
+  PlayerMirror* chosen() const { return chosen_; }
   /// All players, in the order of their names.
   std::vector<const PlayerMirror*> players() const;
 
@@ -44,13 +49,12 @@ class PlayerRegistry final : public QObject {
 
   void findPlayers();
   PlayerMirror* add(const QString& name, const QString& owner);
-  bool isWanted(const PlayerMirror& player) const;
   template <class Tell>
   void heard(const QDBusMessage& message, Tell tell);
   void choose();
 
   const QDBusConnection bus_;
-  const QString wantedName_;
+  QString wantedName_;
   QDBusServiceWatcher watcher_;
   std::vector<Player> players_;  // in the order of their names
   PlayerMirror* chosen_ = nullptr;

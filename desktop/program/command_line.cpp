@@ -51,7 +51,7 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addFlag("--list-players", line.listPlayers, "list the players on the session bus");
   addFlag("--demo", line.demo, "use the built-in demo player");
   addFlag("--wait-for-player", line.waitForPlayer,
-          "without a player wait for one instead of using the demo player");
+          "do not use the demo player when no player is installed");
   addValue("--snapshot", "FILE", line.snapshot, "write the present state as PNG, then exit");
   addValue("--tour", "FOLDER", line.tour, "write one PNG for each state of the demo player");
   addValue("--export-ratings", "FILE", line.exportRatings,
@@ -62,6 +62,7 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addHost("--stream-host", line.streamHost, "ask this server for the live station's programme");
   addHost("--store-host", line.storeHost, "search the store on this server");
   addFlag("--on-top", line.onTop, "keep the card above other windows");
+  addFlag("--new", line.newCard, "start another card when one runs already");
   addValue("--scale", "N", line.scale, "pixels per point, from 1 to 4",
            "takes a number from 1 to 4", &isScale);
   app.set_help_flag();  // not the library's

@@ -23,6 +23,7 @@ struct CommandLine {
   bool demo = false;
   bool waitForPlayer = false;
   bool onTop = false;
+  bool newCard = false;
   bool help = false;
   bool version = false;
 };

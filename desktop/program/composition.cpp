@@ -8,6 +8,14 @@
 
 namespace desktop {
 
+namespace {
+
+// Entries of the information dictionary that name servers.
+constexpr const char* streamHostKey = "VLStreamHost";
+constexpr const char* storeHostKey = "VLStoreSearchHost";
+
+}  // namespace
+
 std::unique_ptr<platform::NSBundle> openBundle(const std::string& path) {
   std::vector<std::string> languages;
   for (const QString& language : QLocale::system().uiLanguages()) {
@@ -21,8 +29,23 @@ Composition::Composition(Options options) : bundle_(std::move(options.bundle)) {
   platform_.runLoop = &runLoop_;
   platform_.graphics = &graphics_;
   platform_.mainBundle = bundle_.get();
+  for (const auto& [key, host] :
+       {std::pair(streamHostKey, options.streamHost), {storeHostKey, options.storeHost}}) {
+    if (host) bundle_->setInfoDictionaryEntry(key, *host);
+    const auto entry = bundle_->infoDictionary().find(key);
+    // The demo player brings servers of its own for those that are not named.
+    if (!host && entry != bundle_->infoDictionary().end()) servers_.emplace(key, entry->second);
+  }
   makePlayer(options);
-  if (options.usesNetwork) makeNetwork(options);
+  if (options.usesNetwork) {
+    makeNetwork();
+    for (const auto change : {&PlayerSource::demoEntered, &PlayerSource::demoLeft}) {
+      QObject::connect(player_.get(), change, player_.get(), [this] {
+        endNetwork();
+        makeNetwork();
+      });
+    }
+  }
   makeCard(options.widget);
 }
 
@@ -30,6 +53,45 @@ Composition::~Composition() {
   card_.reset();
   platform_.drag = nullptr;
   drag_.reset();
+  endNetwork();
+}
+
+void Composition::makePlayer(const Options& options) {
+  if (options.bus) ratings_ = std::make_unique<RatingsStore>(RatingsStore::defaultFile());
+  player_ =
+      std::make_unique<PlayerSource>(PlayerSource::Options{.bus = options.bus,
+                                                           .demo = options.demo,
+                                                           .playerName = options.playerName,
+                                                           .lastPlayer = options.lastPlayer,
+                                                           .demoStandsIn = options.demoStandsIn,
+                                                           .ratings = ratings_.get()});
+  workspace_ = std::make_unique<platform::NSWorkspace>(*player_);
+  loginItems_ = std::make_unique<LoginItems>(
+      LoginItems::Options{.folder = LoginItems::defaultFolder(),
+                          .bundlePath = bundle_->bundlePath(),
+                          .executablePath = QCoreApplication::applicationFilePath().toStdString(),
+                          .argument = "--wait-for-player"},
+      player_.get());
+  platform_.workspace = workspace_.get();
+  platform_.scripting = loginItems_.get();
+  if (auto* demo = player_->demoPlayer()) demo->launch(demo::statePlaying);
+}
+
+void Composition::makeNetwork() {
+  const bool isDemo = player_->demoPlayer() != nullptr;
+  if (isDemo && servers_.contains(streamHostKey)) demoStation_ = demo::DemoStation::start();
+  if (isDemo && servers_.contains(storeHostKey)) demoStore_ = demo::DemoStore::start();
+  for (const auto& [key, host] : servers_) bundle_->setInfoDictionaryEntry(key, host);
+  if (demoStation_) bundle_->setInfoDictionaryEntry(streamHostKey, demoStation_->host());
+  if (demoStore_) bundle_->setInfoDictionaryEntry(storeHostKey, demoStore_->host());
+  http_ = std::make_unique<platform::CurlTransport>(demoStore_ ? demoStore_->certificate()
+                                                               : std::string());
+  workers_ = std::make_unique<WorkerPool>();
+  platform_.http = http_.get();
+  platform_.globalQueue = workers_.get();
+}
+
+void Composition::endNetwork() {
   // Tasks and transfers under way end before what they use; transfers first, since tasks wait for
   // them.
   if (http_) http_->stop();
@@ -37,52 +99,8 @@ Composition::~Composition() {
   http_.reset();
   platform_.globalQueue = nullptr;
   platform_.http = nullptr;
-}
-
-void Composition::makePlayer(const Options& options) {
-  if (options.bus) {
-    ratings_ = std::make_unique<RatingsStore>(RatingsStore::defaultFile());
-    bridge_ = std::make_unique<PlayerBridge>(
-        *options.bus,
-        PlayerBridge::Options{.playerName = options.playerName, .ratings = ratings_.get()});
-    if (options.demoStandsIn && !bridge_->isRunning()) bridge_.reset();
-  }
-  desktopWorkspace_ = std::make_unique<DesktopWorkspace>(bridge_.get());
-  platform::WorkspaceBackend* workspace = desktopWorkspace_.get();
-  platform::ScriptingTransport* player = bridge_.get();
-  if (!bridge_) {
-    demoPlayer_ = std::make_unique<demo::DemoPlayer>();
-    demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, desktopWorkspace_.get());
-    workspace = demoWorkspace_.get();
-    player = demoPlayer_.get();
-  }
-  workspace_ = std::make_unique<platform::NSWorkspace>(*workspace);
-  loginItems_ = std::make_unique<LoginItems>(
-      LoginItems::Options{.folder = LoginItems::defaultFolder(),
-                          .bundlePath = bundle_->bundlePath(),
-                          .executablePath = QCoreApplication::applicationFilePath().toStdString(),
-                          .argument = "--wait-for-player"},
-      player);
-  platform_.workspace = workspace_.get();
-  platform_.scripting = loginItems_.get();
-  if (demoPlayer_) demoPlayer_->launch(demo::statePlaying);
-}
-
-void Composition::makeNetwork(const Options& options) {
-  const auto setServer = [this](const char* key, const std::string& host) {
-    bundle_->setInfoDictionaryEntry(key, host);
-  };
-  if (demoPlayer_ && !options.streamHost) demoStation_ = demo::DemoStation::start();
-  if (demoPlayer_ && !options.storeHost) demoStore_ = demo::DemoStore::start();
-  if (demoStation_) setServer("VLStreamHost", demoStation_->host());
-  if (demoStore_) setServer("VLStoreSearchHost", demoStore_->host());
-  if (options.streamHost) setServer("VLStreamHost", *options.streamHost);
-  if (options.storeHost) setServer("VLStoreSearchHost", *options.storeHost);
-  http_ = std::make_unique<platform::CurlTransport>(demoStore_ ? demoStore_->certificate()
-                                                               : std::string());
-  workers_ = std::make_unique<WorkerPool>();
-  platform_.http = http_.get();
-  platform_.globalQueue = workers_.get();
+  demoStation_.reset();
+  demoStore_.reset();
 }
 
 void Composition::makeCard(const platform::PrincipalClasses& widget) {

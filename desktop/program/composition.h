@@ -2,23 +2,21 @@
 #pragma once
 
 #include <QtDBus/QDBusConnection>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "demo/demo_player.h"
 #include "demo/demo_station.h"
 #include "demo/demo_store.h"
-#include "demo/demo_workspace.h"
 #include "desktop/drag/source.h"
 #include "desktop/graphics/backend.h"
-#include "desktop/player/bridge.h"
+#include "desktop/program/player_source.h"
 #include "desktop/program/qt_run_loop.h"
 #include "desktop/program/worker_pool.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/login_items.h"
-#include "desktop/session/workspace.h"
 #include "desktop/window/card.h"
 #include "desktop/window/card_style.h"
 #include "platform/application/bundle.h"
@@ -41,10 +39,10 @@ class Composition {
     platform::PrincipalClasses widget;
     /// Where the player is looked for; none: it is the demo player.
     std::optional<QDBusConnection> bus = std::nullopt;
-    /// The player to follow; none: the one that plays, else the one heard from last. Those that are
-    /// not there yet are waited for.
-    std::optional<std::string> playerName = std::nullopt;
-    bool demoStandsIn = false;  ///< the demo player takes the place of one that is not there
+    bool demo = false;  ///< see PlayerSource, as the next three
+    std::string playerName = {};
+    std::string lastPlayer = {};
+    bool demoStandsIn = false;
     bool usesNetwork = true;
     // Servers, "host" or "host:port", in the place of the bundle's. For what is not named, the demo
     // player brings its own.
@@ -57,9 +55,7 @@ class Composition {
   Composition& operator=(const Composition&) = delete;
 
   Card* card() { return card_.get(); }  ///< null when the bundle names no widget
-  /// Plays from the beginning; null when a player on the bus is followed.
-  demo::DemoPlayer* demoPlayer() { return demoPlayer_.get(); }
-  bool isPlayerRunning() const { return demoPlayer_ || bridge_->isRunning(); }
+  PlayerSource& player() { return *player_; }
   QtGraphics& graphics() { return graphics_; }
   /// The widget's name as the user sees it.
   std::string displayName() const;
@@ -69,7 +65,8 @@ class Composition {
 
  private:
   void makePlayer(const Options& options);
-  void makeNetwork(const Options& options);
+  void makeNetwork();
+  void endNetwork();
   void makeCard(const platform::PrincipalClasses& widget);
 
   platform::Platform platform_;
@@ -78,14 +75,12 @@ class Composition {
   platform::RunLoop runLoop_{driver_};
   QtGraphics graphics_{opaqueLabelColor};
   std::unique_ptr<platform::NSBundle> bundle_;
+  std::map<std::string, platform::Value> servers_;  ///< entries of the bundle, without the demo's
   std::unique_ptr<RatingsStore> ratings_;
-  std::unique_ptr<PlayerBridge> bridge_;
-  std::unique_ptr<demo::DemoPlayer> demoPlayer_;
+  std::unique_ptr<PlayerSource> player_;
   std::unique_ptr<demo::DemoStation> demoStation_;
   std::unique_ptr<demo::DemoStore> demoStore_;
   std::unique_ptr<LoginItems> loginItems_;
-  std::unique_ptr<DesktopWorkspace> desktopWorkspace_;
-  std::unique_ptr<demo::DemoWorkspace> demoWorkspace_;
   std::unique_ptr<platform::NSWorkspace> workspace_;
   std::unique_ptr<platform::CurlTransport> http_;
   std::unique_ptr<WorkerPool> workers_;

@@ -8,9 +8,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
+#include "desktop/files/settings.h"
 #include "desktop/graphics/qt_image.h"
 #include "desktop/program/composition.h"
+#include "desktop/program/ending.h"
+#include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
 #include "desktop/ratings/exchange.h"
 #include "desktop/window/card_menu.h"
@@ -70,7 +74,7 @@ int tour(const CommandLine& commandLine, Composition& composition,
                                .scale = commandLine.scale.value_or(pictureScale),
                                .appearance = ColorScheme().appearance(),
                                .showsLiveProgramme = widget.showsLiveProgramme},
-                              *composition.card(), *composition.demoPlayer(), std::cout);
+                              *composition.card(), *composition.player().demoPlayer(), std::cout);
   return taken ? EXIT_SUCCESS : fail(taken.problem().text);
 }
 
@@ -92,15 +96,72 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
-int showWindow(const CommandLine& commandLine, Composition& composition,
-               const virelune::WidgetEntry& widget) {
+/// What this start wants of the card that runs.
+CardRequest requestOf(const CommandLine& commandLine) {
+  const char* token = std::getenv("XDG_ACTIVATION_TOKEN");
+  return {.player = commandLine.player,
+          .demo = commandLine.demo,
+          .onTop = commandLine.onTop,
+          .activationToken = token != nullptr ? token : ""};
+}
+
+/// The exit status when the card that runs has taken the request; none when there is no such card.
+std::optional<int> handOnTo(const QDBusConnection& bus, const CommandLine& commandLine) {
+  switch (handOn(bus, requestOf(commandLine))) {
+    case HandingOn::done:
+      return EXIT_SUCCESS;
+    case HandingOn::nobodyThere:
+      return std::nullopt;
+    case HandingOn::unanswered:
+      break;
+  }
+  return fail("the card that runs does not answer; --new starts another");
+}
+
+/// The same before there is a display, so that a second start costs next to nothing.
+std::optional<int> handOnEarly(const CommandLine& commandLine, int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  const auto name = QStringLiteral("virelune-start");
+  std::optional<int> status;
+  {
+    const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+    if (bus.isConnected()) status = handOnTo(bus, commandLine);
+  }
+  QDBusConnection::disconnectFromBus(name);
+  return status;
+}
+
+int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
+               Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
+  PlayerSource& player = composition.player();
   CardSurface window(*composition.card(), composition.graphics(),
-                     QString::fromStdString(composition.displayName()), commandLine.onTop);
+                     {.title = QString::fromStdString(composition.displayName()),
+                      .onTop = commandLine.onTop || settings.isOnTop(),
+                      .settings = &settings,
+                      .cardNumber = instance.number()});
   const CardMenu menu(window, composition.graphics(), widget);
   composition.useDrag(window);
   setWindowIcon();
+  instance.setHandler([&](const CardRequest& request) {
+    if (request.demo) player.playDemo();
+    if (request.player) {
+      settings.setPlayer(*request.player);
+      player.followPlayer(*request.player);
+    }
+    if (request.onTop) window.setOnTop(true);
+    window.bringToFront(request.activationToken);
+  });
+  QObject::connect(&player, &PlayerSource::playerHeard, &window, [&settings, &player] {
+    if (player.isRunning()) settings.setLastPlayer(player.desktopEntry());
+  });
+  QObject::connect(&player, &PlayerSource::busReturned, &window,
+                   [&instance](const QDBusConnection& bus) { instance.claim(bus); });
+  const EndingSignals endings;
+  display.setLastAct([&window] { window.rememberPlace(); });
   window.open();
-  return QGuiApplication::exec();
+  const int status = QGuiApplication::exec();
+  instance.setHandler(nullptr);
+  return status;
 }
 
 }  // namespace
@@ -121,40 +182,58 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
     return fail("there is no display for the card; --snapshot writes it to a file");
   }
   const bool isOffScreen = takesTour || commandLine.snapshot;
-  if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
-  if (!isOffScreen && commandLine.scale) {
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(*commandLine.scale));
+  if (!isOffScreen && !commandLine.newCard) {
+    if (const auto status = handOnEarly(commandLine, argc, argv)) return *status;
   }
+  std::optional<Settings> settings;
+  settings.emplace(isOffScreen ? std::filesystem::path() : Settings::defaultFile());
+  const auto scale = commandLine.scale ? commandLine.scale : settings->scale();
+  if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (!isOffScreen && scale) qputenv("QT_SCALE_FACTOR", QByteArray::number(*scale));
+  LostDisplay display;
   const QGuiApplication application(argc, argv);
   QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
 
   auto bundle = openBundle(bundlePath());
   if (!bundle) return fail("the resources are missing: " + bundlePath());
-  std::optional<QDBusConnection> bus;
-  if (!takesTour && !commandLine.demo) {
-    bus = QDBusConnection::sessionBus();
-    if (!bus->isConnected()) {
-      return fail("there is no session bus; --demo shows the built-in player");
+  auto bus = QDBusConnection::sessionBus();
+  Instance instance;
+  if (!takesTour && bus.isConnected()) {
+    if (!isOffScreen) instance.claim(bus);
+    if (instance.number() > 1 && !commandLine.newCard) {
+      // Another start was faster.
+      if (const auto status = handOnTo(bus, commandLine)) return *status;
     }
+  } else if (!takesTour && !commandLine.demo) {
+    return fail("there is no session bus; --demo shows the built-in player");
   }
-  Composition composition({.bundle = std::move(bundle),
-                           .widget = widget.principalClasses,
-                           .bus = bus,
-                           .playerName = commandLine.player,
-                           .demoStandsIn = !commandLine.player && !commandLine.waitForPlayer,
-                           .streamHost = commandLine.streamHost,
-                           .storeHost = commandLine.storeHost});
+  if (commandLine.player) settings->setPlayer(*commandLine.player);
+  const bool isDemo = takesTour || commandLine.demo;
+  Composition composition(
+      {.bundle = std::move(bundle),
+       .widget = widget.principalClasses,
+       .bus = takesTour || !bus.isConnected() ? std::nullopt : std::optional(bus),
+       .demo = isDemo,
+       .playerName = commandLine.player.value_or(settings->player()),
+       .lastPlayer = settings->lastPlayer(),
+       .demoStandsIn = !commandLine.player && !commandLine.waitForPlayer,
+       .streamHost = commandLine.streamHost,
+       .storeHost = commandLine.storeHost});
   if (composition.card() == nullptr) return fail("the resources name no widget");
   if (takesTour) return tour(commandLine, composition, widget);
-  if (commandLine.player && !commandLine.waitForPlayer && !composition.isPlayerRunning()) {
-    return fail("no player \"" + *commandLine.player +
-                "\" is on the session bus; --list-players names those that are");
+  PlayerSource& player = composition.player();
+  if (commandLine.player && !commandLine.waitForPlayer && !player.hasPlayer(*commandLine.player)) {
+    const std::string problem = "no player \"" + *commandLine.player +
+                                "\" is on the session bus; --list-players names those that are";
+    if (commandLine.snapshot) return fail(problem);
+    std::cerr << "virelune-widget: " << problem << std::endl;
   }
-  if (bus && composition.demoPlayer() != nullptr) {
-    std::cout << "No music player is on the session bus; this is the demo player." << std::endl;
+  if (!isDemo && player.demoPlayer() != nullptr) {
+    std::cout << "No music player runs and none is installed; this is the demo player."
+              << std::endl;
   }
-  return commandLine.snapshot ? snapshot(commandLine, *composition.card())
-                              : showWindow(commandLine, composition, widget);
+  if (commandLine.snapshot) return snapshot(commandLine, *composition.card());
+  return showWindow(commandLine, composition, *settings, instance, display, widget);
 }
 
 }  // namespace desktop

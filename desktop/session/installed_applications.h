@@ -9,6 +9,9 @@
 
 namespace desktop {
 
+/// The identifier of this program's own entry.
+inline constexpr const char* ownDesktopEntry = "org.virelune.Virelune.Widget.desktop";
+
 /// Answers from the desktop entries of the user and the system. An application is named by the path
 /// of its entry; none that is hidden, or whose program is missing, is answered. Main thread only.
 class InstalledApplications {
@@ -20,6 +23,8 @@ class InstalledApplications {
   virtual std::optional<std::string> pathForIdentifier(const std::string& identifier) = 0;
   /// The user's application for a media type or "x-scheme-handler/…".
   virtual std::optional<std::string> pathForType(const std::string& type) = 0;
+  /// The first application, by name, that is listed as an audio or video player.
+  virtual std::optional<std::string> pathForPlayer() = 0;
   /// The name of an application's icon in the icon theme, or the path of its file.
   virtual std::optional<std::string> iconName(const std::string& path) = 0;
   /// Starts an application by itself, with an address to open unless that is empty. False when it

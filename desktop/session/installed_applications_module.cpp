@@ -31,6 +31,16 @@ std::optional<std::string> pathOf(const Application& application) {
   return path != nullptr ? std::optional<std::string>(path) : std::nullopt;
 }
 
+/// True for what the desktop's menus list among the players; this program is none.
+bool isPlayer(GDesktopAppInfo* application) {
+  const char* identifier = g_app_info_get_id(G_APP_INFO(application));
+  const char* categories = g_desktop_app_info_get_categories(application);
+  if (identifier == nullptr || categories == nullptr) return false;
+  const std::string list = ';' + std::string(categories) + ';';
+  return list.find(";AudioVideo;") != std::string::npos &&
+         list.find(";Player;") != std::string::npos && std::string(identifier) != ownDesktopEntry;
+}
+
 class GioApplications final : public InstalledApplications {
  public:
   std::optional<std::string> pathForIdentifier(const std::string& identifier) override {
@@ -41,6 +51,24 @@ class GioApplications final : public InstalledApplications {
   std::optional<std::string> pathForType(const std::string& type) override {
     GAppInfo* found = g_app_info_get_default_for_type(type.c_str(), FALSE);
     return pathOf(Application(found != nullptr ? G_DESKTOP_APP_INFO(found) : nullptr));
+  }
+
+  std::optional<std::string> pathForPlayer() override {
+    std::optional<std::pair<std::string, std::string>> first;  // its name and path
+    GList* all = g_app_info_get_all();
+    for (GList* item = all; item != nullptr; item = item->next) {
+      GDesktopAppInfo* application = G_DESKTOP_APP_INFO(item->data);
+      const char* path = g_desktop_app_info_get_filename(application);
+      if (path == nullptr || !isPlayer(application) ||
+          g_app_info_should_show(G_APP_INFO(application)) == FALSE) {
+        continue;
+      }
+      auto entry =
+          std::pair(lowerCase(g_app_info_get_name(G_APP_INFO(application))), std::string(path));
+      if (!first || entry < *first) first = std::move(entry);
+    }
+    g_list_free_full(all, g_object_unref);
+    return first ? std::optional(first->second) : std::nullopt;
   }
 
   std::optional<std::string> iconName(const std::string& path) override {

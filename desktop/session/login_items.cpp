@@ -24,7 +24,6 @@ using platform::Value;
 constexpr const char* entryGroup = G_KEY_FILE_DESKTOP_GROUP;
 // Keys of our own in the entries made here.
 constexpr const char* orderKey = "X-Virelune-LoginItem";
-constexpr const char* hiddenKey = "X-Virelune-StartHidden";
 // How GNOME's settings switch an entry off without removing it.
 constexpr const char* enabledKey = "X-GNOME-Autostart-enabled";
 
@@ -77,7 +76,7 @@ std::string programOf(const std::string& exec) {
   return program;
 }
 
-std::string entryText(const std::string& program, const std::string& exec, bool hidden, int order) {
+std::string entryText(const std::string& program, const std::string& exec, int order) {
   const Entry entry(g_key_file_new());
   const auto set = [&entry](const char* key, const std::string& value) {
     g_key_file_set_string(entry.get(), entryGroup, key, value.c_str());
@@ -85,7 +84,6 @@ std::string entryText(const std::string& program, const std::string& exec, bool 
   set("Type", "Application");
   set("Name", fs::path(program).stem().native());
   set("Exec", exec);
-  set(hiddenKey, hidden ? "true" : "false");
   set(orderKey, std::to_string(order));
   const std::unique_ptr<char, Release> text(g_key_file_to_data(entry.get(), nullptr, nullptr));
   return text.get();
@@ -142,7 +140,6 @@ std::optional<LoginItems::Item> LoginItems::itemInFile(const fs::path& file) con
   }
   Item item{.file = file,
             .path = programOf(textOf(entry, "Exec")),
-            .startsHidden = isTrue(entry, hiddenKey),
             .isEnabled = textOf(entry, enabledKey) != "false",
             .order = std::clamp(g_key_file_get_integer(entry.get(), entryGroup, orderKey, nullptr),
                                 0, largestOrder)};
@@ -181,7 +178,6 @@ std::optional<ScriptingReply> LoginItems::answer(const ScriptingRequest& request
     case ScriptingRequest::Kind::get:
       if (request.path.size() != 2) return std::nullopt;
       if (request.path.back().code == system_events::path) return Value(item.path);
-      if (request.path.back().code == system_events::hidden) return Value(item.startsHidden);
       return std::nullopt;
     default:
       return std::nullopt;
@@ -192,24 +188,36 @@ bool LoginItems::add(const Value& properties) const {
   const auto* dictionary = properties.get<platform::Dictionary>();
   if (dictionary == nullptr || options_.folder.empty()) return false;
   const auto path = dictionary->find("path");
-  const auto hidden = dictionary->find("hidden");
   const std::string* text = path != dictionary->end() ? path->second.get<std::string>() : nullptr;
   // Which takes no NUL either.
   const bool isText =
       text != nullptr &&
       g_utf8_validate(text->data(), static_cast<gssize>(text->size()), nullptr) != FALSE;
   if (!isText || text->empty()) return false;
-  const auto flag = hidden != dictionary->end() ? hidden->second.as<platform::Number>()
-                                                : std::optional<platform::Number>();
   const std::vector<Item> all = items();
   const int order = std::max(all.empty() ? 0 : all.back().order, 0) + 1;
   const bool isThisProgram = *text == options_.bundlePath;
   const std::string& program = isThisProgram ? options_.executablePath : *text;
-  std::string exec = quotedArgument(program);
-  if (isThisProgram && !options_.argument.empty()) exec += ' ' + quotedArgument(options_.argument);
+  const std::string exec = isThisProgram ? ownCommand() : quotedArgument(program);
   return makeFolder(options_.folder) &&
-         writeWholeFile(fileForNewItem(program, exec),
-                        entryText(program, exec, flag && flag->boolValue(), order));
+         writeWholeFile(fileForNewItem(program, exec), entryText(program, exec, order));
+}
+
+std::string LoginItems::ownCommand() const {
+  const std::string command = quotedArgument(options_.executablePath);
+  return options_.argument.empty() ? command : command + ' ' + quotedArgument(options_.argument);
+}
+
+void LoginItems::followMovedProgram() const {
+  const fs::path program = options_.executablePath;
+  for (const Item& item : items()) {
+    std::error_code error;
+    const bool isOurs = item.order > 0 && fs::path(item.path).filename() == program.filename();
+    if (!isOurs || item.path == options_.bundlePath || fs::exists(item.path, error) || error) {
+      continue;
+    }
+    writeWholeFile(item.file, entryText(program, ownCommand(), item.order));
+  }
 }
 
 fs::path LoginItems::fileForNewItem(const std::string& program, const std::string& exec) const {

@@ -34,11 +34,13 @@ class LoginItems : public platform::ScriptingTransport {
 
   std::optional<platform::ScriptingReply> send(const platform::ScriptingRequest& request) override;
 
+  /// Lets items that started this program from where it is no more start it from where it is now.
+  void followMovedProgram() const;
+
  private:
   struct Item {
     std::filesystem::path file;
     std::string path;
-    bool startsHidden = false;
     bool isEnabled = true;
     int order = 0;  ///< 0 for entries of others
   };
@@ -48,6 +50,7 @@ class LoginItems : public platform::ScriptingTransport {
   std::optional<platform::ScriptingReply> answer(const platform::ScriptingRequest& request,
                                                  const Item& item) const;
   bool add(const platform::Value& properties) const;
+  std::string ownCommand() const;
   std::filesystem::path fileForNewItem(const std::string& program, const std::string& exec) const;
 
   const Options options_;

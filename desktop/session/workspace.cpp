@@ -26,6 +26,7 @@ class NoApplications final : public InstalledApplications {
  public:
   std::optional<std::string> pathForIdentifier(const std::string&) override { return {}; }
   std::optional<std::string> pathForType(const std::string&) override { return {}; }
+  std::optional<std::string> pathForPlayer() override { return {}; }
   std::optional<std::string> iconName(const std::string&) override { return {}; }
   bool launch(const std::string&, const std::string&) override { return false; }
 };
@@ -86,7 +87,9 @@ std::optional<std::string> DesktopWorkspace::playerPath() {
   if (const std::string identifier = player_->desktopEntry(); !identifier.empty()) {
     if (auto path = applications().pathForIdentifier(identifier)) return path;
   }
-  return player_->isRunning() ? std::nullopt : applications().pathForType("audio/mpeg");
+  if (player_->isRunning()) return std::nullopt;
+  const auto usual = applications().pathForType("audio/mpeg");
+  return usual ? usual : applications().pathForPlayer();
 }
 
 std::shared_ptr<platform::NSImage> DesktopWorkspace::icon(const std::string& path) {

@@ -21,7 +21,7 @@ class DesktopWorkspace final : public platform::WorkspaceBackend {
   /// Only the player is told to run; of other applications nothing is known.
   platform::ObjectArray runningApplications(const std::string& bundleIdentifier) override;
   /// The path of a desktop entry. The player's is that of the one that runs, else of the one that
-  /// was followed last or named, else of the user's player for audio files.
+  /// was followed last or named, else of the user's player for audio files, else of any player.
   std::optional<std::string> applicationPath(const std::string& bundleIdentifier) override;
   std::shared_ptr<platform::NSImage> icon(const std::string& path) override;
   void launchApplication(const std::string& bundleIdentifier) override;

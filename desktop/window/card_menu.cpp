@@ -63,10 +63,13 @@ CardMenu::~CardMenu() { card_.setMenuHandler(nullptr); }
 std::vector<CardMenu::Item> CardMenu::currentItems() {
   const bool isLaunching = widget_.isLaunchingAtLogin();
   const bool isOnTop = card_.isOnTop();
-  return {{localizedString("0003.0001"), isLaunching,
-           [this, isLaunching] { widget_.setLaunchingAtLogin(!isLaunching); }},
-          {localizedString("0003.0002"), isOnTop, [this, isOnTop] { card_.setOnTop(!isOnTop); }},
-          {localizedString("0003.0003"), false, [this] { card_.close(); }}};
+  std::vector<Item> items{
+      {localizedString("0003.0001"), isLaunching,
+       [this, isLaunching] { widget_.setLaunchingAtLogin(!isLaunching); }},
+      {localizedString("0003.0002"), isOnTop, [this, isOnTop] { card_.setOnTop(!isOnTop); }},
+      {localizedString("0003.0003"), false, [this] { card_.close(); }}};
+  if (!canChoosePlace()) items.erase(items.begin() + 1);
+  return items;
 }
 
 void CardMenu::open(QPoint point) {

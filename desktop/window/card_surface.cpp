@@ -2,7 +2,6 @@
 
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
-#include <chrono>
 #include <cmath>
 
 #include "desktop/window/card_style.h"
@@ -12,11 +11,6 @@
 namespace desktop {
 
 namespace {
-
-constexpr int firstPlaceMargin = 24;  // from the screen's upper right corner
-
-/// Only there does a window know, and choose, its place.
-bool canChoosePlace() { return QGuiApplication::platformName() == "xcb"; }
 
 /// The pixels of a card that lie within its corners.
 QRegion cardMask(QSize size) {
@@ -35,14 +29,18 @@ QRegion cardMask(QSize size) {
 
 }  // namespace
 
-CardSurface::CardSurface(Card& card, QtGraphics& graphics, const QString& title, bool onTop)
-    : card_(card), graphics_(graphics), mouse_(card.window()) {
+CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& options)
+    : card_(card),
+      graphics_(graphics),
+      mouse_(card.window()),
+      settings_(options.settings),
+      placement_(*this, options.settings, options.cardNumber) {
   QSurfaceFormat translucent = format();
   translucent.setAlphaBufferSize(8);
   setFormat(translucent);
   setFlag(Qt::FramelessWindowHint);
-  setFlag(Qt::WindowStaysOnTopHint, onTop);
-  setTitle(title);
+  setFlag(Qt::WindowStaysOnTopHint, options.onTop && canChoosePlace());
+  setTitle(options.title);
 
   card_.window().setMarkHandler([this](platform::NSRect rect) {
     const double y = card_.size().height - rect.maxY();
@@ -52,15 +50,11 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const QString& title,
   card_.header().setCloseHandler([this] { close(); });
   colorScheme_.setChangeHandler([this] { update(); });
   connect(this, &QWindow::windowStateChanged, this, [this] { updateVisibility(); });
-
-  saveTimer_.setSingleShot(true);
-  saveTimer_.setInterval(std::chrono::milliseconds(500));  // a move is a series of places
-  connect(&saveTimer_, &QTimer::timeout, this, [this] { savePosition(); });
   fitCard();
 }
 
 CardSurface::~CardSurface() {
-  if (saveTimer_.isActive()) savePosition();
+  placement_.save();
   colorScheme_.setChangeHandler(nullptr);
   card_.header().setCloseHandler(nullptr);
   card_.setSizeHandler(nullptr);
@@ -69,26 +63,22 @@ CardSurface::~CardSurface() {
 }
 
 void CardSurface::open() {
-  place();
+  placement_.place();
   show();
 }
 
-void CardSurface::place() {
-  if (!canChoosePlace() || screen() == nullptr) return;
-  QList<QRect> screens;
-  for (const QScreen* available : QGuiApplication::screens()) {
-    screens.append(available->availableGeometry());
-  }
-  const QRect first = screen()->availableGeometry();
-  const QPoint corner(first.x() + first.width() - width() - firstPlaceMargin,
-                      first.y() + firstPlaceMargin);
-  const QPoint wanted = readPosition(positionFile()).value_or(corner);
-  setPosition(positionOnScreens(wanted, size(), screens));
+void CardSurface::setOnTop(bool onTop) {
+  setFlag(Qt::WindowStaysOnTopHint, onTop && canChoosePlace());
+  if (settings_ != nullptr) settings_->setOnTop(onTop);
 }
 
-void CardSurface::savePosition() {
-  saveTimer_.stop();
-  if (canChoosePlace()) writePosition(positionFile(), position());
+void CardSurface::bringToFront(const std::string& activationToken) {
+  // Qt hands it on with the request, and forgets it then.
+  if (!activationToken.empty()) qputenv("XDG_ACTIVATION_TOKEN", activationToken.c_str());
+  setWindowStates(windowStates() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  requestActivate();
 }
 
 void CardSurface::fitCard() {
@@ -124,7 +114,7 @@ bool CardSurface::event(QEvent* event) {
       card_.header().pointerMoved(std::nullopt);
       break;
     case QEvent::Close:
-      if (saveTimer_.isActive()) savePosition();
+      placement_.save();
       break;
     default:
       break;
@@ -150,7 +140,7 @@ void CardSurface::paintEvent(QPaintEvent* event) {
 }
 
 void CardSurface::moveEvent(QMoveEvent* event) {
-  if (isVisible()) saveTimer_.start();
+  if (isVisible()) placement_.moved();
   QRasterWindow::moveEvent(event);
 }
 

@@ -1,15 +1,16 @@
 // The card on the screen.
 #pragma once
 
-#include <QtCore/QTimer>
 #include <QtGui/QRasterWindow>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "desktop/graphics/backend.h"
 #include "desktop/window/card.h"
 #include "desktop/window/color_scheme.h"
 #include "desktop/window/mouse_input.h"
+#include "desktop/window/placement.h"
 
 namespace desktop {
 
@@ -18,14 +19,25 @@ namespace desktop {
 /// card's views know that they are not seen.
 class CardSurface final : public QRasterWindow {
  public:
-  CardSurface(Card& card, QtGraphics& graphics, const QString& title, bool onTop);
+  struct Options {
+    QString title;
+    bool onTop = false;
+    Settings* settings = nullptr;  ///< what the user sets up is remembered there; null: nowhere
+    int cardNumber = 1;            ///< among the session's cards
+  };
+  CardSurface(Card& card, QtGraphics& graphics, const Options& options);
   ~CardSurface() override;
 
   /// Shows the window, where it was last time when the desktop lets windows choose.
   void open();
 
   bool isOnTop() const { return flags().testFlag(Qt::WindowStaysOnTopHint); }
-  void setOnTop(bool onTop) { setFlag(Qt::WindowStaysOnTopHint, onTop); }
+  /// Remembered, and done where the desktop lets windows choose.
+  void setOnTop(bool onTop);
+  void rememberPlace() { placement_.save(); }
+  /// Shows the window above the others and lets the user type there. The token is the one that
+  /// another program was given for it (XDG Activation); empty for none.
+  void bringToFront(const std::string& activationToken);
   platform::Appearance appearance() const { return colorScheme_.appearance(); }
 
   /// Called with the place on the screen where the user asks for the context menu.
@@ -49,8 +61,6 @@ class CardSurface final : public QRasterWindow {
   void fitCard();
   void updateVisibility();
   void updateCompositing();
-  void place();
-  void savePosition();
   void moveCard(const QMouseEvent& event);
   platform::NSPoint cardPoint(QPointF position) const;
 
@@ -59,7 +69,8 @@ class CardSurface final : public QRasterWindow {
   ColorScheme colorScheme_;
   MouseInput mouse_;
   std::optional<QPointF> grip_;  // where in the window the user took hold of it
-  QTimer saveTimer_;
+  Settings* const settings_;
+  Placement placement_;
   std::function<void(QPoint)> menuHandler_;
   std::function<void(const QRegion&)> paintObserver_;
 };

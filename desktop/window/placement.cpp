@@ -1,21 +1,22 @@
 #include "desktop/window/placement.h"
 
-#include <QtCore/QFile>
+#include <QtCore/QStringList>
+#include <QtGui/QGuiApplication>
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
+#include <chrono>
 #include <limits>
-#include <string>
-
-#include "desktop/files/user_folders.h"
-#include "desktop/files/whole_file.h"
 
 namespace desktop {
 
 namespace {
 
-// No desktop reaches farther (X11 coordinates have 16 bits).
-constexpr std::int64_t farthest = 1 << 16;
+using std::chrono::milliseconds;
+
+constexpr int firstPlaceMargin = 24;       // from the screen's upper right corner
+constexpr int cardDistance = 28;           // between the places of two cards, either way
+constexpr milliseconds moveDuration{500};  // a move is a series of places
+// Screens change one after the other, and window managers move windows a moment after.
+constexpr milliseconds changeDuration{500};
 
 QPoint positionWithin(QPoint wanted, QSize size, const QRect& screen) {
   const auto fitted = [](int value, int length, int start, int room) {
@@ -25,30 +26,26 @@ QPoint positionWithin(QPoint wanted, QSize size, const QRect& screen) {
           fitted(wanted.y(), size.height(), screen.y(), screen.height())};
 }
 
+/// Tells the screens of the moment, and how they lie, from others.
+QString layoutName() {
+  QStringList screens;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect place = screen->geometry();
+    screens.append(QStringLiteral("%1 %2x%3+%4+%5")
+                       .arg(screen->name())
+                       .arg(place.width())
+                       .arg(place.height())
+                       .arg(place.x())
+                       .arg(place.y()));
+  }
+  screens.sort();
+  return screens.join(QLatin1Char(' '));
+}
+
 }  // namespace
 
-std::filesystem::path positionFile() {
-  const std::filesystem::path folder = userStateFolder();
-  return folder.empty() ? folder : folder / "virelune-widget" / "position";
-}
-
-std::optional<QPoint> readPosition(const std::filesystem::path& path) {
-  constexpr qint64 longestLine = 64;
-  QFile file(QString::fromStdString(path.string()));
-  if (path.empty() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
-  const QList<QByteArray> numbers = file.read(longestLine).simplified().split(' ');
-  if (numbers.size() != 2) return std::nullopt;
-  bool isX = false;
-  bool isY = false;
-  const QPoint position(numbers[0].toInt(&isX), numbers[1].toInt(&isY));
-  const bool isPlausible = std::abs(std::int64_t{position.x()}) < farthest &&
-                           std::abs(std::int64_t{position.y()}) < farthest;
-  return isX && isY && isPlausible ? std::optional(position) : std::nullopt;
-}
-
-bool writePosition(const std::filesystem::path& path, QPoint position) {
-  const std::string line = std::to_string(position.x()) + ' ' + std::to_string(position.y()) + '\n';
-  return !path.empty() && makeFolder(path.parent_path()) && writeWholeFile(path, line);
+bool canChoosePlace() {
+  return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
 }
 
 QPoint positionOnScreens(QPoint wanted, QSize size, const QList<QRect>& screens) {
@@ -62,6 +59,61 @@ QPoint positionOnScreens(QPoint wanted, QSize size, const QList<QRect>& screens)
     best = position;
   }
   return best;
+}
+
+Placement::Placement(QWindow& window, Settings* settings, int cardNumber)
+    : window_(window), settings_(settings), cardNumber_(std::max(cardNumber, 1)) {
+  saveTimer_.setSingleShot(true);
+  saveTimer_.setInterval(moveDuration);
+  connect(&saveTimer_, &QTimer::timeout, this, [this] { save(); });
+  changeTimer_.setSingleShot(true);
+  changeTimer_.setInterval(changeDuration);
+  connect(&changeTimer_, &QTimer::timeout, this, [this] { place(); });
+  for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+  connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
+    watch(screen);
+    screensChanging();
+  });
+  connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { screensChanging(); });
+}
+
+Placement::~Placement() { save(); }
+
+void Placement::watch(QScreen* screen) {
+  connect(screen, &QScreen::geometryChanged, this, [this] { screensChanging(); });
+  connect(screen, &QScreen::availableGeometryChanged, this, [this] { screensChanging(); });
+}
+
+void Placement::screensChanging() {
+  saveTimer_.stop();
+  changeTimer_.start();
+}
+
+void Placement::place() {
+  const QScreen* first = QGuiApplication::primaryScreen();
+  if (!canChoosePlace() || first == nullptr) return;
+  QList<QRect> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    screens.append(screen->availableGeometry());
+  }
+  const QRect room = first->availableGeometry();
+  const QPoint corner(room.x() + room.width() - window_.width() - firstPlaceMargin,
+                      room.y() + firstPlaceMargin);
+  const auto remembered = settings_ != nullptr ? settings_->position(layoutName()) : std::nullopt;
+  const QPoint beside = QPoint(-cardDistance, cardDistance) * (cardNumber_ - 1);
+  window_.setPosition(
+      positionOnScreens(remembered.value_or(corner) + beside, window_.size(), screens));
+}
+
+void Placement::moved() {
+  if (!changeTimer_.isActive()) saveTimer_.start();
+}
+
+void Placement::save() {
+  if (!saveTimer_.isActive()) return;
+  saveTimer_.stop();
+  if (settings_ == nullptr || !canChoosePlace() || cardNumber_ > 1) return;
+  settings_->setPosition(layoutName(), window_.position());
 }
 
 }  // namespace desktop

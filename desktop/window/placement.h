@@ -1,26 +1,47 @@
-// Where the card was put, remembered from one run to the next.
+// Where the card lies on the screens: where it was put, remembered for each layout of them.
 #pragma once
 
 #include <QtCore/QList>
+#include <QtCore/QObject>
 #include <QtCore/QPoint>
 #include <QtCore/QRect>
-#include <filesystem>
-#include <optional>
+#include <QtCore/QTimer>
+#include <QtGui/QScreen>
+#include <QtGui/QWindow>
+
+#include "desktop/files/settings.h"
 
 namespace desktop {
 
-/// The file that keeps the place: "virelune-widget/position" under $XDG_STATE_HOME, else under
-/// ~/.local/state (XDG base directories). Empty when neither is known.
-std::filesystem::path positionFile();
-
-/// The upper left corner that a file remembers; none when there is none or it is not one.
-std::optional<QPoint> readPosition(const std::filesystem::path& file);
-
-/// Remembers a corner, replacing the file as a whole; false when it cannot be written.
-bool writePosition(const std::filesystem::path& file, QPoint position);
+/// True where windows know and choose their place, and whether they stay above others.
+bool canChoosePlace();
 
 /// The corner nearest to the wanted one at which a window of this size lies on one of the screens
 /// as a whole. The wanted one when there is no screen.
 QPoint positionOnScreens(QPoint wanted, QSize size, const QList<QRect>& screens);
+
+/// Puts a window in its place and keeps it on the screens as a whole while these change. What the
+/// user moves is remembered; what the desktop moves when screens change is not.
+class Placement final : public QObject {
+ public:
+  /// The settings may be null. The session's second card and those after it lie beside the place of
+  /// the first, and nothing is remembered of them.
+  Placement(QWindow& window, Settings* settings, int cardNumber);
+  ~Placement() override;
+
+  void place();
+  void moved();  ///< the window has moved; remembered a moment later
+  void save();   ///< what is yet to be remembered
+
+ private:
+  void watch(QScreen* screen);
+  void screensChanging();
+
+  QWindow& window_;
+  Settings* const settings_;
+  const int cardNumber_;
+  QTimer saveTimer_;
+  QTimer changeTimer_;  // runs while screens change
+};
 
 }  // namespace desktop

@@ -9,6 +9,5 @@ inline constexpr const char* bundleIdentifier = "com.apple.systemevents";
 
 inline constexpr FourCharCode loginItemClass = code("logi");
 inline constexpr FourCharCode path = code("ppth");
-inline constexpr FourCharCode hidden = code("hidn");
 
 }  // namespace platform::system_events

@@ -48,7 +48,7 @@ class CardOverPlayer : public testing::Test {
                                           .usesNetwork = !streamHost.empty()};
     if (!streamHost.empty()) options.streamHost = streamHost;
     composition_.emplace(std::move(options));
-    ASSERT_TRUE(composition_->isPlayerRunning());
+    ASSERT_TRUE(composition_->player().isRunning());
     card = composition_->card();
     ASSERT_NE(card, nullptr);
     card->window().setVisible(true);

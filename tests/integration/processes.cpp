@@ -53,6 +53,12 @@ Program::~Program() {
 
 void Program::send(int signal) const { ::kill(static_cast<pid_t>(process_.processId()), signal); }
 
+int Program::exitStatus() {
+  const bool hasEnded =
+      process_.state() == QProcess::NotRunning || process_.waitForFinished(10'000);
+  return hasEnded && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+}
+
 QString Program::readLine() {
   while (!process_.canReadLine() && process_.waitForReadyRead()) {
   }

@@ -29,6 +29,8 @@ class Program {
   Program& operator=(const Program&) = delete;
 
   void send(int signal) const;
+  /// Waits for its end; -1 when it does not come, or comes by a signal.
+  int exitStatus();
   /// Its next line on standard output, without the line's end; empty when none comes.
   QString readLine();
 

@@ -1,9 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
+#include <filesystem>
 #include <fstream>
 #include <vector>
 
+#include "desktop/files/settings.h"
 #include "desktop/program/command_line.h"
 #include "desktop/window/placement.h"
 #include "tests/support/temporary_folder.h"
@@ -72,16 +76,51 @@ TEST(WindowPlacement, KeepsTheWholeCardOnTheNearestScreen) {
   EXPECT_EQ(desktop::positionOnScreens({500, 500}, card, tiny), QPoint(10, 10));
 }
 
-TEST(WindowPlacement, IsRememberedAndRubbishIsNot) {
+TEST(Settings, AreKeptAndWhatMakesNoSenseIsNone) {
   const tests::TemporaryFolder folder;
-  const auto file = folder.path() / "new" / "position";
-  EXPECT_EQ(desktop::readPosition(file), std::nullopt);
-  ASSERT_TRUE(desktop::writePosition(file, {-12, 345}));
-  EXPECT_EQ(desktop::readPosition(file), QPoint(-12, 345));
-  for (const char* rubbish : {"", "12", "1 2 3", "a b", "99999999999 1", "2147483647 0"}) {
-    std::ofstream(file) << rubbish;
-    EXPECT_EQ(desktop::readPosition(file), std::nullopt) << rubbish;
+  const auto file = folder.path() / "new" / "settings.ini";
+  {
+    desktop::Settings settings(file);
+    EXPECT_EQ(settings.position("one"), std::nullopt);
+    settings.setPosition("A 1920x1080+0+0", {-12, 345});
+    settings.setPosition("A/B=%1", {1, 2});
+    settings.setPlayer("mpv");
+    settings.setOnTop(true);
   }
+  desktop::Settings settings(file);
+  EXPECT_EQ(settings.position("A 1920x1080+0+0"), QPoint(-12, 345));
+  EXPECT_EQ(settings.position("A/B=%1"), QPoint(1, 2));
+  EXPECT_EQ(settings.position("other screens"), QPoint(1, 2)) << "where it was last";
+  EXPECT_EQ(settings.player(), "mpv");
+  EXPECT_TRUE(settings.isOnTop());
+  EXPECT_EQ(settings.scale(), std::nullopt);
+  for (const char* rubbish : {"", "Last=12", "Last=1 2 3", "Last=a b", "Last=99999999999 1",
+                              "Last=2147483647 0", "Last=@Point(1 2)"}) {
+    std::ofstream(file) << "[Card]\nScale=9\nOnTop=perhaps\n[Place]\n" << rubbish << '\n';
+    const desktop::Settings read(file);
+    EXPECT_EQ(read.position("any"), std::nullopt) << rubbish;
+    EXPECT_FALSE(read.isOnTop() || read.scale());
+  }
+}
+
+TEST(Settings, AFileThatCannotBeReadIsSetAsideAndTheNextOneWritten) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder.path() / "settings.ini";
+  const auto aside = folder.path() / "settings.ini.damaged";
+  for (const char* rubbish : {"\x7F"
+                              "ELF\n\nno settings\n",
+                              "a=b\n[Card\nOnTop=true\n"}) {
+    std::filesystem::remove(aside);
+    std::ofstream(file) << rubbish;
+    desktop::Settings(file).setPlayer("mpv");
+    EXPECT_TRUE(std::filesystem::exists(aside)) << rubbish;
+    EXPECT_EQ(desktop::Settings(file).player(), "mpv");
+  }
+  std::filesystem::remove(file);
+  ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+  desktop::Settings(file).setPlayer("vlc");
+  EXPECT_EQ(desktop::Settings(file).player(), "vlc") << "a pipe would never end";
+  desktop::Settings({}).setPlayer("none");
 }
 
 }  // namespace

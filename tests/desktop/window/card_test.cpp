@@ -143,7 +143,7 @@ class CardWindowTest : public CardTest {
   }
   void release() { sendMouse(QEvent::MouseButtonRelease, {110, 78}, Qt::NoButton); }
 
-  desktop::CardSurface window_{card_, graphics_, "Name", false};
+  desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
   QRegion painted_;
   bool wasReady_ = false;
 };
@@ -242,7 +242,7 @@ class CardMenuTest : public CardTest {
   platform::NSBundle bundle_{"/opt/share/virelune-widget", {}};
   desktop::LoginItems loginItems_{
       {autostart_, bundle_.bundlePath(), "/opt/bin/virelune-widget", "--wait-for-player"}, nullptr};
-  desktop::CardSurface window_{card_, graphics_, "Name", false};
+  desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
   const virelune::WidgetEntry widget_{
       {}, virelune::vl_isLaunchingAtLogin, virelune::vl_setLaunchingAtLogin, {}};
   desktop::CardMenu menu_{window_, graphics_, widget_};

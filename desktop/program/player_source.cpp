@@ -1,0 +1,140 @@
+#include "desktop/program/player_source.h"
+
+#include <chrono>
+#include <utility>
+
+#include "platform/application/player_dictionary.h"
+#include "platform/loop/notification.h"
+#include "platform/platform.h"
+
+namespace desktop {
+
+namespace {
+
+constexpr std::chrono::seconds busInterval{1};  // between looks for a bus that has gone
+
+}  // namespace
+
+PlayerSource::PlayerSource(Options options)
+    : bus_(std::move(options.bus)),
+      playerName_(std::move(options.playerName)),
+      lastPlayer_(std::move(options.lastPlayer)),
+      ratings_(options.ratings) {
+  busSeeker_.setInterval(busInterval);
+  connect(&busSeeker_, &QTimer::timeout, this, [this] { seekBus(); });
+  if (bus_) makeBridge();
+  if (bus_ && !options.demo) {
+    demoGivesWay_ = options.demoStandsIn && !isRunning() &&
+                    !desktop_.applicationPath(platform::player::bundleIdentifier);
+    if (!demoGivesWay_) return;
+  }
+  demoPlayer_ = std::make_unique<demo::DemoPlayer>();
+  demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, &desktop_);
+}
+
+void PlayerSource::makeBridge() {
+  bridge_ =
+      std::make_unique<PlayerBridge>(*bus_, PlayerBridge::Options{.playerName = playerName_,
+                                                                  .lastPlayer = lastPlayer_,
+                                                                  .ratings = ratings_,
+                                                                  .heard = [this] { heard(); }});
+  bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                SLOT(busLost()));
+}
+
+// The demo player.
+
+void PlayerSource::heard() {
+  if (demoPlayer_ && demoGivesWay_ && bridge_ && bridge_->isPlaying()) leaveDemo();
+  if (!demoPlayer_) emit playerHeard();
+}
+
+void PlayerSource::leaveDemo() {
+  demoWorkspace_.reset();
+  demoPlayer_.reset();
+  demoGivesWay_ = false;
+  emit demoLeft();
+  announce();
+}
+
+bool PlayerSource::hasPlayer(const std::string& name) { return bridge_ && bridge_->follows(name); }
+
+void PlayerSource::followPlayer(const std::string& name) {
+  playerName_ = name;
+  if (bridge_) bridge_->follow(name);
+  if (demoPlayer_ && bus_) leaveDemo();
+}
+
+void PlayerSource::playDemo() {
+  demoGivesWay_ = false;
+  if (demoPlayer_) return;
+  demoPlayer_ = std::make_unique<demo::DemoPlayer>();
+  demoWorkspace_ = std::make_unique<demo::DemoWorkspace>(*demoPlayer_, &desktop_);
+  emit demoEntered();
+  demoPlayer_->launch(demo::statePlaying);
+  announce();
+}
+
+void PlayerSource::announce() {
+  platform::current().distributedCenter->postNotification(
+      platform::NSNotification(platform::player::infoNotification));
+}
+
+// The bus.
+
+void PlayerSource::busLost() {
+  if (bridge_) lastPlayer_ = bridge_->desktopEntry();
+  // What called is the bridge's own connection.
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        bridge_.reset();
+        busSeeker_.start();
+        if (!demoPlayer_) announce();
+      },
+      Qt::QueuedConnection);
+}
+
+void PlayerSource::seekBus() {
+  const QString name = QStringLiteral("virelune-%1").arg(++busCount_);
+  const auto found = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+  if (!found.isConnected()) return QDBusConnection::disconnectFromBus(name);
+  busSeeker_.stop();
+  bus_ = found;
+  makeBridge();
+  emit busReturned(*bus_);
+  if (!demoPlayer_) announce();
+}
+
+// Scripting and workspace.
+
+platform::WorkspaceBackend& PlayerSource::workspace() {
+  return demoWorkspace_ ? static_cast<platform::WorkspaceBackend&>(*demoWorkspace_) : desktop_;
+}
+
+std::optional<platform::ScriptingReply> PlayerSource::send(
+    const platform::ScriptingRequest& request) {
+  if (demoPlayer_) return demoPlayer_->send(request);
+  return bridge_ ? bridge_->send(request) : std::nullopt;
+}
+
+platform::ObjectArray PlayerSource::runningApplications(const std::string& bundleIdentifier) {
+  return workspace().runningApplications(bundleIdentifier);
+}
+
+std::optional<std::string> PlayerSource::applicationPath(const std::string& bundleIdentifier) {
+  return workspace().applicationPath(bundleIdentifier);
+}
+
+std::shared_ptr<platform::NSImage> PlayerSource::icon(const std::string& path) {
+  return workspace().icon(path);
+}
+
+void PlayerSource::launchApplication(const std::string& bundleIdentifier) {
+  workspace().launchApplication(bundleIdentifier);
+}
+
+void PlayerSource::openURL(const platform::URL& url) { desktop_.openURL(url); }
+
+}  // namespace desktop

@@ -1,0 +1,126 @@
+// The program among what comes and goes in a session: players, other starts of it, the bus, the
+// display, and its own end.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <iterator>
+
+#include "desktop/window/card_style.h"
+#include "tests/integration/fake_player.h"
+#include "tests/integration/processes.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tests {
+namespace {
+
+constexpr double trackHeight = 64 + desktop::cardHeaderHeight;
+constexpr double informationHeight = 30 + desktop::cardHeaderHeight;
+
+QVariantMap song(const char* status) {
+  return {{"PlaybackStatus", status}, {"Metadata", QVariantMap{{"xesam:title", "Song"}}}};
+}
+
+class Session : public testing::Test {
+ protected:
+  Session() : environment_(display->environment()) {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+      environment_[name] = home_.path().c_str();
+    }
+    environment_["XDG_DATA_DIRS"] = "/none";  // where no player is installed
+  }
+
+  std::unique_ptr<Program> start(const QStringList& arguments = {}) const {
+    return std::make_unique<Program>(VIRELUNE_PROGRAM, QStringList{"--scale=1"} + arguments,
+                                     environment_);
+  }
+  void open(const QStringList& arguments = {}) {
+    program = start(arguments);
+    window = display->window("virelune-widget");
+    ASSERT_FALSE(window.isEmpty());
+  }
+  bool waitForHeight(double height) const {
+    return waitUntil([&] {
+      return display->xdotool("getwindowgeometry " + window).section('x', -1).toDouble() == height;
+    });
+  }
+  /// Clicks on next until the player hears of it.
+  bool commands(const FakePlayer& player) const {
+    return waitUntil([&] {
+      display->xdotool(QString("mousemove --window %1 300 53 click 1").arg(window));
+      return player.calls().contains("Next");
+    });
+  }
+  std::string settings() const {
+    std::ifstream file(home_.path() / "virelune-widget/settings.ini");
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  bool remembers(const char* text) const {
+    return waitUntil([&] { return settings().find(text) != std::string::npos; });
+  }
+
+  const PrivateBus bus;
+  std::unique_ptr<Display> display = std::make_unique<Display>(bus);
+  std::unique_ptr<Program> program;
+  QString window;
+
+ private:
+  const TemporaryFolder home_;
+  Environment environment_;
+};
+
+TEST_F(Session, TheDemoPlayerGivesWayToThePlayerThatPlaysForGood) {
+  FakePlayer player(bus, "late", song("Paused"));
+  player.leaveBus();
+  open();
+  EXPECT_TRUE(waitForHeight(trackHeight)) << "the demo player plays";
+  FakePlayer other(bus, "other", song("Paused"));
+  FakePlayer playing(bus, "playing", song("Playing"));
+  EXPECT_TRUE(commands(playing));
+  EXPECT_FALSE(other.calls().contains("Next"));
+  EXPECT_TRUE(remembers("Last=playing"));
+  playing.leaveBus();
+  other.leaveBus();
+  EXPECT_TRUE(waitForHeight(informationHeight)) << "and the demo player stays away";
+}
+
+TEST_F(Session, ASecondStartHandsOnWhatItWantsToTheCardThatRuns) {
+  FakePlayer first(bus, "first", song("Playing"));
+  FakePlayer second(bus, "second", song("Paused"));
+  open();
+  EXPECT_EQ(start({"--player=second", "--on-top"})->exitStatus(), 0);
+  EXPECT_TRUE(remembers("Followed=second"));
+  EXPECT_TRUE(remembers("OnTop=true"));
+  EXPECT_TRUE(commands(second));
+  EXPECT_TRUE(first.calls().isEmpty());
+  const auto another = start({"--new"});
+  EXPECT_TRUE(waitUntil([&] { return bus.hasName("org.virelune.Virelune.Widget.Card2"); }));
+  EXPECT_EQ(start({"--demo"})->exitStatus(), 0);
+  second.leaveBus();
+  first.leaveBus();
+  EXPECT_TRUE(waitForHeight(trackHeight)) << "the demo player plays";
+  program->send(SIGSTOP);
+  EXPECT_EQ(start()->exitStatus(), 1) << "a card that hangs is not taken for none";
+}
+
+TEST_F(Session, EndsWithAllThatItHasToKeepWhateverTakesItsGroundAway) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    open();
+    const QString place = QString::number(100 + signal);
+    display->xdotool(QString("windowmove --sync %1 %2 77").arg(window, place));
+    program->send(signal);
+    EXPECT_EQ(program->exitStatus(), 0);
+    EXPECT_TRUE(remembers(("Last=" + place + " 77").toUtf8())) << signal;
+  }
+  open();
+  display->xdotool(QString("windowmove --sync %1 55 66").arg(window));
+  EXPECT_EQ(start()->exitStatus(), 0);  // once this is answered, the move has been heard of
+  display.reset();
+  EXPECT_EQ(program->exitStatus(), 1);
+  EXPECT_TRUE(remembers("Last=55 66"));
+  program = start();
+  EXPECT_EQ(program->exitStatus(), 1) << "there is no such display any more";
+}
+
+}  // namespace
+}  // namespace tests
