@@ -55,12 +55,18 @@ std::optional<std::string> lastingFile(const std::string& path) {
   return url ? std::optional(url->absoluteString()) : std::nullopt;
 }
 
-/// The path of a file address, also of one that a player failed to percent-encode.
-std::string pathOfFileAddress(const std::string& address) {
-  if (const auto url = platform::URL::fromText(address)) return url->filePath().value_or("");
-  constexpr std::string_view prefix = "file://";
-  if (address.size() < prefix.size()) return {};
-  return platform::percentDecoded(std::string_view(address).substr(prefix.size()));
+/// The path of a file address; empty for another machine's. Not every player percent-encodes: what
+/// would begin a query or a fragment is part of the name.
+std::string pathOfFileAddress(std::string_view address) {
+  std::string_view rest = address.substr(address.find(':') + 1);
+  if (rest.starts_with("//")) {
+    rest.remove_prefix(2);
+    const std::string_view host = rest.substr(0, rest.find('/'));
+    if (!host.empty() && platform::lowerCaseASCII(host) != "localhost") return {};
+    rest.remove_prefix(host.size());
+  }
+  std::string path = platform::percentDecoded(rest);
+  return path.find('\0') == std::string::npos ? path : std::string();
 }
 
 /// True when a parameter in the path or the query tells of a session. Subsonic servers (API

@@ -134,7 +134,10 @@ RatingsStore::Outcome RatingsStore::perform(Access access, const Work& work) {
       problem = problemWithResult(connection_->database, work(*connection_));
       // What was written went with the file: it is written again in the place of that.
       const bool isGone = access == Access::write && connection_->database.hasMoved();
-      if (isGone && (!problem || problem->kind == Kind::moved)) continue;
+      if (isGone && (!problem || problem->kind == Kind::moved)) {
+        problem = StoreProblem{Kind::moved, "its file is moved again and again"};
+        continue;
+      }
       auto version = TablesVersion::older;
       if (problem && readTablesVersion(connection_->database, version) == SQLITE_OK &&
           version == TablesVersion::newer) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <sstream>
 #include <vector>
@@ -119,6 +120,28 @@ TEST_F(RatingsStoreTest, AnImportThatFailsInTheMiddleChangesNothing) {
                               {.identity = {.title = "second"}, .marks = {.rating = 13}}})));
   EXPECT_EQ(store.trackMarks({.title = "first"}), Marks{});
   EXPECT_EQ(store.trackMarks(song).rating, 60);
+}
+
+TEST_F(RatingsStoreTest, AWriteWhoseFileIsTakenAwayEachTimeIsNotConfirmed) {
+  const auto offered = collected({{.identity = song, .marks = {.rating = 60}},
+                                  {.identity = {.title = "other"}, .marks = {.rating = 20}}});
+  int rows = 0;
+  std::function<void()> move = [&] {
+    // After the first row is written the database does not look again.
+    std::error_code error;
+    if (++rows % 2 == 0) fs::rename(file, folder.path() / std::to_string(rows), error);
+  };
+  sqlite3* const reading = offered->database.handle();
+  const auto call = [](unsigned, void* context, void*, void*) {
+    return (*static_cast<std::function<void()>*>(context))(), 0;
+  };
+  sqlite3_trace_v2(reading, SQLITE_TRACE_ROW, call, &move);
+  RatingsStore store(file, messages);
+  EXPECT_FALSE(store.merge(*offered));
+  EXPECT_EQ(rows, 6);
+  sqlite3_trace_v2(reading, 0, nullptr, nullptr);
+  EXPECT_TRUE(store.merge(*offered));
+  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 60);
 }
 
 TEST_F(RatingsStoreTest, ASoundFileThatTookTheDamagedOnesPlaceStaysAndAHeldFolderIsLeftAlone) {
