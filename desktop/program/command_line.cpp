@@ -59,6 +59,9 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addFlag("--salvage", line.salvage, "export what can be read of a damaged store");
   addValue("--import-ratings", "FILE", line.importRatings,
            "take them over from such a file, or from a store's file");
+  addFlag("--list-backups", line.listBackups, "list the days of which there are backups of them");
+  addValue("--restore-ratings", "DATE", line.restoreRatings,
+           "go back to the backup of that day, as 2026-01-31");
   addHost("--stream-host", line.streamHost, "ask this server for the live station's programme");
   addHost("--store-host", line.storeHost, "search the store on this server");
   addFlag("--on-top", line.onTop, "keep the card above other windows");
@@ -92,6 +95,9 @@ std::string conflict(const CommandLine& line) {
   if (line.snapshot && line.tour) return "--snapshot and --tour exclude each other";
   if (line.exportRatings && line.importRatings) {
     return "--export-ratings and --import-ratings exclude each other";
+  }
+  if (line.restoreRatings && (line.exportRatings || line.importRatings || line.listBackups)) {
+    return "--restore-ratings goes alone";
   }
   if (line.salvage && !line.exportRatings) return "--salvage goes with --export-ratings";
   return {};

@@ -10,16 +10,18 @@
 namespace desktop {
 
 struct CommandLine {
-  std::optional<std::string> player;         ///< --player NAME
-  std::optional<std::string> snapshot;       ///< --snapshot FILE
-  std::optional<std::string> tour;           ///< --tour FOLDER
-  std::optional<std::string> exportRatings;  ///< --export-ratings FILE
-  std::optional<std::string> importRatings;  ///< --import-ratings FILE
-  std::optional<std::string> streamHost;     ///< --stream-host HOST[:PORT]
-  std::optional<std::string> storeHost;      ///< --store-host HOST[:PORT]
-  std::optional<double> scale;               ///< --scale N, from 1 to 4
+  std::optional<std::string> player;          ///< --player NAME
+  std::optional<std::string> snapshot;        ///< --snapshot FILE
+  std::optional<std::string> tour;            ///< --tour FOLDER
+  std::optional<std::string> exportRatings;   ///< --export-ratings FILE
+  std::optional<std::string> importRatings;   ///< --import-ratings FILE
+  std::optional<std::string> restoreRatings;  ///< --restore-ratings DATE
+  std::optional<std::string> streamHost;      ///< --stream-host HOST[:PORT]
+  std::optional<std::string> storeHost;       ///< --store-host HOST[:PORT]
+  std::optional<double> scale;                ///< --scale N, from 1 to 4
   bool salvage = false;
   bool listPlayers = false;
+  bool listBackups = false;
   bool demo = false;
   bool waitForPlayer = false;
   bool onTop = false;

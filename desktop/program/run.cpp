@@ -13,9 +13,11 @@
 #include "desktop/files/settings.h"
 #include "desktop/graphics/qt_image.h"
 #include "desktop/program/composition.h"
+#include "desktop/program/daily_backup.h"
 #include "desktop/program/ending.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
+#include "desktop/ratings/backups.h"
 #include "desktop/ratings/exchange.h"
 #include "desktop/window/card_menu.h"
 
@@ -59,9 +61,15 @@ int listPlayers() {
 
 int exchangeRatings(const CommandLine& commandLine) {
   RatingsStore ratings(RatingsStore::defaultFile());
-  const auto report = commandLine.importRatings ? importRatings(ratings, *commandLine.importRatings)
-                      : commandLine.salvage ? salvageRatings(ratings, *commandLine.exportRatings)
-                                            : exportRatings(ratings, *commandLine.exportRatings);
+  if (commandLine.listBackups) {
+    std::cout << listOfBackups(ratings.file()) << std::flush;
+    return EXIT_SUCCESS;
+  }
+  const auto report =
+      commandLine.restoreRatings  ? restoreRatings(ratings, *commandLine.restoreRatings)
+      : commandLine.importRatings ? importRatings(ratings, *commandLine.importRatings)
+      : commandLine.salvage       ? salvageRatings(ratings, *commandLine.exportRatings)
+                                  : exportRatings(ratings, *commandLine.exportRatings);
   if (!report) return fail(report.problem().text);
   // What is exported may go to the standard output.
   (commandLine.exportRatings ? std::cerr : std::cout) << *report << std::endl;
@@ -157,6 +165,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   QObject::connect(&player, &PlayerSource::busReturned, &window,
                    [&instance](const QDBusConnection& bus) { instance.claim(bus); });
   const EndingSignals endings;
+  const DailyBackup backup(RatingsStore::defaultFile());
   display.setLastAct([&window] { window.rememberPlace(); });
   window.open();
   const int status = QGuiApplication::exec();
@@ -168,7 +177,10 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const virelune::WidgetEntry& widget) {
-  if (commandLine.exportRatings || commandLine.importRatings) return exchangeRatings(commandLine);
+  if (commandLine.exportRatings || commandLine.importRatings || commandLine.restoreRatings ||
+      commandLine.listBackups) {
+    return exchangeRatings(commandLine);
+  }
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
   QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");

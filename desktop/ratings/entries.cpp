@@ -183,6 +183,10 @@ int Entries::mergeAll(Database& other, MergeCounts& counts) {
   return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
+int Entries::removeAll() {
+  return sqlite3_exec(database_, "DELETE FROM marks; DELETE FROM names", nullptr, nullptr, nullptr);
+}
+
 int Entries::forEach(const std::function<bool(const RatingsRecord&)>& visit) {
   Statement named;
   int result = named.prepare(database_, readNamed);

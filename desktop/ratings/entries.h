@@ -51,6 +51,8 @@ class Entries {
   /// Takes over all entries of another database. What could be read is taken when it fails.
   int mergeAll(Database& other, MergeCounts& counts);
 
+  int removeAll();
+
   /// Hands out every entry that has a name, in a stable order, until `visit` answers false.
   int forEach(const std::function<bool(const RatingsRecord&)>& visit);
 

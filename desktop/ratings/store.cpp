@@ -84,6 +84,18 @@ Result<MergeCounts> RatingsStore::merge(EntryCollection& offered) {
   return counts;
 }
 
+Result<> RatingsStore::replaceAll(EntryCollection& entries, const std::function<int()>& setAside) {
+  const auto problem = performInTransaction([&](Connection& connection) {
+    MergeCounts counts;
+    int result = setAside();
+    if (result == SQLITE_OK) result = connection.entries.removeAll();
+    if (result == SQLITE_OK) result = connection.entries.mergeAll(entries.database, counts);
+    return result;
+  });
+  if (problem) return Problem{textOf(*problem)};
+  return {};
+}
+
 Marks RatingsStore::marks(const std::optional<std::string>& digest) {
   RatingsRecord record;
   if (!digest) return {};

@@ -60,6 +60,10 @@ class RatingsStore {
   /// that was set later (the store's when neither is).
   Result<MergeCounts> merge(EntryCollection& offered);
 
+  /// Puts these entries in the place of all others in one commit, within which `setAside` has kept
+  /// the file as it is; nothing is replaced unless that answers SQLITE_OK.
+  Result<> replaceAll(EntryCollection& entries, const std::function<int()>& setAside);
+
   const std::filesystem::path& file() const { return file_; }
 
  private:

@@ -53,6 +53,7 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
            {{"--scale", "2x"}, "--scale takes a number from 1 to 4, not \"2x\""},
            {{"--scale", "nan"}, "--scale takes a number from 1 to 4, not \"nan\""},
            {{"--wait-for-player", "--demo"}, "--wait-for-player and --demo exclude each other"},
+           {{"--restore-ratings", "a", "--list-backups"}, "--restore-ratings goes alone"},
            {{"--player", "a", "--demo"}, "--player and --demo exclude each other"}}) {
     const auto result = parsed(c.arguments);
     ASSERT_FALSE(result) << c.message;
