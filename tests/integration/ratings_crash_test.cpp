@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "desktop/files/file_descriptor.h"
+#include "desktop/ratings/backups.h"
 #include "desktop/ratings/sqlite.h"
 #include "desktop/ratings/store.h"
 #include "tests/support/temporary_folder.h"
@@ -145,6 +146,46 @@ TEST(RatingsCrash, WhatThreeWidgetsWereAnsweredIsThereAfterAKillAtAnyMoment) {
   }
   RecordProperty("clicks", done());
   RecordProperty("kills", kills);
+}
+
+TEST(RatingsCrash, ImportsBesideClickingWidgetsLoseNothingAfterARestore) {
+  const tests::TemporaryFolder folder;
+  const std::filesystem::path file = folder.path() / "ratings.sqlite";
+  const TrackIdentity clickedOnce{.title = "clicked once"};
+  std::array<Widget, 2> widgets{Widget{.first = 0}, Widget{.first = tracks}};
+  std::ostringstream refusals;
+  RatingsStore store(file, refusals);
+  const auto import = [&](int from) {
+    EntryCollection entries;
+    MergeCounts counts;
+    ASSERT_EQ(entries.makeEmpty(), SQLITE_OK);
+    for (int i = from; i < from + 50; ++i) {
+      entries.add({.identity = track(i), .marks = {.rating = 40}}, counts);
+    }
+    while (!store.merge(entries)) {
+    }
+  };
+  import(1000);
+  ASSERT_TRUE(backUpRatings(file, today()));
+  ASSERT_TRUE(store.setTrackRating(clickedOnce, 60));
+  auto restored = restoreRatings(store, listOfBackups(file).substr(0, 10));
+  ASSERT_TRUE(restored) << restored.problem().text;
+  for (Widget& widget : widgets) widget.start(file);
+  for (int each = 1; each < 10; ++each) {
+    for (Widget& widget : widgets) widget.done = widget.process->next().value_or(widget.done);
+    import(1000 + each * 50);
+  }
+  for (Widget& widget : widgets) widget.process->kill();
+  for (Widget& widget : widgets) widget.noteReports();
+  RatingsStore other(file);
+  for (RatingsStore* each : {&store, &other}) {
+    for (const Widget& widget : widgets) widget.expectClicksIn(*each);
+    for (int i = 1000; i < 1500; ++i) EXPECT_EQ(each->trackMarks(track(i)).rating, 40) << i;
+    EXPECT_EQ(each->trackMarks(clickedOnce), Marks{});
+  }
+  RatingsStore kept(restored->substr(restored->find(" as ") + 4));
+  EXPECT_EQ(kept.trackMarks(clickedOnce).rating, 60);
+  EXPECT_TRUE(hasIntegrity(file));
 }
 
 }  // namespace
