@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
       click = medianClick();
       // Proof that the rule was on: a track rated 40 is not loved, one rated 100 is.
       virelune::vl_setCurrentTrackRating(100);
-      if (!composition.demoPlayer()->isLoved(demo::DemoPlayer::Marked::track)) click = -1;
+      if (!composition.player().demoPlayer()->isLoved(demo::DemoPlayer::Marked::track)) click = -1;
     }
   }
   std::filesystem::remove_all(folder);

@@ -43,6 +43,9 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
                             ? QString::fromStdString(options.lastPlayer)
                             : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
+  if (ratings_ != nullptr && options.writesLibraries) {
+    library_ = std::make_unique<LibraryWriter>(bus, *ratings_);
+  }
   announcement_.setSingleShot(true);
   announcement_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&announcement_, &QTimer::timeout, &announcement_, [this] { announce(); });
@@ -71,7 +74,7 @@ std::optional<platform::ScriptingReply> PlayerBridge::send(
     const platform::ScriptingRequest& request) {
   PlayerMirror* chosen = registry_.chosen();
   if (chosen == nullptr) return std::nullopt;
-  FollowedPlayer player(*chosen, artwork_, ratings_);
+  FollowedPlayer player(*chosen, artwork_, ratings_, library_.get());
   return platform::interpret(request, player);
 }
 
@@ -80,6 +83,7 @@ std::optional<platform::ScriptingReply> PlayerBridge::send(
 void PlayerBridge::rememberDesktopEntry() {
   const PlayerMirror* player = registry_.chosen();
   if (player == nullptr) return;
+  if (library_) library_->meet(*player);
   lastDesktopEntry_ = player->desktopEntry();
   // Players that do not tell their entry mostly go by the same name there.
   if (lastDesktopEntry_.isEmpty()) lastDesktopEntry_ = firstComponent(player->shortName());

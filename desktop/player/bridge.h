@@ -7,11 +7,13 @@
 #include <QtCore/QTimer>
 #include <QtDBus/QDBusConnection>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "desktop/player/artwork.h"
+#include "desktop/player/library_writer.h"
 #include "desktop/player/registry.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/player_application.h"
@@ -37,6 +39,7 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
     std::string playerName = {};       ///< see PlayerRegistry; empty: whichever plays
     std::string lastPlayer = {};       ///< the desktop entry of the one that was followed before
     RatingsStore* ratings = nullptr;   ///< null: ratings come from the player alone
+    bool writesLibraries = true;       ///< ratings go on into the players\' own libraries
     std::function<void()> heard = {};  ///< called when there is something new with the player
   };
 
@@ -72,7 +75,8 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
   PlayerRegistry registry_;
   PlayerArtwork artwork_;
   RatingsStore* const ratings_;
-  QString lastDesktopEntry_;  ///< of the player that was followed last
+  std::unique_ptr<LibraryWriter> library_;  ///< null when libraries are not written
+  QString lastDesktopEntry_;                ///< of the player that was followed last
 
   QTimer announcement_;
   QElapsedTimer sinceAnnouncement_;

@@ -1,6 +1,7 @@
 #include "desktop/player/followed_player.h"
 
 #include <cmath>
+#include <cstdlib>
 
 #include "platform/application/player_dictionary.h"
 
@@ -63,10 +64,49 @@ FollowedPlayer::Rating FollowedPlayer::rating(Marked of) {
   if (track != nullptr && mirror_.hasWritableRating(*track)) {
     return track->ownRating ? Rating{percent(*track->ownRating), ratedByUser} : Rating{};
   }
-  if (const auto rating = marks(of).rating) return {*rating, ratedByUser};
-  if (track != nullptr && track->userRating) return {percent(*track->userRating), ratedByUser};
-  if (track != nullptr && track->autoRating) return {percent(*track->autoRating), ratingComputed};
+  if (of == Marked::album) {
+    const auto rating = marks(of).rating;
+    return rating ? Rating{*rating, ratedByUser} : Rating{};
+  }
+  if (ratings_ != nullptr && track != nullptr) {
+    const auto [rating, note] = ratings_->trackRating(identity(), LibraryWriter::nameOf(mirror_));
+    if (rating) return {lastHand(*rating, note), ratedByUser};
+  }
+  if (const auto said = ratingSaid()) return {*said, ratedByUser};
+  if (track == nullptr) return {};
+  if (track->userRating) return {percent(*track->userRating), ratingComputed};
+  if (track->autoRating) return {percent(*track->autoRating), ratingComputed};
   return {};
+}
+
+/// What the user has rated the track with in the player, 0 to 100; none when that is not known.
+std::optional<int> FollowedPlayer::ratingSaid() {
+  if (now() == nullptr || !now()->userRating) return std::nullopt;
+  // Which it gives to every track that nobody has rated.
+  constexpr double quodLibetDefault = 0.5;
+  const bool isDefault =
+      LibraryWriter::nameOf(mirror_) == "quodlibet" && *now()->userRating == quodLibetDefault;
+  return isDefault ? std::nullopt : std::optional(static_cast<int>(percent(*now()->userRating)));
+}
+
+/// Of our rating and the player's the one that was given last, which is ours from now on.
+std::int64_t FollowedPlayer::lastHand(int ours, const std::optional<LibraryNote>& note) {
+  constexpr int halfStar = 10;  // libraries round
+  const std::string player = LibraryWriter::nameOf(mirror_);
+  const auto said = ratingSaid();
+  if (note && note->state == LibraryNote::State::pending && library_ != nullptr) {
+    library_->writeAgain(mirror_, *now(), identity(), ours);
+  }
+  if (!said || (note && note->said == said)) return ours;
+  LibraryNote heard{.said = said, .state = note ? note->state : LibraryNote::State::none};
+  const bool isOurs = !note || (note->awaitsOurs && std::abs(*said - ours) <= halfStar);
+  if (isOurs) {
+    ratings_->note(identity(), player, heard);
+    return ours;
+  }
+  heard.state = LibraryNote::State::none;
+  ratings_->setTrackRating(identity(), *said, player, heard);
+  return *said;
 }
 
 bool FollowedPlayer::setRating(Marked of, std::int64_t rating) {
@@ -77,7 +117,17 @@ bool FollowedPlayer::setRating(Marked of, std::int64_t rating) {
   if (now() != nullptr && mirror_.hasWritableRating(*now())) {
     return mirror_.setOwnRating(*now(), value / 100.0);
   }
-  return ratings_ != nullptr && ratings_->setTrackRating(identity(), value);
+  if (ratings_ == nullptr || now() == nullptr) return false;
+  const bool hasLibrary = library_ != nullptr && library_->takesRatings(mirror_);
+  const LibraryNote note{
+      .said = ratingSaid(),
+      .state = hasLibrary ? LibraryNote::State::pending : LibraryNote::State::none,
+      .awaitsOurs = hasLibrary};
+  if (!ratings_->setTrackRating(identity(), value, LibraryWriter::nameOf(mirror_), note)) {
+    return false;
+  }
+  if (hasLibrary) library_->write(mirror_, *now(), identity(), value);
+  return true;
 }
 
 bool FollowedPlayer::isLoved(Marked of) { return marks(of).loved.value_or(false); }

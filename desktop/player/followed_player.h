@@ -1,11 +1,12 @@
 // A player on the bus as scripting sees it: what it tells, its cover, and its ratings and love
-// marks, which are its own where it keeps them, else ours, else what it knows from its library.
+// marks: its own where they can be set, else what was set last, here or in its library.
 #pragma once
 
 #include <memory>
 #include <optional>
 
 #include "desktop/player/artwork.h"
+#include "desktop/player/library_writer.h"
 #include "desktop/player/mirror.h"
 #include "desktop/ratings/store.h"
 #include "platform/application/player_interpreter.h"
@@ -16,8 +17,10 @@ namespace desktop {
 class FollowedPlayer final : public platform::ScriptablePlayer {
  public:
   /// Ratings may be null: then they come from the player alone.
-  FollowedPlayer(PlayerMirror& mirror, PlayerArtwork& artwork, RatingsStore* ratings)
-      : mirror_(mirror), artwork_(artwork), ratings_(ratings) {}
+  /// So may the writer: then libraries are not written to.
+  FollowedPlayer(PlayerMirror& mirror, PlayerArtwork& artwork, RatingsStore* ratings,
+                 LibraryWriter* library)
+      : mirror_(mirror), artwork_(artwork), ratings_(ratings), library_(library) {}
 
   platform::FourCharCode state() override;
   double position() override { return mirror_.position(); }
@@ -44,10 +47,13 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   const PlayerSnapshot* now();
   TrackIdentity identity();
   Marks marks(Marked of);
+  std::optional<int> ratingSaid();
+  std::int64_t lastHand(int ours, const std::optional<LibraryNote>& note);
 
   PlayerMirror& mirror_;
   PlayerArtwork& artwork_;
   RatingsStore* const ratings_;
+  LibraryWriter* const library_;
   std::optional<std::shared_ptr<const PlayerSnapshot>> now_;
 };
 

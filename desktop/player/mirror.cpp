@@ -98,11 +98,17 @@ std::optional<QVariant> PlayerMirror::ask(const QDBusMessage& message) {
 }
 
 std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
-  if (snapshot_ && snapshotAge_.hasExpired(longestSnapshotAge)) isStale_ = true;
+  // What has changed without a word is news to others than the one who asks.
+  const auto before =
+      !isStale_ && snapshotAge_.hasExpired(longestSnapshotAge) ? snapshot_ : nullptr;
+  if (before) isStale_ = true;
   if (attention_.isPrompt() && isStale_) {
     const auto answer = ask(propertiesCall("GetAll", playerInterface));
     if (answer) {
       adopt(*answer);
+      if (before && *before != *snapshot_) {
+        QMetaObject::invokeMethod(this, &PlayerMirror::changed, Qt::QueuedConnection);
+      }
     } else if (attention_.isPrompt()) {
       attention_.refused(now());
       dropWhatWasTold();
@@ -125,6 +131,7 @@ double PlayerMirror::position() {
 
 void PlayerMirror::adopt(const QVariant& properties) {
   told_ = mapFromVariant(properties);
+  keepRatingUnderWay();
   readWhatWasTold();
   isStale_ = false;
   snapshotAge_.start();
@@ -316,7 +323,28 @@ bool PlayerMirror::setOwnRating(const PlayerSnapshot& now, double rating) {
   if (!hasWritableRating(now)) return false;
   QDBusMessage message = propertiesCall("Set", playerInterface);
   message << now.ratingProperty << QVariant::fromValue(QDBusVariant(rating));
-  return tell(message);
+  const bool isSent =
+      !attention_.isSilent() && bus_.callWithCallback(message, this, SLOT(ratingAnswered()),
+                                                      SLOT(ratingAnswered()), latestAnswer);
+  if (!isSent) return false;
+  ++ratingsUnderWay_;
+  ratedTrack_ = now;
+  ratedTrack_.ownRating = rating;
+  keepRatingUnderWay();
+  isRead_ = false;
+  forget();
+  return true;
+}
+
+void PlayerMirror::ratingAnswered() {
+  --ratingsUnderWay_;
+  forget();
+}
+
+/// What the player told before it took a rating comes before its answer to that.
+void PlayerMirror::keepRatingUnderWay() {
+  if (ratingsUnderWay_ == 0 || !snapshotFromProperties(told_).isSameTrack(ratedTrack_)) return;
+  told_.insert(ratedTrack_.ratingProperty, *ratedTrack_.ownRating);
 }
 
 // What the bus delivered.
@@ -332,6 +360,7 @@ void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
       if (name != QLatin1String("PlaybackStatus")) told_.remove(name);
     }
     told_.insert(values);
+    keepRatingUnderWay();
     isRead_ = false;
     if (lengthIsGrowing() && isOnlyMetadata) {
       // Word that a live stream has grown is no news, and comes every few seconds.

@@ -82,6 +82,7 @@ class PlayerMirror final : public QObject {
   void probeFailed(const QDBusError& error, const QDBusMessage& call);
   void described(const QDBusMessage& reply);
   void descriptionFailed(const QDBusError& error, const QDBusMessage& call);
+  void ratingAnswered();
   void introspected(const QDBusMessage& reply);
   void introspectionFailed(const QDBusError& error, const QDBusMessage& call);
 
@@ -96,6 +97,7 @@ class PlayerMirror final : public QObject {
   bool tell(const QDBusMessage& message);
   void dropWhatWasTold();
   void adopt(const QVariant& properties);
+  void keepRatingUnderWay();
   void readWhatWasTold();
   PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
   bool lengthIsGrowing() const;
@@ -120,6 +122,8 @@ class PlayerMirror final : public QObject {
   QElapsedTimer snapshotAge_;
   PlayerSnapshot lastTold_;       ///< the last track as the player told it
   int growths_ = 0;               ///< how often its length has grown, without shrinking in between
+  int ratingsUnderWay_ = 0;       ///< ratings of its own that the player has not answered yet
+  PlayerSnapshot ratedTrack_;     ///< the track that the last one was set on, with it
   double position_ = 0;           ///< seconds
   bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
 

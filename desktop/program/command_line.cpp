@@ -62,6 +62,7 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addFlag("--list-backups", line.listBackups, "list the days of which there are backups of them");
   addValue("--restore-ratings", "DATE", line.restoreRatings,
            "go back to the backup of that day, as 2026-01-31");
+  addFlag("--no-library", line.noLibrary, "do not write ratings into the player's own library");
   addHost("--stream-host", line.streamHost, "ask this server for the live station's programme");
   addHost("--store-host", line.storeHost, "search the store on this server");
   addFlag("--on-top", line.onTop, "keep the card above other windows");

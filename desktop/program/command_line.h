@@ -26,6 +26,7 @@ struct CommandLine {
   bool waitForPlayer = false;
   bool onTop = false;
   bool newCard = false;
+  bool noLibrary = false;
   bool help = false;
   bool version = false;
 };

@@ -58,13 +58,14 @@ Composition::~Composition() {
 
 void Composition::makePlayer(const Options& options) {
   if (options.bus) ratings_ = std::make_unique<RatingsStore>(RatingsStore::defaultFile());
-  player_ =
-      std::make_unique<PlayerSource>(PlayerSource::Options{.bus = options.bus,
-                                                           .demo = options.demo,
-                                                           .playerName = options.playerName,
-                                                           .lastPlayer = options.lastPlayer,
-                                                           .demoStandsIn = options.demoStandsIn,
-                                                           .ratings = ratings_.get()});
+  player_ = std::make_unique<PlayerSource>(
+      PlayerSource::Options{.bus = options.bus,
+                            .demo = options.demo,
+                            .playerName = options.playerName,
+                            .lastPlayer = options.lastPlayer,
+                            .demoStandsIn = options.demoStandsIn,
+                            .ratings = ratings_.get(),
+                            .writesLibraries = options.writesLibraries});
   workspace_ = std::make_unique<platform::NSWorkspace>(*player_);
   loginItems_ = std::make_unique<LoginItems>(
       LoginItems::Options{.folder = LoginItems::defaultFolder(),

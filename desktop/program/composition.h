@@ -39,10 +39,11 @@ class Composition {
     platform::PrincipalClasses widget;
     /// Where the player is looked for; none: it is the demo player.
     std::optional<QDBusConnection> bus = std::nullopt;
-    bool demo = false;  ///< see PlayerSource, as the next three
+    bool demo = false;  ///< see PlayerSource, as the next four
     std::string playerName = {};
     std::string lastPlayer = {};
     bool demoStandsIn = false;
+    bool writesLibraries = true;
     bool usesNetwork = true;
     // Servers, "host" or "host:port", in the place of the bundle's. For what is not named, the demo
     // player brings its own.

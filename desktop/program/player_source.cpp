@@ -19,7 +19,8 @@ PlayerSource::PlayerSource(Options options)
     : bus_(std::move(options.bus)),
       playerName_(std::move(options.playerName)),
       lastPlayer_(std::move(options.lastPlayer)),
-      ratings_(options.ratings) {
+      ratings_(options.ratings),
+      writesLibraries_(options.writesLibraries) {
   busSeeker_.setInterval(busInterval);
   connect(&busSeeker_, &QTimer::timeout, this, [this] { seekBus(); });
   if (bus_) makeBridge();
@@ -33,11 +34,12 @@ PlayerSource::PlayerSource(Options options)
 }
 
 void PlayerSource::makeBridge() {
-  bridge_ =
-      std::make_unique<PlayerBridge>(*bus_, PlayerBridge::Options{.playerName = playerName_,
-                                                                  .lastPlayer = lastPlayer_,
-                                                                  .ratings = ratings_,
-                                                                  .heard = [this] { heard(); }});
+  bridge_ = std::make_unique<PlayerBridge>(
+      *bus_, PlayerBridge::Options{.playerName = playerName_,
+                                   .lastPlayer = lastPlayer_,
+                                   .ratings = ratings_,
+                                   .writesLibraries = writesLibraries_,
+                                   .heard = [this] { heard(); }});
   bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                 SLOT(busLost()));

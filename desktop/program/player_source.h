@@ -35,6 +35,7 @@ class PlayerSource final : public QObject,
     std::string lastPlayer = {};         ///< the desktop entry of the one followed last
     bool demoStandsIn = false;  ///< the demo player plays when none runs and none is installed
     RatingsStore* ratings = nullptr;
+    bool writesLibraries = true;
   };
   explicit PlayerSource(Options options);
 
@@ -82,6 +83,7 @@ class PlayerSource final : public QObject,
   std::string lastPlayer_;
   bool demoGivesWay_ = false;
   RatingsStore* const ratings_;
+  const bool writesLibraries_;
   DesktopWorkspace desktop_{this};
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;

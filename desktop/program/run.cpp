@@ -229,6 +229,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
        .playerName = commandLine.player.value_or(settings->player()),
        .lastPlayer = settings->lastPlayer(),
        .demoStandsIn = !commandLine.player && !commandLine.waitForPlayer,
+       .writesLibraries = !commandLine.noLibrary,
        .streamHost = commandLine.streamHost,
        .storeHost = commandLine.storeHost});
   if (composition.card() == nullptr) return fail("the resources name no widget");

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "desktop/ratings/library_notes.h"
+
 namespace desktop {
 
 namespace {
@@ -27,7 +29,8 @@ constexpr std::array schemaSteps = {
     "  album_artist TEXT NOT NULL,"
     "  title TEXT NOT NULL,"
     "  length INTEGER NOT NULL"  // whole seconds, 0 when unknown
-    ") WITHOUT ROWID"};
+    ") WITHOUT ROWID",
+    LibraryNotes::table};
 
 constexpr const char* readMarksOfDigest =
     "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE digest = ?1";

@@ -21,6 +21,7 @@ std::string counted(std::int64_t number, const char* one, const char* several) {
 struct RatingsStore::Connection {
   Database database;
   Entries entries;
+  LibraryNotes notes;
   /// Nobody can write the file, so that changes would go unnoticed, or it is in write-ahead mode,
   /// which it can leave only while few have it open.
   bool isForOneRequest = false;
@@ -48,6 +49,34 @@ Marks RatingsStore::albumMarks(const TrackIdentity& track) {
 
 bool RatingsStore::setTrackRating(const TrackIdentity& track, int rating) {
   return set({RatingsRecord::Kind::track, track, {.rating = rating}});
+}
+
+bool RatingsStore::setTrackRating(const TrackIdentity& track, int rating, const std::string& player,
+                                  const LibraryNote& note) {
+  const RatingsRecord record{RatingsRecord::Kind::track, track, {.rating = rating}};
+  const auto digest = digestOf(record);
+  return digest && set(record, [&](Connection& connection) {
+           return connection.notes.write(*digest, player, note);
+         });
+}
+
+bool RatingsStore::note(const TrackIdentity& track, const std::string& player,
+                        const LibraryNote& note) {
+  const auto digest = digestOf({RatingsRecord::Kind::track, track});
+  return digest && write([&](Connection& connection) {
+           return connection.notes.write(*digest, player, note);
+         });
+}
+
+RatingsStore::NotedRating RatingsStore::trackRating(const TrackIdentity& track,
+                                                    const std::string& player) {
+  NotedRating noted;
+  const auto digest = digestOf({RatingsRecord::Kind::track, track});
+  noted.rating = marks(digest, [&](Connection& connection) {
+                   noted.note.reset();
+                   return connection.notes.read(*digest, player, noted.note);
+                 }).rating;
+  return noted;
 }
 
 bool RatingsStore::setTrackLoved(const TrackIdentity& track, bool loved) {
@@ -96,23 +125,30 @@ Result<> RatingsStore::replaceAll(EntryCollection& entries, const std::function<
   return {};
 }
 
-Marks RatingsStore::marks(const std::optional<std::string>& digest) {
+Marks RatingsStore::marks(const std::optional<std::string>& digest, const Work& more) {
   RatingsRecord record;
   if (!digest) return {};
   const auto problem = perform(Access::read, [&](Connection& connection) {
-    return connection.entries.readMarks(*digest, record);
+    const int result = connection.entries.readMarks(*digest, record);
+    return result == SQLITE_OK && more ? more(connection) : result;
   });
   if (problem && problem->kind != Kind::absent) tell(problem->kind, textOf(*problem));
   return record.marks;
 }
 
-bool RatingsStore::set(const RatingsRecord& record) {
+bool RatingsStore::set(const RatingsRecord& record, const Work& more) {
   const auto digest = digestOf(record);
   if (!digest) return false;
   RatingsRecord dated = record;
   dated.ratingChanged = dated.lovedChanged = static_cast<std::int64_t>(std::time(nullptr));
-  const auto problem = performInTransaction(
-      [&](Connection& connection) { return connection.entries.set(*digest, dated); });
+  return write([&](Connection& connection) {
+    const int result = connection.entries.set(*digest, dated);
+    return result == SQLITE_OK && more ? more(connection) : result;
+  });
+}
+
+bool RatingsStore::write(const Work& work) {
+  const auto problem = performInTransaction(work);
   if (problem) tell(problem->kind, textOf(*problem));
   if (!problem) told_.clear();
   return !problem;
@@ -192,7 +228,8 @@ RatingsStore::Outcome RatingsStore::open(Access access) {
     }
   }
   if (!problem) {
-    const int result = connection_->entries.prepare(connection_->database);
+    int result = connection_->entries.prepare(connection_->database);
+    if (result == SQLITE_OK) result = connection_->notes.prepare(connection_->database);
     problem = problemWithResult(connection_->database, result);
     // Statements that make no sense to it: tables of ours are missing.
     if ((result & 0xFF) == SQLITE_ERROR) {

@@ -13,6 +13,7 @@
 
 #include "desktop/ratings/entries.h"
 #include "desktop/ratings/file.h"
+#include "desktop/ratings/library_notes.h"
 #include "desktop/result.h"
 
 namespace desktop {
@@ -45,12 +46,22 @@ class RatingsStore {
   // Reading; nothing set when the store cannot be read or the track cannot be recognised again.
   Marks trackMarks(const TrackIdentity& track);
   Marks albumMarks(const TrackIdentity& track);
+  /// A track's rating with what is noted about it in a player's library.
+  struct NotedRating {
+    std::optional<int> rating = std::nullopt;
+    std::optional<LibraryNote> note = std::nullopt;
+  };
+  NotedRating trackRating(const TrackIdentity& track, const std::string& player);
 
   // Writing; true once it is on the disk. A rating is limited to 0 … 100.
   bool setTrackRating(const TrackIdentity& track, int rating);
+  bool setTrackRating(const TrackIdentity& track, int rating, const std::string& player,
+                      const LibraryNote& note);
   bool setTrackLoved(const TrackIdentity& track, bool loved);
   bool setAlbumRating(const TrackIdentity& track, int rating);
   bool setAlbumLoved(const TrackIdentity& track, bool loved);
+  /// Notes what a player's library has to do with a track.
+  bool note(const TrackIdentity& track, const std::string& player, const LibraryNote& note);
 
   /// Copies every entry out, as they are at one moment. Tells nothing, mends nothing and makes no
   /// file: a store that is missing, damaged or of a newer version is a problem.
@@ -72,8 +83,9 @@ class RatingsStore {
   using Work = std::function<int(Connection&)>;  ///< answers a result code of the database
   using Outcome = std::optional<StoreProblem>;   ///< none when all is well
 
-  Marks marks(const std::optional<std::string>& digest);
-  bool set(const RatingsRecord& record);
+  Marks marks(const std::optional<std::string>& digest, const Work& more = {});
+  bool set(const RatingsRecord& record, const Work& more = {});
+  bool write(const Work& work);
   Outcome perform(Access access, const Work& work);
   Outcome performInTransaction(const Work& work);
   static int inTransaction(Connection& connection, const Work& work);

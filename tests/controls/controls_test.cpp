@@ -10,7 +10,6 @@ namespace virelune {
 namespace {
 
 using platform::NSColor;
-using platform::NSEvent;
 using platform::NSMakeRect;
 using testing::ElementsAre;
 

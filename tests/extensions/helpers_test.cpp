@@ -15,9 +15,7 @@
 namespace virelune {
 namespace {
 
-using platform::Array;
 using platform::Dictionary;
-using platform::Number;
 using platform::Value;
 
 using Helpers = tests::WidgetFixture;

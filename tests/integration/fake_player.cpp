@@ -86,6 +86,9 @@ QDBusMessage FakePlayer::answer(const QDBusMessage& message) {
         "<node><interface name='org.mpris.MediaPlayer2.Player'>"
         "<property name='Rating' type='d' access='readwrite'/></interface></node>");
   }
+  if (message.member() == "Set") {
+    properties_[arguments.value(1).toString()] = arguments.value(2).value<QDBusVariant>().variant();
+  }
   QStringList words = {message.member()};
   for (const QVariant& argument : arguments) words << textOf(argument);
   calls_ << words.join(QLatin1Char(' '));

@@ -103,6 +103,49 @@ TEST_F(PlayerBridge, WritesTheRatingThatThePlayerKeepsItself) {
                                                    "SetPosition /track/1 30000000"));
 }
 
+TEST_F(PlayerBridge, ASlowPlayersOwnRatingIsWhatItWasToldAndNotWhatItAnswersFromBefore) {
+  const auto rated = [](double rating) {
+    return QVariantMap{{"PlaybackStatus", "Paused"},
+                       {"Rating", rating},
+                       {"Metadata", QVariantMap{{"xesam:title", "Song"}}}};
+  };
+  FakePlayer player(bus, "slow", rated(0.75));
+  follow();
+  const auto rating = track()->propertyWithCode(code("pRte"));
+  ASSERT_TRUE(waitUntil([&] { return rating->integerValue() == 75; }));
+  player.hold();
+  player.signalChange({{"Volume", 1.0}});
+  ASSERT_TRUE(waitUntil([&] { return announced->changes > 0; }));
+  state();  // which it is too slow to answer
+  rating->setTo(100);
+  EXPECT_EQ(rating->integerValue(), 100) << "the rule reads it";
+  player.release();  // answers the question from before first
+  EXPECT_TRUE(waitUntil([&] {
+    EXPECT_EQ(rating->integerValue(), 100);
+    return player.calls().contains("Set org.mpris.MediaPlayer2.Player Rating 1");
+  }));
+  player.setProperties(rated(0.5));
+  player.signalChange(rated(0.5));
+  EXPECT_TRUE(waitUntil([&] { return rating->integerValue() == 50; }));
+}
+
+TEST_F(PlayerBridge, WhatAPlayerChangesWithoutAWordIsAnnouncedOnceItsLastAnswerIsOld) {
+  const auto rated = [](double rating) {
+    return QVariantMap{
+        {"PlaybackStatus", "Playing"},
+        {"Metadata", QVariantMap{{"xesam:title", "Song"}, {"xesam:userRating", rating}}}};
+  };
+  FakePlayer player(bus, "wordless", rated(0.2));
+  follow();
+  state();
+  player.setProperties(rated(0.8));
+  EXPECT_TRUE(waitUntil([&] {
+    position();  // as the panel asks every second
+    return announced->changes > 0;
+  }));
+  EXPECT_EQ(track()->propertyWithCode(code("pRte"))->integerValue(), 80);
+}
+
 TEST_F(PlayerBridge, AClickOnTheArtworkRaisesThePlayerOnce) {
   FakePlayer player(
       bus, "raised",

@@ -39,6 +39,11 @@ class Session : public testing::Test {
     window = display->window("virelune-widget");
     ASSERT_FALSE(window.isEmpty());
   }
+  /// Moves the card, which has heard of it then.
+  void move(const QString& place) const {
+    display->xdotool(QString("windowmove --sync %1 %2").arg(window, place));
+    EXPECT_EQ(start()->exitStatus(), 0);  // asks the card something, and waits for the answer
+  }
   bool waitForHeight(double height) const {
     return waitUntil([&] {
       return display->xdotool("getwindowgeometry " + window).section('x', -1).toDouble() == height;
@@ -107,14 +112,13 @@ TEST_F(Session, EndsWithAllThatItHasToKeepWhateverTakesItsGroundAway) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     open();
     const QString place = QString::number(100 + signal);
-    display->xdotool(QString("windowmove --sync %1 %2 77").arg(window, place));
+    move(place + " 77");
     program->send(signal);
     EXPECT_EQ(program->exitStatus(), 0);
     EXPECT_TRUE(remembers(("Last=" + place + " 77").toUtf8())) << signal;
   }
   open();
-  display->xdotool(QString("windowmove --sync %1 55 66").arg(window));
-  EXPECT_EQ(start()->exitStatus(), 0);  // once this is answered, the move has been heard of
+  move("55 66");
   display.reset();
   EXPECT_EQ(program->exitStatus(), 1);
   EXPECT_TRUE(remembers("Last=55 66"));

@@ -144,7 +144,7 @@ TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   std::ofstream(file) << "last";
   inStore("PRAGMA user_version = 1000");
   expectRefusal("newer version");
-  inStore("PRAGMA user_version = 1");
+  inStore("PRAGMA user_version = 2");
   std::fstream(storeFile, std::ios::in | std::ios::out | std::ios::binary).seekp(4 * 4096)
       << std::string(4096, '\0');
   const std::string damaged = contents(storeFile);

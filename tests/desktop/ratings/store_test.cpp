@@ -342,7 +342,7 @@ TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
   for (const std::string& damaged :
        {std::string(5000, 'x'), sound.substr(0, 600), std::string("SQLite format 3"),
         sound.substr(0, 100) + std::string(sound.size() - 100, '\xFF'),
-        contents(inDatabase("CREATE TABLE t (a); PRAGMA user_version = 1", "foreign"))}) {
+        contents(inDatabase("CREATE TABLE t (a); PRAGMA user_version = 2", "foreign"))}) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << damaged;
     messages.str("");
     RatingsStore store(file, messages);

@@ -1,5 +1,3 @@
-#include <cmath>
-#include <limits>
 
 #include "platform/application/bundle.h"
 #include "platform/foundation/text.h"
@@ -9,11 +7,7 @@
 namespace tests {
 namespace {
 
-using platform::Array;
-using platform::Dictionary;
-using platform::Number;
 using platform::URL;
-using platform::Value;
 
 TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
   EXPECT_TRUE(platform::caseInsensitiveEqual("BEATS 1", "beats 1"));
