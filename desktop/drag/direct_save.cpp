@@ -82,7 +82,8 @@ QByteArray DirectSave::save(platform::NSPasteboard& pasteboard) const {
 }
 
 QByteArray DirectSave::saveAtAddress(platform::NSPasteboard& pasteboard, std::string_view address) {
-  const auto path = localPath(address);
+  // Some receivers count the end of a C string with it.
+  const auto path = localPath(address.substr(0, address.find('\0')));
   if (!path) return "F";
   const std::filesystem::path file(*path);
   const auto saved = pasteboard.receivePromisedFileInDirectory(file.parent_path().string());

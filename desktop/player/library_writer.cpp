@@ -142,7 +142,7 @@ const LibraryWriter::Way* LibraryWriter::wayInto(const PlayerMirror& player) con
 }
 
 void LibraryWriter::meet(const PlayerMirror& player) {
-  const QString owner = player.owner();
+  const QString& owner = player.owner();
   if (!hasExtension_.emplace(owner, false).second) return;
   QDBusMessage question = callOf(owner, playerPath, propertiesInterface, "Get");
   question << QLatin1String(extensionInterface) << QStringLiteral("HasRatingsExtension");

@@ -124,8 +124,10 @@ double PlayerMirror::position() {
   QDBusMessage message = propertiesCall("Get", playerInterface);
   message << QStringLiteral("Position");
   const auto answer = ask(message);
-  if (answer) position_ = secondsFromMicroseconds(*answer);
-  if (answer) holdPosition();
+  if (!answer) return position_;
+  position_ = secondsFromMicroseconds(*answer);
+  holdPosition();
+  comparePositionWithLength();
   return position_;
 }
 
@@ -137,6 +139,7 @@ void PlayerMirror::adopt(const QVariant& properties) {
   snapshotAge_.start();
   position_ = secondsFromMicroseconds(told_.value(QStringLiteral("Position")));
   holdPosition();
+  comparePositionWithLength();
 }
 
 void PlayerMirror::readWhatWasTold() {
@@ -158,14 +161,26 @@ void PlayerMirror::dropWhatWasTold() {
 /// Some players give what has arrived so far of a live stream for its length. A remote track whose
 /// length grows and grows has none; a single correction is an estimate that became better.
 PlayerSnapshot PlayerMirror::withoutGrowingLength(PlayerSnapshot told) {
+  if (!told.isSameTrack(lastTold_)) hasPassedLength_ = false;
   if (!told.isSameTrack(lastTold_) || told.length < lastTold_.length) {
     growths_ = 0;
   } else if (lastTold_.length > 0 && told.length > lastTold_.length) {
     ++growths_;
   }
   lastTold_ = told;
-  if (lengthIsGrowing()) told.length = 0;
+  if (lengthIsGrowing() || hasPassedLength_) told.length = 0;
   return told;
+}
+
+/// Some players give a stream's first bytes for its length and never correct that.
+void PlayerMirror::comparePositionWithLength() {
+  constexpr double inaccuracy = 2;  // seconds
+  const bool isPassed = snapshot_ && snapshot_->isRemote() && snapshot_->length > 0 &&
+                        position_ > snapshot_->length + inaccuracy;
+  if (!isPassed) return;
+  hasPassedLength_ = true;
+  readWhatWasTold();
+  QMetaObject::invokeMethod(this, &PlayerMirror::changed, Qt::QueuedConnection);
 }
 
 bool PlayerMirror::lengthIsGrowing() const { return growths_ >= 2 && lastTold_.isRemote(); }

@@ -101,6 +101,7 @@ class PlayerMirror final : public QObject {
   void readWhatWasTold();
   PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
   bool lengthIsGrowing() const;
+  void comparePositionWithLength();
   void forget();
   void holdPosition();
 
@@ -120,11 +121,13 @@ class PlayerMirror final : public QObject {
   bool isStale_ = false;                            ///< the player may have more to tell
   bool isRead_ = true;                              ///< the snapshot has all that was told
   QElapsedTimer snapshotAge_;
-  PlayerSnapshot lastTold_;       ///< the last track as the player told it
-  int growths_ = 0;               ///< how often its length has grown, without shrinking in between
-  int ratingsUnderWay_ = 0;       ///< ratings of its own that the player has not answered yet
-  PlayerSnapshot ratedTrack_;     ///< the track that the last one was set on, with it
-  double position_ = 0;           ///< seconds
+  PlayerSnapshot lastTold_;  ///< the last track as the player told it
+  int growths_ = 0;          ///< how often its length has grown, without shrinking in between
+  bool hasPassedLength_ =
+      false;                   ///< it is elsewhere and plays on after what it told for its length
+  int ratingsUnderWay_ = 0;    ///< ratings of its own that the player has not answered yet
+  PlayerSnapshot ratedTrack_;  ///< the track that the last one was set on, with it
+  double position_ = 0;        ///< seconds
   bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
 
   bool isDescribing_ = false;

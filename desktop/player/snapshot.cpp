@@ -186,8 +186,15 @@ PlayerSnapshot snapshotFromProperties(const QVariantMap& properties) {
       wholeTextFromVariant(metadata.value(QStringLiteral("xesam:url")), longestAddress);
   snapshot.artworkAddress =
       artworkAddressFromVariant(metadata.value(QStringLiteral("mpris:artUrl")));
+  const QString name = beginningOf(nameFromAddress(snapshot.address));
   QString title = text("xesam:title");
-  if (title.isEmpty()) title = beginningOf(nameFromAddress(snapshot.address));
+  if (title.isEmpty() || title == name || title == snapshot.address) {
+    // What a station sends of what is on air, where players keep it.
+    for (const char* key : {"vlc:nowplaying", "icy-title"}) {
+      if (const QString onAir = text(key); !onAir.isEmpty()) title = onAir;
+    }
+  }
+  if (title.isEmpty()) title = name;
   snapshot.title = title.toStdString();
   snapshot.artist = text("xesam:artist").toStdString();
   snapshot.album = text("xesam:album").toStdString();

@@ -57,6 +57,7 @@ class Composition {
 
   Card* card() { return card_.get(); }  ///< null when the bundle names no widget
   PlayerSource& player() { return *player_; }
+  const LoginItems& loginItems() const { return *loginItems_; }
   QtGraphics& graphics() { return graphics_; }
   /// The widget's name as the user sees it.
   std::string displayName() const;

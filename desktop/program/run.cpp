@@ -142,9 +142,13 @@ std::optional<int> handOnEarly(const CommandLine& commandLine, int argc, char** 
 int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
                Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
   PlayerSource& player = composition.player();
+  const bool onTop = commandLine.onTop || settings.isOnTop();
+  if (commandLine.onTop && !canChoosePlace()) {
+    std::cerr << "virelune-widget: this desktop does not let programs stay on top" << std::endl;
+  }
   CardSurface window(*composition.card(), composition.graphics(),
                      {.title = QString::fromStdString(composition.displayName()),
-                      .onTop = commandLine.onTop || settings.isOnTop(),
+                      .onTop = onTop,
                       .settings = &settings,
                       .cardNumber = instance.number()});
   const CardMenu menu(window, composition.graphics(), widget);
@@ -164,6 +168,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   });
   QObject::connect(&player, &PlayerSource::busReturned, &window,
                    [&instance](const QDBusConnection& bus) { instance.claim(bus); });
+  composition.loginItems().followMovedProgram();
   const EndingSignals endings;
   const DailyBackup backup(RatingsStore::defaultFile());
   display.setLastAct([&window] { window.rememberPlace(); });

@@ -109,6 +109,21 @@ void Card::paintBackground(QPainter& painter, platform::Appearance appearance) c
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 
+QRect areaOfWholePixels(const QRectF& area, double scale) {
+  constexpr int widest = 20;
+  constexpr double exact = 1e-6;
+  int grid = 1;  // points between two edges of points that are edges of pixels, too
+  while (grid < widest && std::abs(grid * scale - std::round(grid * scale)) > exact) ++grid;
+  const auto before = [grid](double edge) {
+    return static_cast<int>(std::floor(edge / grid)) * grid;
+  };
+  const auto after = [grid](double edge) {
+    return static_cast<int>(std::ceil(edge / grid)) * grid;
+  };
+  const QPoint corner(before(area.left()), before(area.top()));
+  return {corner, QSize(after(area.right()) - corner.x(), after(area.bottom()) - corner.y())};
+}
+
 void Card::paint(QPainter& painter, const QRegion& region, platform::Appearance appearance) {
   const platform::NSSize whole = size();
   // One pass for each rectangle: what lies between two of them is left alone.

@@ -17,6 +17,10 @@
 
 namespace desktop {
 
+/// The smallest area around one (points) whose edges lie between two pixels, so that it can be
+/// painted again as a whole; at 1.5 pixels to the point that is every second point.
+QRect areaOfWholePixels(const QRectF& area, double scale);
+
 /// A header above the widget's view, in one window of views. The card is as wide as the widget
 /// and as high as its preferred content size and the header together.
 class Card {

@@ -44,7 +44,8 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
 
   card_.window().setMarkHandler([this](platform::NSRect rect) {
     const double y = card_.size().height - rect.maxY();
-    update(QRectF(rect.minX(), y, rect.size.width, rect.size.height).toAlignedRect());
+    update(
+        areaOfWholePixels({rect.minX(), y, rect.size.width, rect.size.height}, devicePixelRatio()));
   });
   card_.setSizeHandler([this](platform::NSSize) { fitCard(); });
   card_.header().setCloseHandler([this] { close(); });

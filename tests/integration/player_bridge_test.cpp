@@ -85,6 +85,23 @@ TEST_F(PlayerBridge, ARemoteTrackThatGrowsAndGrowsIsAStreamAndItsGrowthIsNoNews)
   EXPECT_EQ(news, 3);
 }
 
+TEST_F(PlayerBridge, WhatPlaysOnAfterItsLengthIsAStreamWhenItIsElsewhere) {
+  for (const auto& [address, isStream] :
+       {std::pair("http://radio.example/live", true), {"file:///music/song.flac", false}}) {
+    FakePlayer player(bus, "endless",
+                      {{"PlaybackStatus", "Playing"},
+                       {"Position", QVariant::fromValue<qlonglong>(20'000'000)},
+                       {"Metadata", QVariantMap{{"xesam:title", "Station"},
+                                                {"xesam:url", address},
+                                                {"mpris:length", 3'400'000.0}}}});
+    follow();
+    position();
+    EXPECT_EQ(trackText(code("pTim")),
+              isStream ? std::nullopt : std::optional<std::string>("0:03"));
+    EXPECT_EQ(platform::textFromCode(track()->resolvedClassCode()), isStream ? "cURT" : "cFlT");
+  }
+}
+
 TEST_F(PlayerBridge, WritesTheRatingThatThePlayerKeepsItself) {
   const QVariantMap properties = {{"PlaybackStatus", "Paused"},
                                   {"Rating", 0.6},

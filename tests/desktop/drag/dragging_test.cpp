@@ -66,13 +66,15 @@ TEST_F(Drag, DirectSavePutsTheFileWhereTheReceiverSaysOrLeavesNone) {
   fs::create_directory(runtime.path() / "taken");
   for (const auto& [address, answer] : {std::pair("file://" + folder + "/other%20name.jpg", "S"),
                                         {"file://" + machine + folder + "/here.jpg", "S"},
+                                        {"file://" + folder + "/ended.jpg" + '\0', "S"},
                                         {"file://" + folder + "/taken", "E"},
                                         {"file://elsewhere.example" + folder + "/5.jpg", "F"},
                                         {"5.jpg", "F"}}) {
     EXPECT_EQ(save(address), answer) << address;
   }
   EXPECT_TRUE(fs::exists(runtime.path() / "other name.jpg"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3) << "with the one here and taken";
+  EXPECT_TRUE(fs::exists(runtime.path() / "ended.jpg"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 4) << "with the one here and taken";
 }
 
 TEST_F(Drag, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {

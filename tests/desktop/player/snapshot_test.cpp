@@ -105,6 +105,22 @@ TEST(PlayerSnapshot, ATrackWithoutATitleGoesByItsFileAndAStreamIsElsewhereWithou
   }
 }
 
+TEST(PlayerSnapshot, AStationsWordOfWhatIsOnAirTakesThePlaceOfItsFileNameOnly) {
+  for (const char* key : {"vlc:nowplaying", "icy-title"}) {
+    for (const auto& [title, shown] : {std::pair("", "On Air"),
+                                       {"live.mp3", "On Air"},
+                                       {"http://radio.example/live.mp3", "On Air"},
+                                       {"Station", "Station"}}) {
+      EXPECT_EQ(withMetadata({{"xesam:url", "http://radio.example/live.mp3"},
+                              {"xesam:title", title},
+                              {key, "On Air"}})
+                    .title,
+                shown)
+          << key << title;
+    }
+  }
+}
+
 TEST(PlayerSnapshot, RatingsBelowZeroAndTrackIdsThatAreNoObjectPathsAreNone) {
   const auto idOf = [](const QVariant& id) {
     return withMetadata({{"mpris:trackid", id}}).trackId.toStdString();

@@ -208,6 +208,19 @@ TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
   EXPECT_EQ(widget_->middle->events.size(), heard);
 }
 
+TEST(CardArea, IsRoundedOutwardsToWholePixelsAtEveryScale) {
+  const QRectF marked(4.5, 81, 3, 7);
+  for (const auto& [scale, expected] : {std::pair(1.0, QRect(4, 81, 4, 7)),
+                                        {2.0, QRect(4, 81, 4, 7)},
+                                        {1.5, QRect(4, 80, 4, 8)},
+                                        {1.25, QRect(4, 80, 4, 8)},
+                                        {1.75, QRect(4, 80, 4, 8)},
+                                        {4 / 3.0, QRect(3, 81, 6, 9)}}) {
+    EXPECT_EQ(desktop::areaOfWholePixels(marked, scale), expected) << scale;
+  }
+  EXPECT_EQ(desktop::areaOfWholePixels({-0.5, 0, 1, 1}, 1.5), QRect(-2, 0, 4, 2));
+}
+
 class CardMenuTest : public CardTest {
  protected:
   CardMenuTest() {
