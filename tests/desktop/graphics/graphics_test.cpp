@@ -19,7 +19,6 @@ using platform::Appearance;
 using platform::Canvas;
 using platform::Data;
 using platform::NSAttributedString;
-using platform::NSBitmapImageFileType;
 using platform::NSColor;
 using platform::NSFont;
 using platform::NSMakeRect;
@@ -60,17 +59,6 @@ TEST(QtGraphics, CutOrAbsurdOrOtherBytesMakeNoImage) {
   jpeg.replace(frame + 5, 4, QByteArrayLiteral("\x4E\x20\x4E\x20"));  // 20,000 × 20,000
   EXPECT_EQ(graphics.decode(data(jpeg)), nullptr);
   EXPECT_EQ(graphics.decode(data("<svg xmlns='http://www.w3.org/2000/svg' width='9'/>")), nullptr);
-}
-
-TEST(QtGraphics, ALargeCoverKeepsItsSizeAndComesOutInFull) {
-  desktop::QtGraphics graphics(desktop::opaqueLabelColor);
-  const auto image = graphics.decode(data(encoded("JPEG", {3000, 1500})));
-  ASSERT_NE(image, nullptr);
-  for (const auto type : {NSBitmapImageFileType::jpeg, NSBitmapImageFileType::png}) {
-    const auto again = graphics.decode(graphics.encode(*image, type, 1.0));
-    ASSERT_NE(again, nullptr);
-    EXPECT_EQ(again->size(), (NSSize{3000, 1500}));
-  }
 }
 
 TEST(DrawingImage, FollowsTheAppearanceAndStaysSharpAtEveryScale) {
@@ -126,22 +114,19 @@ constexpr unsigned truncating = platform::NSStringDrawingUsesLineFragmentOrigin 
 constexpr double size = 16;
 constexpr double line = size * 1.2;
 
-NSAttributedString styled(const std::string& text, NSTextAlignment alignment,
-                          bool monospacedDigits = false) {
+NSAttributedString styled(const std::string& text, NSTextAlignment alignment) {
   NSAttributedString result{text, {}};
   NSFont font;
   font.size = size;
-  font.monospacedDigits = monospacedDigits;
   result.attributes[platform::NSFontAttributeName] = font;
   result.attributes[platform::NSParagraphStyleAttributeName] =
       platform::NSParagraphStyle{alignment};
   return result;
 }
 
-NSSize measured(const std::string& text, double width, double height = anyHeight,
-                bool monospacedDigits = false) {
+NSSize measured(const std::string& text, double width, double height = anyHeight) {
   return desktop::QtGraphics(desktop::opaqueLabelColor)
-      .measure(styled(text, NSTextAlignment::left, monospacedDigits), {width, height}, truncating);
+      .measure(styled(text, NSTextAlignment::left), {width, height}, truncating);
 }
 
 QImage drawnText(const std::string& text, QSize area, unsigned options = truncating,
@@ -200,14 +185,6 @@ TEST(TextBlock, OfAMegabyteOnlyWhatCanBeShownIsLaidOut) {
     EXPECT_EQ(whole, measured(text.substr(0, 4096 - 4096 % piece.size()), 250));
     EXPECT_EQ(drawnText(text, {250, 20}).size(), QSize(250, 20));
   }
-}
-
-TEST(TextBlock, FiguresGiveWayBeforeTheyAreCutAndOnlyFigures) {
-  const std::string time = "01:00:02 | 1:12:40";
-  const double whole = measured(time, 1000).width;
-  EXPECT_DOUBLE_EQ(measured(time, 0.8 * whole, anyHeight, true).height, line);
-  EXPECT_DOUBLE_EQ(measured(time, 0.8 * whole).height, 2 * line);
-  EXPECT_GT(measured(time, 0.4 * whole, anyHeight, true).height, line);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include "platform/graphics/canvas.h"
 
 #include "platform/view/button.h"
-#include "platform/view/view_controller.h"
 #include "tests/support/listener.h"
 #include "tests/support/widget_fixture.h"
 
@@ -15,23 +14,6 @@ using platform::NSMakeRect;
 using platform::NSRect;
 using platform::NSView;
 using testing::ElementsAre;
-
-class Controller : public platform::NSViewController {
- public:
-  Controller(std::vector<std::string>& log, std::string name) : log_(log), name_(std::move(name)) {}
-  void viewWillAppear() override {
-    log_.push_back("+" + name_);
-    if (onAppearing) onAppearing();
-  }
-  void viewWillDisappear() override {
-    log_.push_back("-" + name_ + (view()->window() != nullptr ? "" : ", without a window"));
-  }
-  std::function<void()> onAppearing;
-
- private:
-  std::vector<std::string>& log_;
-  std::string name_;
-};
 
 /// Writes down its mouse events.
 class Filled : public NSView {
@@ -53,38 +35,14 @@ class Filled : public NSView {
 class Views : public WidgetFixture {
  protected:
   Views() { window->setContentView(root); }
-  std::shared_ptr<Controller> makeController(const std::string& name) {
-    auto controller = platform::make<Controller>(log, name);
-    controller->setView(platform::make<NSView>(NSMakeRect(0, 0, 10, 10)));
-    return controller;
-  }
   template <class View>
   std::shared_ptr<View> add(NSRect frame) {
     auto view = platform::make<View>(frame);
     root->addSubview(view);
     return view;
   }
-  std::vector<std::string> log;
   std::shared_ptr<NSView> root = platform::make<NSView>(NSMakeRect(0, 0, 100, 50));
 };
-
-TEST_F(Views, ControllersAreToldOnceWhenTheirViewComesAndWhileItStillHasItsWindowGoes) {
-  const auto outer = makeController("outer");
-  const auto inner = makeController("inner");
-  const auto added = makeController("added meanwhile");
-  auto destroyed = makeController("destroyed");
-  outer->onAppearing = [&] { outer->view()->addSubview(added->view()); };
-  window->setContentView(outer->view());
-  window->setVisible(true);
-  window->setVisible(true);
-  outer->view()->addSubview(inner->view());
-  inner->view()->removeFromSuperview();
-  outer->view()->addSubview(destroyed->view());
-  destroyed.reset();
-  window->setVisible(false);
-  EXPECT_THAT(log, ElementsAre("+outer", "+added meanwhile", "+inner", "-inner", "+destroyed",
-                               "-outer", "-added meanwhile"));
-}
 
 TEST_F(Views, MarksAreCutToWhatTheParentsShowAndDisplayDrawsOnlyWhatMeetsTheRectangle) {
   const auto view = add<Filled>(NSMakeRect(10, -7, 20, 14));
@@ -154,7 +112,7 @@ TEST_F(Views, ButtonClicksOnlyWhenReleasedInsideAndItsTargetLives) {
   }
   target.reset();
   click({5, 5});
-  button->setTarget(makeController("other class"));
+  button->setTarget(root);
   click({5, 5});
 }
 
