@@ -1,4 +1,4 @@
-# The Debian packages that each command needs. Sourced by ./run, ./test, ./bench and scripts/fuzz.
+# The Debian packages that each command needs. Sourced by ./run, ./test and scripts.
 # shellcheck shell=bash
 
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf8proc-dev
@@ -9,6 +9,8 @@ test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x1
   ffmpeg lld)
 bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
 fuzz_packages=(clang libclang-rt-dev)
+package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc)
+release_packages=(debootstrap)
 lint_packages=(clang clang-format clang-tidy)
 
 # Installs those of the named packages that are missing. Ends the program with one message that
