@@ -5,6 +5,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <regex>
+#include <string>
 #include <vector>
 
 #include "desktop/files/settings.h"
@@ -59,6 +62,38 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
     ASSERT_FALSE(result) << c.message;
     EXPECT_EQ(result.problem().text, c.message);
   }
+}
+
+/// What a pattern finds in a text, option by option: true with a value, which is told by a second
+/// group that is not empty.
+std::map<std::string, bool> optionsIn(const std::string& text, const char* pattern) {
+  const std::regex expression(pattern, std::regex::multiline);
+  std::map<std::string, bool> options;
+  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end; ++found) {
+    const std::smatch& match = *found;
+    options[match[1]] = match[2].length() > 0;
+  }
+  return options;
+}
+
+TEST(CommandLine, TheManualAndTheCompletionsKnowEveryOptionAndNoOther) {
+  const auto help = optionsIn(desktop::helpText(), "^  --([a-z-]+)( [A-Z])?");
+  ASSERT_GT(help.size(), 10u);
+  const auto textOf = [](const char* file) {
+    std::ifstream stream(std::filesystem::path(VIRELUNE_PACKAGING) / file);
+    return std::string(std::istreambuf_iterator(stream), {});
+  };
+  EXPECT_EQ(optionsIn(textOf("virelune-widget.1"), R"(^\.It Fl \\-([a-z-]+)( Ar)?)"), help);
+  EXPECT_EQ(optionsIn(textOf("completions/_virelune-widget"), R"(^  '--([a-z-]+)(=)?\[)"), help);
+  EXPECT_EQ(optionsIn(textOf("completions/virelune-widget.fish"), R"( -l ([a-z-]+)( -[rx])?)"), help);
+  // This one has a list of all, and labels of its branches for those with a value.
+  const std::string bash = textOf("completions/virelune-widget.bash");
+  auto completed =
+      optionsIn(bash.substr(0, bash.find("COMPREPLY=()")), R"([ "]--([a-z-]+)(=)?)");
+  for (const auto& label : optionsIn(bash, R"((?:^    |\| )--([a-z-]+)(?= \||\)))")) {
+    completed[label.first] = true;
+  }
+  EXPECT_EQ(completed, help);
 }
 
 TEST(WindowPlacement, KeepsTheWholeCardOnTheNearestScreen) {
