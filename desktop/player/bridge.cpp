@@ -43,6 +43,7 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
                             ? QString::fromStdString(options.lastPlayer)
                             : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
+  if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
   if (ratings_ != nullptr && options.writesLibraries) {
     library_ = std::make_unique<LibraryWriter>(bus, *ratings_);
   }
@@ -74,7 +75,7 @@ std::optional<platform::ScriptingReply> PlayerBridge::send(
     const platform::ScriptingRequest& request) {
   PlayerMirror* chosen = registry_.chosen();
   if (chosen == nullptr) return std::nullopt;
-  FollowedPlayer player(*chosen, artwork_, ratings_, library_.get());
+  FollowedPlayer player(*chosen, artwork_, ratings_, moved_ ? &*moved_ : nullptr, library_.get());
   return platform::interpret(request, player);
 }
 

@@ -15,6 +15,7 @@
 #include "desktop/player/artwork.h"
 #include "desktop/player/library_writer.h"
 #include "desktop/player/registry.h"
+#include "desktop/ratings/moved_files.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/player_application.h"
 #include "platform/application/scripting.h"
@@ -75,6 +76,7 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
   PlayerRegistry registry_;
   PlayerArtwork artwork_;
   RatingsStore* const ratings_;
+  std::optional<MovedFiles> moved_;         ///< none without ratings
   std::unique_ptr<LibraryWriter> library_;  ///< null when libraries are not written
   QString lastDesktopEntry_;                ///< of the player that was followed last
 

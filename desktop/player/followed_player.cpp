@@ -46,12 +46,14 @@ platform::Data FollowedPlayer::artwork() {
 
 TrackIdentity FollowedPlayer::identity() {
   if (now() == nullptr) return {};
-  return {.address = now()->address.toStdString(),
-          .artist = now()->artist,
-          .album = now()->album,
-          .albumArtist = now()->albumArtist,
-          .title = now()->title,
-          .length = now()->length};
+  const TrackIdentity identity{.address = now()->address.toStdString(),
+                               .artist = now()->artist,
+                               .album = now()->album,
+                               .albumArtist = now()->albumArtist,
+                               .title = now()->title,
+                               .length = now()->length};
+  if (moved_ != nullptr) moved_->heard(identity);
+  return identity;
 }
 
 Marks FollowedPlayer::marks(Marked of) {

@@ -8,6 +8,7 @@
 #include "desktop/player/artwork.h"
 #include "desktop/player/library_writer.h"
 #include "desktop/player/mirror.h"
+#include "desktop/ratings/moved_files.h"
 #include "desktop/ratings/store.h"
 #include "platform/application/player_interpreter.h"
 
@@ -16,11 +17,11 @@ namespace desktop {
 /// Made for one request. Main thread only.
 class FollowedPlayer final : public platform::ScriptablePlayer {
  public:
-  /// Ratings may be null: then they come from the player alone.
+  /// Ratings may be null: then they come from the player alone, and `moved` is null as well.
   /// So may the writer: then libraries are not written to.
   FollowedPlayer(PlayerMirror& mirror, PlayerArtwork& artwork, RatingsStore* ratings,
-                 LibraryWriter* library)
-      : mirror_(mirror), artwork_(artwork), ratings_(ratings), library_(library) {}
+                 MovedFiles* moved, LibraryWriter* library)
+      : mirror_(mirror), artwork_(artwork), ratings_(ratings), moved_(moved), library_(library) {}
 
   platform::FourCharCode state() override;
   double position() override { return mirror_.position(); }
@@ -45,6 +46,7 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   /// What the player tells, asked for once so that a request has to do with one track only; null
   /// when it does not answer.
   const PlayerSnapshot* now();
+  /// As the store knows tracks, which looks after a file that has moved.
   TrackIdentity identity();
   Marks marks(Marked of);
   std::optional<int> ratingSaid();
@@ -53,6 +55,7 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   PlayerMirror& mirror_;
   PlayerArtwork& artwork_;
   RatingsStore* const ratings_;
+  MovedFiles* const moved_;
   LibraryWriter* const library_;
   std::optional<std::shared_ptr<const PlayerSnapshot>> now_;
 };

@@ -30,7 +30,9 @@ constexpr std::array schemaSteps = {
     "  title TEXT NOT NULL,"
     "  length INTEGER NOT NULL"  // whole seconds, 0 when unknown
     ") WITHOUT ROWID",
-    LibraryNotes::table};
+    LibraryNotes::table,
+    // For tracks whose files have moved.
+    "CREATE INDEX tracks_by_title ON names (title, length) WHERE kind = 0"};
 
 constexpr const char* readMarksOfDigest =
     "SELECT rating, rating_changed, loved, loved_changed FROM marks WHERE digest = ?1";
@@ -60,6 +62,13 @@ constexpr const char* addUnknownNames =
     " (digest, kind, address, artist, album, album_artist, title, length)"
     " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)";
 
+constexpr const char* readTitled =
+    "SELECT kind, address, artist, album, album_artist, title, length FROM names"
+    " WHERE kind = 0 AND title IN (?1, ?2, ?3) AND length BETWEEN ?4 - 1 AND ?4 + 1";
+
+constexpr const char* readNamesOfDigest =
+    "SELECT kind, address, artist, album, album_artist, title, length FROM names WHERE digest = ?1";
+
 constexpr const char* readNamed =
     "SELECT kind, address, artist, album, album_artist, title, length,"
     "       rating, rating_changed, loved, loved_changed"
@@ -83,15 +92,19 @@ void readMarksFromRow(const Statement& row, int column, RatingsRecord& record) {
   record.lovedChanged = row.integer(column + 3).value_or(0);
 }
 
+TrackIdentity identityFromRow(const Statement& row) {
+  return {.address = row.text(1),
+          .artist = row.text(2),
+          .album = row.text(3),
+          .albumArtist = row.text(4),
+          .title = row.text(5),
+          .length = static_cast<double>(row.integer(6).value_or(0))};
+}
+
 RatingsRecord recordFromRow(const Statement& row) {
   RatingsRecord record;
   record.kind = row.integer(0) == 1 ? RatingsRecord::Kind::album : RatingsRecord::Kind::track;
-  record.identity = {.address = row.text(1),
-                     .artist = row.text(2),
-                     .album = row.text(3),
-                     .albumArtist = row.text(4),
-                     .title = row.text(5),
-                     .length = static_cast<double>(row.integer(6).value_or(0))};
+  record.identity = identityFromRow(row);
   readMarksFromRow(row, 7, record);
   return record;
 }
@@ -169,6 +182,45 @@ int Entries::mergeMarks(const std::string& digest, const RatingsRecord& offered,
 
 int Entries::addNames(const std::string& digest, const RatingsRecord& record) {
   return writeNames(addingNames_, digest, record);
+}
+
+int Entries::readTracksTitled(std::span<const std::string, 3> titles, std::int64_t length,
+                              std::vector<TrackIdentity>& found) {
+  Statement titled;
+  int result = titled.prepare(database_, readTitled);
+  if (result != SQLITE_OK) return result;
+  for (int number = 0; number < 3; ++number) {
+    titled.bind(number + 1, titles[static_cast<std::size_t>(number)]);
+  }
+  titled.bind(4, length);
+  while ((result = titled.step()) == SQLITE_ROW) found.push_back(identityFromRow(titled));
+  return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
+int Entries::readNames(const std::string& digest, std::vector<TrackIdentity>& found) {
+  Statement names;
+  int result = names.prepare(database_, readNamesOfDigest);
+  if (result != SQLITE_OK) return result;
+  names.bindBytes(1, digest);
+  result = names.step();
+  if (result == SQLITE_ROW) found.push_back(identityFromRow(names));
+  return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
+int Entries::move(const std::string& from, const std::string& to, RatingsRecord record) {
+  MergeCounts counts;
+  int result = readMarks(from, record);
+  if (result == SQLITE_OK) result = mergeMarks(to, record, counts);
+  if (result == SQLITE_OK) result = writeNames(writingNames_, to, record);
+  for (const char* removal :
+       {"DELETE FROM marks WHERE digest = ?1", "DELETE FROM names WHERE digest = ?1"}) {
+    Statement removing;
+    if (result == SQLITE_OK) result = removing.prepare(database_, removal);
+    if (result != SQLITE_OK) return result;
+    removing.bindBytes(1, from);
+    result = resultOfWriting(removing);
+  }
+  return result;
 }
 
 int Entries::mergeAll(Database& other, MergeCounts& counts) {

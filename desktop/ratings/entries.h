@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "desktop/ratings/record.h"
 #include "desktop/ratings/sqlite.h"
@@ -36,6 +38,12 @@ class Entries {
   /// The marks under a digest; the record stays as it is when there are none.
   int readMarks(const std::string& digest, RatingsRecord& record);
 
+  /// Adds the tracks with one of these titles that are as long, within a second.
+  int readTracksTitled(std::span<const std::string, 3> titles, std::int64_t length,
+                       std::vector<TrackIdentity>& found);
+  /// Adds what an entry is called, if there is such an entry.
+  int readNames(const std::string& digest, std::vector<TrackIdentity>& found);
+
   // Within a transaction, those that write.
 
   /// Sets the marks that the record has, with their dates; a mark that it lacks stays.
@@ -47,6 +55,10 @@ class Entries {
 
   /// Keeps what an entry is called, unless that is known.
   int addNames(const std::string& digest, const RatingsRecord& record);
+
+  /// Has an entry go by another digest and the names of a record; of two marks the one that was
+  /// set later stays.
+  int move(const std::string& from, const std::string& to, RatingsRecord record);
 
   /// Takes over all entries of another database. What could be read is taken when it fails.
   int mergeAll(Database& other, MergeCounts& counts);

@@ -49,7 +49,10 @@ std::optional<StoreProblem> prepareFile(const std::filesystem::path& file, Patie
   const FolderLock lock(file.parent_path(), patience);
   if (lock.isHeldByOther()) return StoreProblem{Kind::busy, "another program holds its folder"};
   if (const int result = makeEntryTables(database); result != SQLITE_OK) {
-    return problemWithResult(database, result);
+    auto problem = problemWithResult(database, result);
+    // Tables of an earlier version are missing.
+    if ((result & 0xFF) == SQLITE_ERROR) problem->kind = StoreProblem::Kind::damaged;
+    return problem;
   }
   synchroniseFolder(file.parent_path());
   return std::nullopt;

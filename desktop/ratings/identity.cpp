@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "platform/foundation/text.h"
@@ -53,20 +54,6 @@ std::optional<std::string> lastingFile(const std::string& path) {
   if (!path.starts_with('/') || path.ends_with('/') || isTemporaryFile(path)) return std::nullopt;
   const auto url = platform::URL::fileURLWithPath(path);
   return url ? std::optional(url->absoluteString()) : std::nullopt;
-}
-
-/// The path of a file address; empty for another machine's. Not every player percent-encodes: what
-/// would begin a query or a fragment is part of the name.
-std::string pathOfFileAddress(std::string_view address) {
-  std::string_view rest = address.substr(address.find(':') + 1);
-  if (rest.starts_with("//")) {
-    rest.remove_prefix(2);
-    const std::string_view host = rest.substr(0, rest.find('/'));
-    if (!host.empty() && platform::lowerCaseASCII(host) != "localhost") return {};
-    rest.remove_prefix(host.size());
-  }
-  std::string path = platform::percentDecoded(rest);
-  return path.find('\0') == std::string::npos ? path : std::string();
 }
 
 /// True when a parameter in the path or the query tells of a session. Subsonic servers (API
@@ -130,6 +117,26 @@ std::string keyText(std::string_view name) {
 std::int64_t wholeSeconds(double length) {
   constexpr double longest = 1e9;
   return length > 0 && length < longest ? std::llround(length) : 0;
+}
+
+std::string pathOfFileAddress(std::string_view address) {
+  // Not every player percent-encodes: what would begin a query or a fragment is part of the name.
+  std::string_view rest = address.substr(address.find(':') + 1);
+  if (rest.starts_with("//")) {
+    rest.remove_prefix(2);
+    const std::string_view host = rest.substr(0, rest.find('/'));
+    if (!host.empty() && platform::lowerCaseASCII(host) != "localhost") return {};
+    rest.remove_prefix(host.size());
+  }
+  std::string path = platform::percentDecoded(rest);
+  return path.find('\0') == std::string::npos ? path : std::string();
+}
+
+bool areNamesakes(const TrackIdentity& a, const TrackIdentity& b) {
+  const std::int64_t length = wholeSeconds(a.length), other = wholeSeconds(b.length);
+  return length > 0 && other > 0 && std::abs(length - other) <= 1 &&
+         keyText(a.title) == keyText(b.title) && keyText(a.artist) == keyText(b.artist) &&
+         keyText(a.album) == keyText(b.album);
 }
 
 std::optional<std::string> lastingAddress(const TrackIdentity& track) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace desktop {
 
@@ -33,6 +34,14 @@ std::int64_t wholeSeconds(double length);
 /// - live streams (a web address without a length) that tell the title: the address is the
 ///   station's, and the track on it changes.
 std::optional<std::string> lastingAddress(const TrackIdentity& track);
+
+/// The path of a file address, as players write it: file:/path, file:///path with localhost or no
+/// host, percent-encoded or not. Empty for another machine's.
+std::string pathOfFileAddress(std::string_view address);
+
+/// True when the artists, albums and titles are the same without regard to case and canonical
+/// composition, and the lengths, which are known, within a second.
+bool areNamesakes(const TrackIdentity& a, const TrackIdentity& b);
 
 /// The text under which a track's marks are kept: its lasting address, else its artist, album,
 /// title and length in whole seconds, the names without regard to case and canonical composition.

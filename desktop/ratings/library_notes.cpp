@@ -12,6 +12,8 @@ constexpr const char* writeNote =
     "INSERT OR REPLACE INTO libraries (digest, player, said, state, awaits_ours)"
     " VALUES (?1, ?2, ?3, ?4, ?5)";
 
+constexpr const char* removeNotes = "DELETE FROM libraries WHERE digest = ?1";
+
 LibraryNote::State stateFromNumber(std::int64_t number) {
   constexpr auto last = static_cast<std::int64_t>(LibraryNote::State::refused);
   return static_cast<LibraryNote::State>(std::clamp<std::int64_t>(number, 0, last));
@@ -23,7 +25,9 @@ int LibraryNotes::prepare(Database& database) {
   const int result = reading_.prepare(database.handle(), readNote);
   hasTable_ = result == SQLITE_OK;
   if ((result & 0xFF) == SQLITE_ERROR) return SQLITE_OK;  // there is no such table
-  return hasTable_ ? writing_.prepare(database.handle(), writeNote) : result;
+  if (!hasTable_) return result;
+  const int prepared = writing_.prepare(database.handle(), writeNote);
+  return prepared == SQLITE_OK ? removing_.prepare(database.handle(), removeNotes) : prepared;
 }
 
 int LibraryNotes::read(const std::string& digest, const std::string& player,
@@ -53,6 +57,14 @@ int LibraryNotes::write(const std::string& digest, const std::string& player,
   writing_.bind(4, static_cast<std::int64_t>(note.state));
   writing_.bind(5, note.awaitsOurs ? 1 : 0);
   const int result = writing_.step();
+  return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
+int LibraryNotes::remove(const std::string& digest) {
+  if (!hasTable_) return SQLITE_OK;
+  const StatementRun run(removing_);
+  removing_.bindBytes(1, digest);
+  const int result = removing_.step();
   return result == SQLITE_DONE ? SQLITE_OK : result;
 }
 

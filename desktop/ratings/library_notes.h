@@ -37,11 +37,14 @@ class LibraryNotes {
   /// The note stays none when there is none.
   int read(const std::string& digest, const std::string& player, std::optional<LibraryNote>& note);
   int write(const std::string& digest, const std::string& player, const LibraryNote& note);
+  /// Forgets all about a track.
+  int remove(const std::string& digest);
 
  private:
   bool hasTable_ = false;
   Statement reading_;
   Statement writing_;
+  Statement removing_;
 };
 
 }  // namespace desktop

@@ -170,6 +170,20 @@ std::optional<RescuedRow> rowFromColumns(std::span<const Column> columns) {
   return row;
 }
 
+/// True for a row of ours that is made again, or done without: of the index of titles, of a note
+/// about a player's library.
+bool isDispensable(std::span<const Column> columns) {
+  using Kind = Column::Kind;
+  const auto isDigest = [](const Column& column) {
+    return column.kind == Kind::blob && column.bytes.size() == digestLength;
+  };
+  if (columns.size() == 3) {
+    return columns[0].kind == Kind::text && columns[1].kind == Kind::number && isDigest(columns[2]);
+  }
+  return columns.size() == 5 && isDigest(columns[0]) && columns[1].kind == Kind::text &&
+         areAll(columns.subspan(2), Kind::number);
+}
+
 class Rescue {
  public:
   Rescue(const RescueSource& file, const RescueSource* log,
@@ -315,7 +329,7 @@ class Rescue {
     const auto columns = readColumns(*row);
     if (!columns) return false;
     auto found = rowFromColumns(*columns);
-    if (!found) return false;
+    if (!found) return isDispensable(*columns);
     isStopped_ = !visit_(*found);
     return true;
   }

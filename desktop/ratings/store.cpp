@@ -1,9 +1,12 @@
 #include "desktop/ratings/store.h"
 
+#include <QtCore/QString>
+#include <array>
 #include <ctime>
 
 #include "desktop/files/user_folders.h"
 #include "desktop/ratings/mending.h"
+#include "platform/foundation/text.h"
 
 namespace desktop {
 
@@ -89,6 +92,50 @@ bool RatingsStore::setAlbumRating(const TrackIdentity& track, int rating) {
 
 bool RatingsStore::setAlbumLoved(const TrackIdentity& track, bool loved) {
   return set({RatingsRecord::Kind::album, track, {.loved = loved}});
+}
+
+std::vector<TrackIdentity> RatingsStore::namesakes(const TrackIdentity& track) {
+  const auto own = digestOf({RatingsRecord::Kind::track, track});
+  const auto address = lastingAddress(track);
+  if (!own || !address || !address->starts_with("file:")) return {};
+  const std::string path = pathOfFileAddress(*address);
+  std::vector<std::string> cutDigests;
+  for (auto at = path.find_first_of("#?"); at != std::string::npos;
+       at = path.find_first_of("#?", at + 1)) {
+    const auto digest = digestOf({RatingsRecord::Kind::track, {.address = path.substr(0, at)}});
+    if (digest) cutDigests.push_back(*digest);
+  }
+  const auto title = QString::fromStdString(track.title);
+  const std::array titles{platform::repairedUTF8(track.title),
+                          title.normalized(QString::NormalizationForm_C).toStdString(),
+                          title.normalized(QString::NormalizationForm_D).toStdString()};
+  std::vector<TrackIdentity> titled, cut;
+  perform(Access::read, [&](Connection& connection) {
+    titled.clear();
+    cut.clear();
+    int result =
+        connection.entries.readTracksTitled(titles, wholeSeconds(track.length), titled);
+    for (const std::string& digest : cutDigests) {
+      if (result == SQLITE_OK) result = connection.entries.readNames(digest, cut);
+    }
+    return result;
+  });
+  std::erase_if(titled, [&](const TrackIdentity& other) {
+    return !other.address.starts_with("file:") || other.address == address ||
+           !areNamesakes(other, track);
+  });
+  titled.insert(titled.end(), cut.begin(), cut.end());
+  return titled;
+}
+
+bool RatingsStore::moveTrack(const TrackIdentity& from, const TrackIdentity& to) {
+  const auto source = digestOf({RatingsRecord::Kind::track, from});
+  const auto target = digestOf({RatingsRecord::Kind::track, to});
+  return source && target && source != target && write([&](Connection& connection) {
+           const int result =
+               connection.entries.move(*source, *target, {RatingsRecord::Kind::track, to});
+           return result == SQLITE_OK ? connection.notes.remove(*source) : result;
+         });
 }
 
 std::optional<StoreProblem> RatingsStore::copyTo(EntryCollection& copy) {

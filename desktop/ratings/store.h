@@ -10,6 +10,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "desktop/ratings/entries.h"
 #include "desktop/ratings/file.h"
@@ -62,6 +63,13 @@ class RatingsStore {
   bool setAlbumLoved(const TrackIdentity& track, bool loved);
   /// Notes what a player's library has to do with a track.
   bool note(const TrackIdentity& track, const std::string& player, const LibraryNote& note);
+
+  /// Other tracks in files that are called the same and as long, and the entry of an address that
+  /// ends where the track's has '#' or '?', which is how an earlier version kept it.
+  std::vector<TrackIdentity> namesakes(const TrackIdentity& track);
+  /// Gives a track the marks of another, which is not kept any longer; of two marks the one that was
+  /// set later stays. Libraries are met anew.
+  bool moveTrack(const TrackIdentity& from, const TrackIdentity& to);
 
   /// Copies every entry out, as they are at one moment. Tells nothing, mends nothing and makes no
   /// file: a store that is missing, damaged or of a newer version is a problem.

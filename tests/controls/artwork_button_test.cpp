@@ -221,8 +221,7 @@ class ArtworkDrag : public ArtworkButton {
     return names;
   }
   std::string contents(const std::string& name) const {
-    std::ifstream file(folder.path() / name);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return tests::contents(folder.path() / name);
   }
 
   tests::TemporaryFolder folder;

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
-#include <iterator>
 
 #include "desktop/window/card_style.h"
 #include "tests/integration/fake_player.h"
@@ -57,8 +55,7 @@ class Session : public testing::Test {
     });
   }
   std::string settings() const {
-    std::ifstream file(home_.path() / "virelune-widget/settings.ini");
-    return {std::istreambuf_iterator<char>(file), {}};
+    return contents(home_.path() / "virelune-widget/settings.ini");
   }
   bool remembers(const char* text) const {
     return waitUntil([&] { return settings().find(text) != std::string::npos; });

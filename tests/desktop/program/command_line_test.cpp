@@ -80,8 +80,7 @@ TEST(CommandLine, TheManualAndTheCompletionsKnowEveryOptionAndNoOther) {
   const auto help = optionsIn(desktop::helpText(), "^  --([a-z-]+)( [A-Z])?");
   ASSERT_GT(help.size(), 10u);
   const auto textOf = [](const char* file) {
-    std::ifstream stream(std::filesystem::path(VIRELUNE_PACKAGING) / file);
-    return std::string(std::istreambuf_iterator(stream), {});
+    return tests::contents(std::filesystem::path(VIRELUNE_PACKAGING) / file);
   };
   EXPECT_EQ(optionsIn(textOf("virelune-widget.1"), R"(^\.It Fl \\-([a-z-]+)( Ar)?)"), help);
   EXPECT_EQ(optionsIn(textOf("completions/_virelune-widget"), R"(^  '--([a-z-]+)(=)?\[)"), help);

@@ -14,6 +14,8 @@
 namespace desktop {
 namespace {
 
+using tests::contents;
+
 class RatingsExchange : public testing::Test {
  protected:
   Result<std::string> import(RatingsStore& into, const std::string& text) {
@@ -27,13 +29,7 @@ class RatingsExchange : public testing::Test {
   }
   std::string exported(RatingsStore& from) {
     EXPECT_TRUE(exportRatings(from, file));
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  }
-
-  static std::string contents(const std::string& name) {
-    std::ifstream stream(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    return contents(file);
   }
   void inStore(const char* sql) const {
     Database database;
@@ -144,8 +140,8 @@ TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   std::ofstream(file) << "last";
   inStore("PRAGMA user_version = 1000");
   expectRefusal("newer version");
-  inStore("PRAGMA user_version = 2");
-  std::fstream(storeFile, std::ios::in | std::ios::out | std::ios::binary).seekp(4 * 4096)
+  inStore("PRAGMA user_version = 3");
+  std::fstream(storeFile, std::ios::in | std::ios::out | std::ios::binary).seekp(8 * 4096)
       << std::string(4096, '\0');
   const std::string damaged = contents(storeFile);
   expectRefusal("malformed");

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <optional>
 #include <sstream>
 
@@ -17,16 +16,12 @@ namespace desktop {
 namespace {
 
 namespace fs = std::filesystem;
+using tests::contents;
 using Fault = tests::FaultyDisk::Fault;
 
 constexpr int confirmed = 200;
 
 TrackIdentity track(int number) { return {.title = "Title " + std::to_string(number)}; }
-
-std::string contents(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 class RatingsFaults : public testing::Test {
  protected:

@@ -4,7 +4,8 @@
 
 #include <cstring>
 #include <fstream>
-#include <iterator>
+
+#include "tests/support/temporary_folder.h"
 
 namespace tests {
 
@@ -28,11 +29,6 @@ int next(int failure) {
   if (state.failing == 0 || state.operation < state.failing) return SQLITE_OK;
   if (state.fault == Fault::inputOutput && state.operation > state.failing) return SQLITE_OK;
   return state.fault == Fault::full && failure == SQLITE_IOERR_WRITE ? SQLITE_FULL : failure;
-}
-
-std::string contents(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
 struct File : sqlite3_file {

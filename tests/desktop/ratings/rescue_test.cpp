@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 #include <set>
 
 #include "desktop/ratings/store.h"
@@ -60,8 +59,7 @@ class RatingsRescue : public testing::Test {
       EXPECT_EQ(table.set(*digestOf(record), record), SQLITE_OK);
     }
     EXPECT_EQ(database.execute("COMMIT"), SQLITE_OK);
-    std::ifstream stream(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    std::string bytes = tests::contents(file);
     std::filesystem::remove(file);
     return bytes;
   }
@@ -70,8 +68,8 @@ class RatingsRescue : public testing::Test {
 };
 
 TEST_F(RatingsRescue, EachPageThatIsLostCostsOnlyWhatLiesOnIt) {
-  constexpr std::size_t entries = 2000;
-  const std::string sound = store(entries, 30);
+  constexpr std::size_t entries = 1000;
+  const std::string sound = store(entries, 80);
   const Rescued all = rescued(sound);
   EXPECT_EQ(all.marks.size(), entries);
   EXPECT_EQ(all.names.size(), entries);
@@ -106,7 +104,7 @@ TEST_F(RatingsRescue, LongRowsAndOtherPageSizesAreReadWhole) {
 
 TEST_F(RatingsRescue, RowsThatMakeNoSenseAreLeftOut) {
   const std::string sound = store(40, 10);
-  for (std::size_t at = 0; at < sound.size(); at += 7) {
+  for (std::size_t at = 0; at < sound.size(); at += 13) {
     std::string damaged = sound;
     damaged[at] = static_cast<char>(damaged[at] ^ 0x55);
     const RescueSource source = sourceOf(damaged);

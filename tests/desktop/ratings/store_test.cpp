@@ -22,14 +22,10 @@ namespace desktop {
 namespace {
 
 namespace fs = std::filesystem;
+using tests::contents;
 
 const TrackIdentity song{
     .address = "/music/a.flac", .artist = "A", .album = "B", .title = "C", .length = 215};
-
-std::string contents(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 std::unique_ptr<EntryCollection> collected(const std::vector<RatingsRecord>& records) {
   auto collection = std::make_unique<EntryCollection>();

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <fstream>
-#include <iterator>
 #include <map>
 
 #include "extensions/login_items.h"
@@ -34,8 +33,7 @@ class LoginItemsTest : public testing::Test {
     std::map<std::string, std::string> all;
     if (!fs::exists(folder)) return all;
     for (const auto& entry : fs::directory_iterator(folder)) {
-      std::ifstream stream(entry.path());
-      all[entry.path().filename()] = {std::istreambuf_iterator<char>(stream), {}};
+      all[entry.path().filename()] = tests::contents(entry.path());
     }
     return all;
   }

@@ -1,0 +1,181 @@
+#include "desktop/ratings/moved_files.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "platform/platform.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/scripted.h"
+#include "tests/support/temporary_folder.h"
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+class RatingsMovedFiles : public testing::Test {
+ protected:
+  RatingsMovedFiles() {
+    platform_.runLoop = &clock.runLoop();
+    platform_.globalQueue = &workers;
+  }
+  /// A track as a player tells it.
+  TrackIdentity track(const std::string& name, TrackIdentity texts = {.artist = "A",
+                                                                      .album = "B",
+                                                                      .title = "C",
+                                                                      .length = 215.4}) const {
+    texts.address = (folder.path() / name).native();
+    return texts;
+  }
+  fs::path make(const std::string& name) const {
+    const fs::path path = folder.path() / name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << "sound";
+    return path;
+  }
+  void hear(const TrackIdentity& heard) {
+    moved.heard(heard);
+    workers.runAll();
+    clock.settle();
+  }
+  std::int64_t rows(const char* table) const {
+    Database database;
+    std::int64_t count = -1;
+    database.open(file, SQLITE_OPEN_READONLY);
+    database.readInteger((std::string("SELECT count(*) FROM ") + table).c_str(), count);
+    return count;
+  }
+
+  platform::Platform platform_;
+  platform::PlatformScope scope_{platform_};
+  tests::ManualClock clock;
+  tests::ManualQueue workers;
+  // Files in /tmp are known for a while only, but not by this way.
+  tests::TemporaryFolder folder{"/.." + fs::temp_directory_path().native()};
+  tests::TemporaryFolder data;
+  const fs::path file = data.path() / "ratings.sqlite";
+  std::ostringstream messages;
+  RatingsStore store{file, messages};
+  int announced = 0;
+  MovedFiles moved{store, [this] { ++announced; }};
+};
+
+TEST_F(RatingsMovedFiles, MarksFollowAFileThatWasRenamedOrMountedElsewhere) {
+  const std::string composed = "Caf\u00e9", decomposed = "Cafe\u0301";
+  const TrackIdentity disk{.artist = "A", .title = "on a disk", .length = 9};
+  const TrackIdentity renamed{.album = "B", .title = "renamed", .length = 9};
+  const TrackIdentity tagless{.title = "take", .length = 61};
+  const TrackIdentity french{.artist = "A", .title = composed, .length = 61};
+  TrackIdentity frenchMoved = french;
+  frenchMoved.title = decomposed;
+  frenchMoved.artist = "a";
+  frenchMoved.length = 61.6;
+  const std::vector<std::pair<TrackIdentity, TrackIdentity>> moves = {
+      {track("old/a.flac"), track("new folder/a.flac")},
+      {track("media/DISK/x/b.flac", disk), track("media/DISK1/x/b.flac", disk)},
+      {track("c.flac", renamed), track("01 - c.flac", renamed)},
+      {track("old/take.mp3", tagless), track("new/take.mp3", tagless)},
+      {track(composed + ".mp3", french), track(decomposed + ".mp3", frenchMoved)},
+  };
+  std::int64_t entries = 0;
+  for (const auto& [from, to] : moves) {
+    SCOPED_TRACE(to.address);
+    ++entries;
+    const fs::path old = make(fs::relative(from.address, folder.path()));
+    hear(from);
+    ASSERT_TRUE(store.setTrackRating(from, 70, "rhythmbox", {.said = 60}));
+    ASSERT_TRUE(store.setTrackLoved(from, true));
+    fs::remove(old);
+    make(fs::relative(to.address, folder.path()));
+    hear(to);
+    EXPECT_EQ(store.trackMarks(to), (Marks{.rating = 70, .loved = true}));
+    EXPECT_EQ(store.trackMarks(from), Marks{});
+    EXPECT_FALSE(store.trackRating(to, "rhythmbox").note) << "a library knows the file not yet";
+    for (const char* table : {"marks", "names"}) EXPECT_EQ(rows(table), entries) << table;
+    EXPECT_EQ(announced, entries);
+  }
+  EXPECT_EQ(rows("libraries"), 0);
+  EXPECT_EQ(messages.str(), "");
+}
+
+TEST_F(RatingsMovedFiles, MarksStayWithEveryFileThatIsThereOrIsAnotherOne) {
+  const TrackIdentity old = track("old.flac");
+  TrackIdentity longer = track("new.flac"), retitled = longer, otherAlbum = longer, stream = longer;
+  longer.length += 2;
+  retitled.title = "D";
+  otherAlbum.album = "";
+  stream.address = "https://example.org/new.flac";
+  const TrackIdentity titleOnly = track("2/01.mp3", {.title = "Track 1", .length = 9});
+  ASSERT_TRUE(store.setTrackRating(old, 70));
+  ASSERT_TRUE(store.setTrackRating(track("1/1.mp3", {.title = "Track 1", .length = 9}), 50));
+  make("new.flac");
+  make("2/01.mp3");
+  for (const TrackIdentity& heard :
+       {longer, retitled, otherAlbum, stream, titleOnly, track("not there.flac")}) {
+    hear(heard);
+    EXPECT_EQ(store.trackMarks(heard), Marks{}) << heard.address;
+  }
+  make("old.flac");
+  hear(track("new.flac"));
+  EXPECT_EQ(store.trackMarks(old).rating, 70) << "a copy";
+  fs::remove(folder.path() / "old.flac");
+  hear(track("new.flac"));
+  EXPECT_EQ(announced, 0) << "the disk is not asked for what is still the same track";
+  hear(old);
+  hear(track("new.flac"));
+  EXPECT_EQ(announced, 1);
+  EXPECT_EQ(store.trackMarks(track("new.flac")).rating, 70);
+}
+
+TEST_F(RatingsMovedFiles, OfTwoMarksTheLaterOneStaysAndOfTwoFilesThatOfTheSameName) {
+  const TrackIdentity to = track("here/same.flac");
+  make("here/same.flac");
+  ASSERT_TRUE(store.setTrackRating(track("gone/other.flac"), 20));
+  ASSERT_TRUE(store.setTrackRating(track("gone/same.flac"), 40));
+  ASSERT_TRUE(store.setTrackLoved(track("gone/same.flac"), true));
+  {
+    Database database;
+    database.open(file, SQLITE_OPEN_READWRITE);
+    database.execute("UPDATE marks SET rating_changed = 1000");
+  }
+  moved.heard(to);
+  ASSERT_TRUE(store.setTrackRating(to, 90)) << "a click while the disk is asked";
+  workers.runAll();
+  clock.settle();
+  EXPECT_EQ(store.trackMarks(to), (Marks{.rating = 90, .loved = true}));
+  EXPECT_EQ(store.trackMarks(track("gone/other.flac")).rating, 20);
+  EXPECT_EQ(rows("marks"), 2);
+}
+
+TEST_F(RatingsMovedFiles, AnAddressThatWasCutGoesToTheFileThatFits) {
+  ASSERT_TRUE(store.setTrackRating(track("take"), 60));
+  ASSERT_TRUE(store.setTrackRating(track("song", {.title = "song", .length = 9}), 30));
+  for (const char* name : {"take#1.mp3", "take#2.mp3", "song?.mp3"}) make(name);
+  TrackIdentity second = track("take#2.mp3");
+  second.title = "another";
+  hear(second);
+  EXPECT_EQ(store.trackMarks(second), Marks{}) << "another file fits as well";
+  hear(track("take#1.mp3"));
+  EXPECT_EQ(store.trackMarks(track("take#1.mp3")).rating, 60) << "called as it was";
+  const TrackIdentity only = track("song?.mp3", {.title = "song?", .length = 9});
+  hear(only);
+  EXPECT_EQ(store.trackMarks(only).rating, 30) << "the only one";
+  EXPECT_EQ(rows("marks"), 2);
+}
+
+TEST_F(RatingsMovedFiles, AnAnswerAfterTheEndIsNobodys) {
+  ASSERT_TRUE(store.setTrackRating(track("old.flac"), 70));
+  make("new.flac");
+  {
+    MovedFiles passing(store, [] { FAIL(); });
+    passing.heard(track("new.flac"));
+    workers.runAll();
+  }
+  clock.settle();
+  EXPECT_EQ(store.trackMarks(track("old.flac")).rating, 70);
+}
+
+}  // namespace
+}  // namespace desktop
