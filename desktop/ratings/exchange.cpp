@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "desktop/files/whole_file.h"
+#include "desktop/ratings/player_library.h"
 #include "desktop/ratings/rescue.h"
 
 namespace desktop {
@@ -163,6 +164,26 @@ std::optional<PageCounts> readKeptStore(const std::string& file, EntryCollection
   return result == SQLITE_OK && isStore ? std::optional(pages) : std::nullopt;
 }
 
+/// Takes the ratings of a player's library over.
+Result<std::string> importLibrary(RatingsStore& store, const PlayerLibrary& library) {
+  EntryCollection entries;
+  MergeCounts read;
+  int result = entries.makeEmpty();
+  const auto done = readPlayerLibrary(library, [&](const RatingsRecord& record) {
+    if (result == SQLITE_OK) result = entries.add(record, read);
+  });
+  if (!done) {
+    return Problem{"cannot read " + library.file.native() + ": " + done.problem().text +
+                   "; nothing was imported"};
+  }
+  if (result != SQLITE_OK) return temporaryProblem(entries, result);
+  const auto counts = store.merge(entries);
+  if (!counts) return Problem{counts.problem().text + "; nothing was imported"};
+  return "Imported " + counted(counts->added + counts->changed, " rating", " ratings") + " from " +
+         library.file.native() + "; " + counted(counts->unchanged, " track was", " tracks were") +
+         " rated here already";
+}
+
 }  // namespace
 
 std::string lineFromRecord(const RatingsRecord& record) {
@@ -244,6 +265,7 @@ Result<std::string> salvageRatings(RatingsStore& store, const std::string& file)
 }
 
 Result<std::string> importRatings(RatingsStore& store, const std::string& file) {
+  if (const auto library = playerLibraryNamed(file)) return importLibrary(store, *library);
   EntryCollection entries;
   MergeCounts read;
   if (const int result = entries.makeEmpty(); result != SQLITE_OK) {

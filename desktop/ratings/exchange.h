@@ -33,7 +33,8 @@ Result<std::string> exportRatings(RatingsStore& store, const std::string& file);
 Result<std::string> salvageRatings(RatingsStore& store, const std::string& file);
 
 /// Takes the entries of a file over into the store, all or none; a bad line is named by its number.
-/// The file may also be a store's that was kept, sound or damaged.
+/// The file may also be a store's that was kept, sound or damaged, or name a player's library
+/// (playerLibraryNamed), whose ratings count as older than any that was set here.
 Result<std::string> importRatings(RatingsStore& store, const std::string& file);
 
 }  // namespace desktop

@@ -11,10 +11,10 @@
 
 namespace desktop {
 
-/// The one of a track's namesakes whose file this is, as far as the disk tells: it has gone, and the
-/// track's file is there. Of several the one with the same file name comes first. An address that
-/// was cut at '#' or '?' stands for the one file in its folder that begins so. Asks the disk, which
-/// may take its time. None when there is no such one.
+/// The one of a track's namesakes whose file this is, as far as the disk tells: it has gone, and
+/// the track's file is there. Of several the one with the same file name comes first. An address
+/// that was cut at '#' or '?' stands for the one file in its folder that begins so. Asks the disk,
+/// which may take its time. None when there is no such one.
 std::optional<TrackIdentity> formerIdentity(const TrackIdentity& track,
                                             const std::vector<TrackIdentity>& namesakes);
 

@@ -113,8 +113,7 @@ std::vector<TrackIdentity> RatingsStore::namesakes(const TrackIdentity& track) {
   perform(Access::read, [&](Connection& connection) {
     titled.clear();
     cut.clear();
-    int result =
-        connection.entries.readTracksTitled(titles, wholeSeconds(track.length), titled);
+    int result = connection.entries.readTracksTitled(titles, wholeSeconds(track.length), titled);
     for (const std::string& digest : cutDigests) {
       if (result == SQLITE_OK) result = connection.entries.readNames(digest, cut);
     }

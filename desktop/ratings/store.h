@@ -67,8 +67,8 @@ class RatingsStore {
   /// Other tracks in files that are called the same and as long, and the entry of an address that
   /// ends where the track's has '#' or '?', which is how an earlier version kept it.
   std::vector<TrackIdentity> namesakes(const TrackIdentity& track);
-  /// Gives a track the marks of another, which is not kept any longer; of two marks the one that was
-  /// set later stays. Libraries are met anew.
+  /// Gives a track the marks of another, which is not kept any longer; of two marks the one that
+  /// was set later stays. Libraries are met anew.
   bool moveTrack(const TrackIdentity& from, const TrackIdentity& to);
 
   /// Copies every entry out, as they are at one moment. Tells nothing, mends nothing and makes no

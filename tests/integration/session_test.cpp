@@ -54,9 +54,7 @@ class Session : public testing::Test {
       return player.calls().contains("Next");
     });
   }
-  std::string settings() const {
-    return contents(home_.path() / "virelune-widget/settings.ini");
-  }
+  std::string settings() const { return contents(home_.path() / "virelune-widget/settings.ini"); }
   bool remembers(const char* text) const {
     return waitUntil([&] { return settings().find(text) != std::string::npos; });
   }

@@ -69,7 +69,8 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
 std::map<std::string, bool> optionsIn(const std::string& text, const char* pattern) {
   const std::regex expression(pattern, std::regex::multiline);
   std::map<std::string, bool> options;
-  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end; ++found) {
+  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end;
+       ++found) {
     const std::smatch& match = *found;
     options[match[1]] = match[2].length() > 0;
   }
@@ -84,11 +85,11 @@ TEST(CommandLine, TheManualAndTheCompletionsKnowEveryOptionAndNoOther) {
   };
   EXPECT_EQ(optionsIn(textOf("virelune-widget.1"), R"(^\.It Fl \\-([a-z-]+)( Ar)?)"), help);
   EXPECT_EQ(optionsIn(textOf("completions/_virelune-widget"), R"(^  '--([a-z-]+)(=)?\[)"), help);
-  EXPECT_EQ(optionsIn(textOf("completions/virelune-widget.fish"), R"( -l ([a-z-]+)( -[rx])?)"), help);
+  EXPECT_EQ(optionsIn(textOf("completions/virelune-widget.fish"), R"( -l ([a-z-]+)( -[rx])?)"),
+            help);
   // This one has a list of all, and labels of its branches for those with a value.
   const std::string bash = textOf("completions/virelune-widget.bash");
-  auto completed =
-      optionsIn(bash.substr(0, bash.find("COMPREPLY=()")), R"([ "]--([a-z-]+)(=)?)");
+  auto completed = optionsIn(bash.substr(0, bash.find("COMPREPLY=()")), R"([ "]--([a-z-]+)(=)?)");
   for (const auto& label : optionsIn(bash, R"((?:^    |\| )--([a-z-]+)(?= \||\)))")) {
     completed[label.first] = true;
   }

@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "desktop/files/file_descriptor.h"
+#include "desktop/ratings/pickle.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {
@@ -174,6 +175,110 @@ TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStands) {
     EXPECT_TRUE(exportRatings(store, name));
     ::dup2(before.get(), STDOUT_FILENO);
     EXPECT_EQ(contents(file), "first\n" + line) << name;
+  }
+}
+
+/// As Quod Libet stores it: names and file names as the bytes of Latin characters.
+std::string quodLibetSongs() {
+  const auto text = [](const std::string& bytes) {
+    return std::string("X") + static_cast<char>(bytes.size()) + std::string(3, '\0') + bytes;
+  };
+  const auto bytes = [&text](const std::string& latin) {
+    return "c_codecs\nencode\n" + text(latin) + text("latin1") + "\x86R";
+  };
+  const std::string half("G\x3f\xe0\0\0\0\0\0\0", 9);
+  const std::string song = std::string("cquodlibet.formats.mp3\nMP3File\n)\x81q\x01(") +
+                           bytes("~filename") + bytes("/music/\xC3\x83\xC2\xA4.mp3") +
+                           bytes("title") + text("Title") + bytes("artist") + text("A\nB") +
+                           bytes("~#length") + "K\x3c" + bytes("~#rating") + half + "u";
+  const std::string unrated = std::string("}(") + bytes("~filename") + bytes("/music/b.mp3") + "u";
+  return "\x80\x02](" + song + unrated + "e.";
+}
+
+TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
+  const std::string rhythmbox = R"(<rhythmdb version="2.0">
+    <entry type="song"><title>T &amp; U</title><artist>A</artist><album-artist>AA</album-artist>
+      <duration>61</duration><location>file:///music/%C3%A4.mp3</location><rating>3.5</rating>
+      <keyword/><unknown><title>no</title></unknown></entry>
+    <entry type="song"><title>unrated</title><location>file:///music/b.mp3</location></entry>
+    <entry type="iradio"><rating>5</rating></entry></rhythmdb>)";
+  const auto database = [this](const char* column, const char* address) {
+    const std::string path = folder.path() / column;
+    Database songs;
+    EXPECT_EQ(songs.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
+    const std::string rows = std::string("CREATE TABLE songs (artist, album, albumartist, title,") +
+                             column +
+                             ", length, rating); INSERT INTO songs VALUES ('A', 'B', '',"
+                             " 'T', CAST('" +
+                             address + "' AS BLOB), 61029000000, 0.55)," +
+                             "('A', 'B', '', 'T', 'file:///music/b.mp3', 1, -1)";
+    EXPECT_EQ(songs.execute(rows.c_str()), SQLITE_OK);
+    // The player holds it, in the middle of a change.
+    EXPECT_EQ(songs.execute("BEGIN EXCLUSIVE; UPDATE songs SET rating = 0.1"), SQLITE_OK);
+    const auto report =
+        importRatings(store, (column == std::string("url") ? "strawberry:" : "clementine:") + path);
+    EXPECT_TRUE(report) << report.problem().text;
+    EXPECT_EQ(songs.execute("COMMIT"), SQLITE_OK);
+    return report ? *report : "";
+  };
+  const TrackIdentity track{.address = "/music/\u00e4.mp3"};
+  const auto take = [&](const char* player, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+    const auto report = importRatings(store, player + file);
+    return report ? *report : report.problem().text;
+  };
+  const auto begin = [&](int rating) {
+    EXPECT_EQ(store.trackMarks(track).rating, rating);
+    EXPECT_EQ(store.trackMarks({.address = "/music/b.mp3"}), Marks{});
+    inStore("DELETE FROM marks; DELETE FROM names");
+    EXPECT_TRUE(store.setTrackLoved(track, true));
+  };
+  EXPECT_TRUE(take("rhythmbox:", rhythmbox).starts_with("Imported 1 rating from " + file + "; 0 "));
+  begin(70);
+  EXPECT_TRUE(take("quodlibet:", quodLibetSongs()).starts_with("Imported 1 rating from "));
+  EXPECT_TRUE(exported(store).find(R"("artist":"A, B","title":"Title","length":60,"rating":50})"));
+  begin(50);
+  database("url", "file:///music/%C3%A4.mp3");
+  begin(55);
+  database("filename", "file:///music/%C3%A4.mp3");
+  begin(55);
+  ASSERT_TRUE(store.setTrackRating(track, 20));
+  EXPECT_TRUE(
+      take("rhythmbox:", rhythmbox)
+          .ends_with("Imported 0 ratings from " + file + "; 1 track was rated here already"));
+  EXPECT_EQ(store.trackMarks(track).rating, 20);
+
+  const std::string before = exported(store);
+  for (const char* player : {"rhythmbox:", "quodlibet:", "strawberry:", "clementine:"}) {
+    for (const std::string& wrong : {std::string("no library"), rhythmbox.substr(0, 300),
+                                     quodLibetSongs().substr(0, 200), std::string("\x80\x02}.")}) {
+      const std::string problem = take(player, wrong);
+      EXPECT_TRUE(problem.starts_with("cannot read " + file + ": ")) << player << problem;
+      EXPECT_TRUE(problem.ends_with("; nothing was imported")) << problem;
+    }
+    EXPECT_FALSE(importRatings(store, player + std::string("/nowhere")));
+  }
+  EXPECT_EQ(exported(store), before);
+}
+
+TEST(Pickle, ReadsEveryProtocolAndEndsOnWhatMakesNoSense) {
+  const std::string songs = quodLibetSongs();
+  for (const std::string& bytes :
+       {std::string("(lp0\n(dp1\nVn\np2\nF0.5\nsVm\nI7\nsa."),
+        std::string("\x80\x04\x95\x14\0\0\0\0\0\0\0]\x94}\x94(\x8c\x01n\x94G\x3f\xe0\0\0\0\0\0\0"
+                    "\x8c\x01m\x94K\x07ua.",
+                    38)}) {
+    PickledMembers members;
+    EXPECT_TRUE(readPickledDictionaries(bytes, [&](const auto& found) { members = found; }));
+    EXPECT_EQ(members, (PickledMembers{{"n", 0.5}, {"m", 7.0}})) << bytes.size();
+  }
+  for (std::size_t length = 0; length < songs.size(); ++length) {
+    EXPECT_FALSE(readPickledDictionaries(songs.substr(0, length), [](const auto&) { FAIL(); }));
+  }
+  for (const char* wrong : {"].]", "u.", "(u.", "](h\x07e.", "]s.", "2.", "0.", "(1.", "\x81.",
+                            "]b.", "]X\xff\xff\xff\x7f", "\x8a\xff.", "I9x\n.", "g0\n.", "e"}) {
+    EXPECT_FALSE(readPickledDictionaries(wrong, [](const auto&) { FAIL(); }) && wrong[1] != '.')
+        << wrong;
   }
 }
 

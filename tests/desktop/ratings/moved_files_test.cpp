@@ -22,15 +22,14 @@ class RatingsMovedFiles : public testing::Test {
     platform_.globalQueue = &workers;
   }
   /// A track as a player tells it.
-  TrackIdentity track(const std::string& name, TrackIdentity texts = {.artist = "A",
-                                                                      .album = "B",
-                                                                      .title = "C",
-                                                                      .length = 215.4}) const {
+  TrackIdentity track(const std::string& name,
+                      TrackIdentity texts = {
+                          .artist = "A", .album = "B", .title = "C", .length = 215.4}) const {
     texts.address = (folder.path() / name).native();
     return texts;
   }
   fs::path make(const std::string& name) const {
-    const fs::path path = folder.path() / name;
+    fs::path path = folder.path() / name;
     fs::create_directories(path.parent_path());
     std::ofstream(path) << "sound";
     return path;
