@@ -72,7 +72,7 @@ Result<> writeWholeFile(const fs::path& file, const Fill& fill) {
     return writeTo(FileDescriptor(::open(place.c_str(), O_WRONLY | O_CLOEXEC)), fill);
   }
   if (!platform::writeToFileAtomically(place.string(), fill)) return systemProblem();
-  return synchroniseFolder(place.parent_path());
+  return synchronise(place.parent_path());
 }
 
 Result<> makeFolder(const fs::path& folder) {
@@ -83,12 +83,12 @@ Result<> makeFolder(const fs::path& folder) {
   if (errno != ENOENT || folder == folder.parent_path()) return systemProblem();
   if (auto made = makeFolder(folder.parent_path()); !made) return made;
   if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) return systemProblem();
-  synchroniseFolder(folder.parent_path());
+  synchronise(folder.parent_path());
   return {};
 }
 
-Result<> synchroniseFolder(const fs::path& folder) {
-  const FileDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+Result<> synchronise(const fs::path& path) {
+  const FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   // Some network file systems have nothing to wait for and refuse.
   if (opened && (::fsync(opened.get()) == 0 || errno == EINVAL)) return {};
   return systemProblem();

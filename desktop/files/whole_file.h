@@ -27,7 +27,7 @@ Result<> writeWholeFile(const std::filesystem::path& file,
 /// Makes a folder that lasts, with every folder above it that is missing, for the user alone.
 Result<> makeFolder(const std::filesystem::path& folder);
 
-/// Waits until the entries of a folder (files made, renamed, removed) are on the disk.
-Result<> synchroniseFolder(const std::filesystem::path& folder);
+/// Waits until a file, or the entries of a folder (files made, renamed, removed), are on the disk.
+Result<> synchronise(const std::filesystem::path& path);
 
 }  // namespace desktop

@@ -1,5 +1,7 @@
 #include "desktop/program/daily_backup.h"
 
+#include <malloc.h>
+
 #include <chrono>
 #include <iostream>
 
@@ -20,6 +22,7 @@ DailyBackup::DailyBackup(std::filesystem::path store) : store_(std::move(store))
 void DailyBackup::begin() {
   worker_.async([this] {
     const auto made = backUpRatings(store_, today());
+    ::malloc_trim(0);  // what many entries took is not needed again until tomorrow
     if (made || made.problem().text == told_) return;
     told_ = made.problem().text;
     std::cerr << "virelune-widget: the ratings cannot be backed up: " << told_ << std::endl;

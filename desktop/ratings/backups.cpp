@@ -6,10 +6,14 @@
 #include <array>
 #include <charconv>
 #include <ctime>
+#include <limits>
 #include <map>
+#include <set>
+#include <string_view>
 #include <thread>
 
 #include "desktop/files/whole_file.h"
+#include "desktop/ratings/backup_file.h"
 
 namespace desktop {
 
@@ -18,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::days;
 
-constexpr const char* extension = ".sqlite";
+constexpr std::string_view extension = ".jsonl.gz";
 
 fs::path folderOf(const fs::path& store) {
   return store.parent_path() / (store.stem().native() + "-backups");
@@ -48,7 +52,7 @@ std::optional<Day> dayOf(std::string_view date) {
 }
 
 fs::path fileOf(const fs::path& store, Day day) {
-  return folderOf(store) / (dateOf(day) + extension);
+  return folderOf(store) / (dateOf(day) + std::string(extension));
 }
 
 /// Copies a few pages at a time, and begins again when they change meanwhile.
@@ -69,28 +73,56 @@ int copyInSteps(Database& from, Database& to) {
   return result == SQLITE_DONE ? finished : result;
 }
 
-int readCopy(const fs::path& file, EntryCollection& copy, std::int64_t& entries) {
+/// Copies a store's entries as they are at one moment.
+int copyEntries(const fs::path& store, EntryCollection& copy) {
   Database database;
-  int result = database.open(file, SQLITE_OPEN_READONLY);
+  int result = database.open(store, SQLITE_OPEN_READWRITE);
   auto version = TablesVersion::older;
   if (result == SQLITE_OK) result = readTablesVersion(database, version);
   if (result == SQLITE_OK && version == TablesVersion::newer) result = newerTables;
-  if (result == SQLITE_OK) result = copy.copyFrom(database);
+  if (result == SQLITE_OK) result = copy.database.openTemporary();
+  if (result == SQLITE_OK) result = copyInSteps(database, copy.database);
   if (result == SQLITE_OK) result = copy.check();
-  if (result != SQLITE_OK) return result;
-  return copy.database.readInteger("SELECT count(*) FROM marks", entries);
+  return result == SQLITE_OK ? copy.entries.prepare(copy.database) : result;
 }
 
-/// The number of entries of a sound copy, or what is wrong with it.
-Result<std::int64_t> entriesIn(const fs::path& file) {
+/// Writes a backup that was read back and found to be the same, smaller than `most` bytes.
+Result<> writeSound(const fs::path& file, EntryCollection& copy,
+                    const std::optional<fs::path>& base, std::uintmax_t most) {
+  if (auto written = writeBackup(file, copy, base); !written) return written;
+  std::error_code error;
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, error);
+  if (fs::file_size(file, error) > most) return Problem{"it is too large"};
+  EntryCollection readBack;
+  if (auto read = readBackup(file, readBack); !read) return read;
+  if (!areEqual(copy, readBack)) return Problem{"it was written wrongly"};
+  return synchronise(file);
+}
+
+/// The backup to build on: the last one that has all entries.
+std::optional<fs::path> lastWholeBackup(const fs::path& store) {
+  const auto present = backupDays(store);
+  for (auto each = present.rbegin(); each != present.rend(); ++each) {
+    fs::path file = fileOf(store, *each);
+    if (const auto head = headOfBackup(file); head && head->base.empty()) return file;
+  }
+  return std::nullopt;
+}
+
+/// Writes the day's backup: what differs from the last whole one as long as that is little.
+Result<> writeFresh(const fs::path& store, const fs::path& fresh) {
   EntryCollection copy;
-  std::int64_t entries = 0;
-  const int result = readCopy(file, copy, entries);
+  const int result = copyEntries(store, copy);
   if (const auto problem = problemWithResult(copy.database, result)) return Problem{problem->text};
-  return entries;
+  if (const auto base = lastWholeBackup(store)) {
+    std::error_code error;
+    const auto most = fs::file_size(*base, error) / 4;
+    if (const auto written = writeSound(fresh, copy, base, most)) return {};
+  }
+  return writeSound(fresh, copy, std::nullopt, std::numeric_limits<std::uintmax_t>::max());
 }
 
-/// Writes a copy that needs no other file, without the remains of what was removed.
+/// Copies a store's file, without the remains of what was removed.
 int copyStore(const fs::path& store, const fs::path& target) {
   std::error_code ignored;
   fs::remove(target, ignored);
@@ -104,15 +136,16 @@ int copyStore(const fs::path& store, const fs::path& target) {
   if (result == SQLITE_OK) result = to.execute("PRAGMA journal_mode = DELETE; VACUUM");
   to.close();
   EntryCollection readBack;
-  std::int64_t entries = 0;
-  if (result == SQLITE_OK) result = readCopy(target, readBack, entries);
+  if (result == SQLITE_OK) result = copyEntries(target, readBack);
   if (result != SQLITE_OK) fs::remove(target, ignored);
   return result;
 }
 
-/// Removes all but the first sound one of each past week, and of each month before.
+/// Removes all but the first sound one of each past week, and of each month before, and those that
+/// they build on.
 void removeSurplus(const fs::path& store, Day day) {
   constexpr days daily(7), weekly(7 + 4 * 7);
+  std::set<fs::path> surplus;
   std::map<std::pair<bool, std::int64_t>, std::vector<Day>> periods;
   for (const Day each : backupDays(store)) {
     const days age = day - each;
@@ -127,14 +160,20 @@ void removeSurplus(const fs::path& store, Day day) {
   for (const auto& [period, members] : periods) {
     if (members.size() < 2) continue;
     const auto kept = std::find_if(members.begin(), members.end(), [&](Day each) {
-      return static_cast<bool>(entriesIn(fileOf(store, each)));
+      return static_cast<bool>(entriesInBackup(fileOf(store, each)));
     });
     if (kept == members.end()) continue;
-    std::error_code ignored;
     for (const Day each : members) {
-      if (each != *kept) fs::remove(fileOf(store, each), ignored);
+      if (each != *kept) surplus.insert(fileOf(store, each));
     }
   }
+  for (const Day each : backupDays(store)) {
+    const fs::path file = fileOf(store, each);
+    const auto head = headOfBackup(file);
+    if (head && !surplus.contains(file)) surplus.erase(folderOf(store) / head->base);
+  }
+  std::error_code ignored;
+  for (const fs::path& file : surplus) fs::remove(file, ignored);
 }
 
 std::string allDates(const std::vector<Day>& present) {
@@ -159,8 +198,11 @@ std::vector<Day> backupDays(const fs::path& store) {
   std::error_code error;
   for (fs::directory_iterator each(folderOf(store), error), end; !error && each != end;
        each.increment(error)) {
-    const auto day = dayOf(each->path().stem().native());
-    if (day && each->path().extension() == extension) present.push_back(*day);
+    const std::string name = each->path().filename();
+    const auto day = name.ends_with(extension)
+                         ? dayOf(name.substr(0, name.size() - extension.size()))
+                         : std::nullopt;
+    if (day) present.push_back(*day);
   }
   std::sort(present.begin(), present.end());
   return present;
@@ -181,12 +223,14 @@ Result<bool> backUpRatings(const fs::path& store, Day day) {
   const FolderLock lock(folderOf(store), patience);
   if (lock.isHeldByOther()) return false;
   const fs::path fresh = folderOf(store) / "unfinished";
-  const int result = copyStore(store, fresh);
-  if (const auto problem = problemWithResult(Database(), result)) return Problem{problem->text};
+  if (const auto written = writeFresh(store, fresh); !written) {
+    fs::remove(fresh, error);
+    return written.problem();
+  }
   fs::last_write_time(fresh, changed, error);
   fs::rename(fresh, fileOf(store, day), error);
   if (error) return Problem{error.message()};
-  if (const auto done = synchroniseFolder(folderOf(store)); !done) return done.problem();
+  if (const auto done = synchronise(folderOf(store)); !done) return done.problem();
   removeSurplus(store, day);
   return true;
 }
@@ -196,7 +240,7 @@ std::string listOfBackups(const fs::path& store) {
   if (present.empty()) return "There are no backups of the ratings yet.\n";
   std::string text;
   for (auto each = present.rbegin(); each != present.rend(); ++each) {
-    const auto entries = entriesIn(fileOf(store, *each));
+    const auto entries = entriesInBackup(fileOf(store, *each));
     text += dateOf(*each) + "  " +
             (entries ? std::to_string(*entries) + (*entries == 1 ? " entry" : " entries")
                      : "cannot be used: " + entries.problem().text) +
@@ -216,16 +260,16 @@ Result<std::string> restoreRatings(RatingsStore& store, const std::string& date)
   }
   EntryCollection backup;
   std::int64_t entries = 0;
-  const int result = readCopy(fileOf(store.file(), *day), backup, entries);
-  if (const auto problem = problemWithResult(backup.database, result)) {
-    return Problem{"the backup of " + date + " cannot be used: " + problem->text +
+  if (const auto read = readBackup(fileOf(store.file(), *day), backup); !read) {
+    return Problem{"the backup of " + date + " cannot be used: " + read.problem().text +
                    "; nothing was restored"};
   }
+  backup.database.readInteger("SELECT count(*) FROM marks", entries);
   fs::path aside;
   for (int again = 1; again == 1 || fs::exists(aside); ++again) {
     aside =
         store.file().parent_path() / (store.file().stem().native() + "-replaced-" +
-                                      dateOf(today()) + "-" + std::to_string(again) + extension);
+                                      dateOf(today()) + "-" + std::to_string(again) + ".sqlite");
   }
   const auto replaced = store.replaceAll(backup, [&] { return copyStore(store.file(), aside); });
   if (!replaced) return Problem{replaced.problem().text + "; nothing was restored"};

@@ -20,10 +20,10 @@ Day today();
 /// The days of which there are backups, the oldest first.
 std::vector<Day> backupDays(const std::filesystem::path& store);
 
-/// Makes the day's backup, unless there is one or nothing has changed since the last, and removes
-/// those that are too many: kept are seven days, then the first of each of four weeks, then of each
-/// month. Only a copy that was read back and found sound takes its place, or another's. True when
-/// one was made. Any thread; a click waits for a few pages at most.
+/// Makes the day's backup (backup_file.h), unless there is one or nothing has changed since the
+/// last, and removes those that are too many: kept are seven days, then the first of each of four
+/// weeks, then of each month. Only a copy that was read back and found sound takes its place, or
+/// another's. True when one was made. Any thread; a click waits for a few pages at most.
 Result<bool> backUpRatings(const std::filesystem::path& store, Day day);
 
 /// The backups with the number of entries, one a line, the newest first.

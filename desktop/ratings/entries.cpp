@@ -69,16 +69,13 @@ constexpr const char* readTitled =
 constexpr const char* readNamesOfDigest =
     "SELECT kind, address, artist, album, album_artist, title, length FROM names WHERE digest = ?1";
 
-constexpr const char* readNamed =
-    "SELECT kind, address, artist, album, album_artist, title, length,"
-    "       rating, rating_changed, loved, loved_changed"
-    " FROM names JOIN marks USING (digest)"
-    " ORDER BY kind, artist, album_artist, album, title, address, length, digest";
-
 constexpr const char* readAll =
     "SELECT kind, address, artist, album, album_artist, title, length,"
     "       rating, rating_changed, loved, loved_changed, marks.digest"
     " FROM marks LEFT JOIN names USING (digest)";
+constexpr const char* stableOrder =
+    " ORDER BY kind IS NULL, kind, artist, album_artist, album, title, address, length, digest";
+constexpr const char* ofDigest = " WHERE marks.digest = ?1";
 
 int limitedRating(std::int64_t rating) {
   return static_cast<int>(std::clamp<std::int64_t>(rating, 0, 100));
@@ -107,6 +104,12 @@ RatingsRecord recordFromRow(const Statement& row) {
   record.identity = identityFromRow(row);
   readMarksFromRow(row, 7, record);
   return record;
+}
+
+StoredEntry entryFromRow(const Statement& row) {
+  return {.digest = row.bytes(11),
+          .record = recordFromRow(row),
+          .hasNames = row.integer(0).has_value()};
 }
 
 /// The marks of an entry that are to be taken over from it: those that are lacking, and those that
@@ -212,15 +215,21 @@ int Entries::move(const std::string& from, const std::string& to, RatingsRecord 
   int result = readMarks(from, record);
   if (result == SQLITE_OK) result = mergeMarks(to, record, counts);
   if (result == SQLITE_OK) result = writeNames(writingNames_, to, record);
-  for (const char* removal :
-       {"DELETE FROM marks WHERE digest = ?1", "DELETE FROM names WHERE digest = ?1"}) {
-    Statement removing;
-    if (result == SQLITE_OK) result = removing.prepare(database_, removal);
+  return result == SQLITE_OK ? remove(from) : result;
+}
+
+int Entries::remove(const std::string& digest) {
+  for (const auto& [removing, text] :
+       {std::pair(&removingMarks_, "DELETE FROM marks WHERE digest = ?1"),
+        {&removingNames_, "DELETE FROM names WHERE digest = ?1"}}) {
+    int result = *removing ? SQLITE_OK : removing->prepare(database_, text);
     if (result != SQLITE_OK) return result;
-    removing.bindBytes(1, from);
-    result = resultOfWriting(removing);
+    const StatementRun run(*removing);
+    removing->bindBytes(1, digest);
+    result = resultOfWriting(*removing);
+    if (result != SQLITE_OK) return result;
   }
-  return result;
+  return SQLITE_OK;
 }
 
 int Entries::mergeAll(Database& other, MergeCounts& counts) {
@@ -228,9 +237,7 @@ int Entries::mergeAll(Database& other, MergeCounts& counts) {
   int result = all.prepare(other.handle(), readAll);
   if (result != SQLITE_OK) return result;
   while ((result = all.step()) == SQLITE_ROW) {
-    const RatingsRecord record = recordFromRow(all);
-    const std::string digest = all.bytes(11);
-    const bool hasNames = all.integer(0).has_value();
+    const auto [digest, record, hasNames] = entryFromRow(all);
     const int merged =
         hasNames ? merge(digest, record, counts) : mergeMarks(digest, record, counts);
     if (merged != SQLITE_OK) return merged;
@@ -242,14 +249,26 @@ int Entries::removeAll() {
   return sqlite3_exec(database_, "DELETE FROM marks; DELETE FROM names", nullptr, nullptr, nullptr);
 }
 
-int Entries::forEach(const std::function<bool(const RatingsRecord&)>& visit) {
-  Statement named;
-  int result = named.prepare(database_, readNamed);
+int Entries::forEach(const std::function<bool(const StoredEntry&)>& visit) {
+  Statement all;
+  int result = all.prepare(database_, (std::string(readAll) + stableOrder).c_str());
   if (result != SQLITE_OK) return result;
-  while ((result = named.step()) == SQLITE_ROW) {
-    if (!visit(recordFromRow(named))) return SQLITE_ABORT;
+  while ((result = all.step()) == SQLITE_ROW) {
+    if (!visit(entryFromRow(all))) return SQLITE_ABORT;
   }
   return result == SQLITE_DONE ? SQLITE_OK : result;
+}
+
+int Entries::find(const std::string& digest, std::optional<StoredEntry>& entry) {
+  // What clicks do not need is prepared when it is.
+  int result = SQLITE_OK;
+  if (!finding_) result = finding_.prepare(database_, (std::string(readAll) + ofDigest).c_str());
+  if (result != SQLITE_OK) return result;
+  const StatementRun run(finding_);
+  finding_.bindBytes(1, digest);
+  result = finding_.step();
+  if (result == SQLITE_ROW) entry = entryFromRow(finding_);
+  return result == SQLITE_ROW || result == SQLITE_DONE ? SQLITE_OK : result;
 }
 
 int Entries::writeMarks(const std::string& digest, const RatingsRecord& record) {
@@ -282,11 +301,12 @@ int Entries::writeNames(Statement& statement, const std::string& digest,
   return resultOfWriting(statement);
 }
 
-int EntryCollection::makeEmpty() {
+int EntryCollection::makeEmpty(std::int64_t memory) {
   int result = database.openTemporary();
-  // Entries come in no order, so that every page is wanted again and again: room (in KiB) for those
-  // of a million entries, taken as they come.
-  if (result == SQLITE_OK) result = database.execute("PRAGMA cache_size = -262144");
+  // Entries come in no order, so that every page is wanted again and again: by default there is
+  // room for those of a million entries, taken as they come.
+  const std::string room = "PRAGMA cache_size = -" + std::to_string(memory * 1024);
+  if (result == SQLITE_OK) result = database.execute(room.c_str());
   if (result == SQLITE_OK) result = makeEntryTables(database);
   if (result == SQLITE_OK) result = entries.prepare(database);
   // Never committed: it lasts no longer than this object.

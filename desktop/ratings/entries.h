@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,6 +30,14 @@ int readTablesVersion(Database& database, TablesVersion& version);
 /// The result code of a transaction that finds tables of a newer version. SQLite itself does not
 /// answer it: its statements are prepared anew when tables have changed.
 constexpr int newerTables = SQLITE_SCHEMA;
+
+/// An entry with what it is kept under.
+struct StoredEntry {
+  std::string digest = {};
+  RatingsRecord record = {};
+  bool hasNames = false;  ///< what it belongs to is known
+  bool operator==(const StoredEntry&) const = default;
+};
 
 /// Reads and writes entries by their digest. Must not outlive its database.
 class Entries {
@@ -60,13 +69,18 @@ class Entries {
   /// set later stays.
   int move(const std::string& from, const std::string& to, RatingsRecord record);
 
+  int remove(const std::string& digest);
+
   /// Takes over all entries of another database. What could be read is taken when it fails.
   int mergeAll(Database& other, MergeCounts& counts);
 
   int removeAll();
 
-  /// Hands out every entry that has a name, in a stable order, until `visit` answers false.
-  int forEach(const std::function<bool(const RatingsRecord&)>& visit);
+  /// Hands out every entry in a stable order, those without names at the end, until `visit` answers
+  /// false.
+  int forEach(const std::function<bool(const StoredEntry&)>& visit);
+  /// Stays none when there is no such entry.
+  int find(const std::string& digest, std::optional<StoredEntry>& entry);
 
  private:
   int writeMarks(const std::string& digest, const RatingsRecord& record);
@@ -77,6 +91,9 @@ class Entries {
   Statement writingMarks_;
   Statement writingNames_;
   Statement addingNames_;
+  Statement finding_;
+  Statement removingMarks_;
+  Statement removingNames_;
 };
 
 /// Entries that are no store's: of an imported file, of a copy to export, of a damaged file. They
@@ -85,7 +102,7 @@ struct EntryCollection {
   Database database;
   Entries entries;
 
-  int makeEmpty();
+  int makeEmpty(std::int64_t memory = 256);  ///< MiB at most; what goes beyond lies on the disk
   /// Copies a database as it is at one moment; holds it only for as long.
   int copyFrom(Database& other);
   /// SQLITE_OK when every page and row is sound, else SQLITE_CORRUPT or why it cannot be told.

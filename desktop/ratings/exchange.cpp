@@ -115,24 +115,22 @@ Problem temporaryProblem(EntryCollection& collection, int result) {
 
 Result<std::string> writeEntries(EntryCollection& entries, const std::string& file) {
   const bool isStandardOutput = file == "-";
-  std::int64_t count = 0;
+  std::int64_t count = 0, lost = 0;
   int result = SQLITE_OK;
   const auto written =
       writeWholeFile(isStandardOutput ? "/dev/stdout" : file, [&](const platform::FileSink& sink) {
         bool isSunk = true;
-        result = entries.entries.forEach([&](const RatingsRecord& record) {
-          ++count;
-          return isSunk = sink(lineFromRecord(record) + '\n');
+        result = entries.entries.forEach([&](const StoredEntry& entry) {
+          ++(entry.hasNames ? count : lost);
+          return isSunk = !entry.hasNames || sink(lineFromRecord(entry.record) + '\n');
         });
         return isSunk && result == SQLITE_OK;
       });
   if (result != SQLITE_OK && result != SQLITE_ABORT) return temporaryProblem(entries, result);
   if (!written) return Problem{"cannot write " + file + ": " + written.problem().text};
-  std::int64_t all = count;
-  entries.database.readInteger("SELECT count(*) FROM marks", all);
   return "Exported " + counted(count, " entry", " entries") + " to " +
          (isStandardOutput ? "the standard output" : file) +
-         (all == count ? "" : "; what " + std::to_string(all - count) + " more belong to is lost");
+         (lost == 0 ? "" : "; what " + std::to_string(lost) + " more belong to is lost");
 }
 
 /// Reads the entries of a file's lines, or tells which line is bad.

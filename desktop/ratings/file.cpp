@@ -54,7 +54,7 @@ std::optional<StoreProblem> prepareFile(const std::filesystem::path& file, Patie
     if ((result & 0xFF) == SQLITE_ERROR) problem->kind = StoreProblem::Kind::damaged;
     return problem;
   }
-  synchroniseFolder(file.parent_path());
+  synchronise(file.parent_path());
   return std::nullopt;
 }
 

@@ -88,7 +88,7 @@ Result<> exchange(const fs::path& file, const fs::path& fresh, const fs::path& k
   }
   if (::rename(fresh.c_str(), file.c_str()) != 0) return systemProblem();
   for (const char* suffix : {"-wal", "-shm"}) ::unlink(withSuffix(file, suffix).c_str());
-  return synchroniseFolder(file.parent_path());
+  return synchronise(file.parent_path());
 }
 
 }  // namespace
@@ -122,7 +122,7 @@ Result<fs::path> keepStrayLog(const fs::path& file, Patience& patience) {
   if (fs::exists(file, error)) return fs::path();
   const fs::path kept = datedName(file, "-log-%Y-%m-%d-%H%M%S", "-wal");
   if (::rename(log.c_str(), kept.c_str()) != 0) return systemProblem();
-  synchroniseFolder(file.parent_path());
+  synchronise(file.parent_path());
   return kept;
 }
 

@@ -18,6 +18,7 @@ class Statement {
  public:
   /// Answers SQLITE_OK, or why the text cannot be prepared.
   int prepare(sqlite3* database, const char* sql);
+  explicit operator bool() const { return statement_ != nullptr; }  ///< true once prepared
 
   // Parameters are numbered from 1. Texts and bytes must stay alive until the run ends.
   void bind(int parameter, std::string_view text);

@@ -1,8 +1,10 @@
 #include "desktop/ratings/backups.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
+#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -30,7 +32,7 @@ class RatingsBackups : public testing::Test {
     return made && *made;
   }
   fs::path backup(const char* date) const { return folder.path() / "ratings-backups" / date; }
-  static void damage(const fs::path& path) { fs::resize_file(path, fs::file_size(path) - 4096); }
+  static void damage(const fs::path& path) { fs::resize_file(path, fs::file_size(path) - 9); }
 
   tests::TemporaryFolder folder;
   const fs::path file = folder.path() / "ratings.sqlite";
@@ -58,7 +60,7 @@ TEST_F(RatingsBackups, OneIsMadeOnADayWithChangesAndTheOldOnesThinOut) {
   EXPECT_LE(younger(35), 7 + 5) << "four weeks begin in the middle of one";
   EXPECT_EQ(std::ssize(kept) - younger(35), 3) << "January, February, March";
   EXPECT_EQ(kept.front(), first);
-  EXPECT_EQ(fs::status(backup("2026-01-05.sqlite")).permissions(), fs::perms(0600));
+  EXPECT_EQ(fs::status(backup("2026-01-05.jsonl.gz")).permissions(), fs::perms(0600));
 }
 
 TEST_F(RatingsBackups, ARestoreIsSeenByAllAndWhatItReplacesIsKept) {
@@ -87,23 +89,83 @@ TEST_F(RatingsBackups, ARestoreIsSeenByAllAndWhatItReplacesIsKept) {
 
 TEST_F(RatingsBackups, ABrokenOneIsNeverRestoredAndDisplacesNone) {
   for (int day = 0; day < 3; ++day) clickOn(first + days(day), 20 + day);
-  damage(backup("2026-01-05.sqlite"));
-  EXPECT_FALSE(restoreRatings(store, "2026-01-05"));
+  damage(backup("2026-01-06.jsonl.gz"));
+  EXPECT_FALSE(restoreRatings(store, "2026-01-06"));
   EXPECT_EQ(store.trackMarks(song).rating, 22);
-  EXPECT_NE(listOfBackups(file).find("2026-01-06  1 entry\n2026-01-05  cannot be used: "),
-            std::string::npos)
-      << listOfBackups(file);
+  const std::string list = listOfBackups(file);
+  EXPECT_TRUE(list.starts_with("2026-01-07  1 entry\n2026-01-06  cannot be used: ")) << list;
+  EXPECT_TRUE(list.ends_with("2026-01-05  1 entry\n")) << list;
   clickOn(first + days(20), 60);
-  EXPECT_EQ(backupDays(file), (std::vector<Day>{first + days(1), first + days(20)}))
-      << "the first sound one of the week stays";
+  EXPECT_EQ(backupDays(file), (std::vector<Day>{first, first + days(20)}));
 
   const std::string before = listOfBackups(file);
   std::ofstream(file, std::ios::binary) << "damaged";
   EXPECT_FALSE(backUpRatings(file, first + days(30)));
   EXPECT_EQ(listOfBackups(file), before);
   EXPECT_FALSE(fs::exists(backup("unfinished")));
-  ASSERT_TRUE(restoreRatings(store, "2026-01-06")) << "also over a damaged store";
-  EXPECT_EQ(store.trackMarks(song).rating, 21);
+  ASSERT_TRUE(restoreRatings(store, "2026-01-05")) << "also over a damaged store";
+  EXPECT_EQ(store.trackMarks(song).rating, 20);
+}
+
+TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlierOne) {
+  for (int i = 0; i < 500; ++i) {
+    ASSERT_TRUE(store.setTrackLoved({.title = "Title " + std::to_string(i)}, i % 2 == 0));
+  }
+  const auto inStore = [this](const char* sql) {
+    Database database;
+    database.open(file, SQLITE_OPEN_READWRITE);
+    EXPECT_EQ(database.execute(sql), SQLITE_OK);
+  };
+  ASSERT_TRUE(store.setTrackRating(other, 30));
+  ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 90));
+  ASSERT_TRUE(store.setTrackRating({.title = "unnamed"}, 44));
+  inStore("DELETE FROM names WHERE title = 'unnamed'");
+  clickOn(first, 10);
+  inStore("DELETE FROM marks WHERE rating = 30; UPDATE marks SET rating = 45 WHERE rating = 44");
+  ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 20));
+  clickOn(first + days(1), 50);
+  EXPECT_LT(4 * fs::file_size(backup("2026-01-06.jsonl.gz")),
+            fs::file_size(backup("2026-01-05.jsonl.gz")));
+  const auto expectMarks = [this](int rating, int album, int unnamed, bool hasOther) {
+    EXPECT_EQ(store.trackMarks(song).rating, rating);
+    EXPECT_EQ(store.albumMarks({.artist = "A", .album = "B"}).rating, album);
+    EXPECT_EQ(store.trackMarks({.title = "unnamed"}).rating, unnamed);
+    EXPECT_EQ(store.trackMarks(other).rating.has_value(), hasOther);
+    EXPECT_EQ(store.trackMarks({.title = "Title 499"}).loved, false);
+  };
+  for (int again = 0; again < 2; ++again) {
+    ASSERT_TRUE(restoreRatings(store, "2026-01-05"));
+    expectMarks(10, 90, 44, true);
+    ASSERT_TRUE(restoreRatings(store, "2026-01-06"));
+    expectMarks(50, 20, 45, false);
+  }
+  clickOn(first + days(14), 70);
+  EXPECT_EQ(backupDays(file).front(), first) << "others build on it";
+  inStore("UPDATE marks SET rating = 77");
+  clickOn(first + days(15), 60);
+  damage(backup("2026-01-05.jsonl.gz"));
+  const std::string list = listOfBackups(file);
+  EXPECT_TRUE(list.starts_with("2026-01-20  503 entries\n2026-01-19  cannot be used: 2026-01-05"))
+      << list;
+  EXPECT_FALSE(restoreRatings(store, "2026-01-19"));
+  EXPECT_TRUE(restoreRatings(store, "2026-01-20")) << "one that differs much stands for itself";
+  EXPECT_EQ(store.trackMarks(song).rating, 60);
+}
+
+TEST_F(RatingsBackups, AFullDiskLeavesNothingBehind) {
+  for (int i = 0; i < 2000; ++i) {
+    ASSERT_TRUE(store.setTrackRating({.title = "Title " + std::to_string(i * i)}, i % 100));
+  }
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{}, small{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  small = {.rlim_cur = 4096, .rlim_max = before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &small);
+  const auto made = backUpRatings(file, first);
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  ASSERT_FALSE(made);
+  EXPECT_EQ(made.problem().text, "File too large");
+  EXPECT_TRUE(fs::is_empty(folder.path() / "ratings-backups"));
 }
 
 }  // namespace

@@ -89,7 +89,8 @@ TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDate) {
   store.setTrackLoved(song, true);
   EntryCollection copy;
   EXPECT_FALSE(store.copyTo(copy));
-  copy.entries.forEach([&](const RatingsRecord& record) {
+  copy.entries.forEach([&](const StoredEntry& entry) {
+    const RatingsRecord& record = entry.record;
     EXPECT_GE(record.lovedChanged, before);
     EXPECT_LE(record.lovedChanged, std::time(nullptr));
     EXPECT_EQ(record.ratingChanged, 0) << "no rating was set";
