@@ -16,6 +16,10 @@ constexpr qint64 betweenTrials = 60'000;       // milliseconds
 constexpr int halfStar = 10;                   // more than any library rounds by
 constexpr std::size_t mostTrialsKnown = 1000;  // tracks
 
+// Services of players beside MPRIS, which may lie on connections of their own.
+const auto rhythmboxService = QStringLiteral("org.gnome.Rhythmbox3");
+const auto quodLibetService = QStringLiteral("net.sacredchao.QuodLibet");
+
 constexpr auto extensionInterface = "org.mpris.MediaPlayer2.ExtensionSetRatings";
 
 QDBusMessage callOf(const QString& service, const char* path, const char* interface,
@@ -79,10 +83,15 @@ struct LibraryWriter::Way {
     return now.isSameTrack(job.track) ? now.userRating : std::nullopt;
   }
   static QDBusMessage rhythmDB(const Job& job, const char* member) {
-    QDBusMessage message = callOf(job.owner, "/org/gnome/Rhythmbox3/RhythmDB",
+    QDBusMessage message = callOf(rhythmboxService, "/org/gnome/Rhythmbox3/RhythmDB",
                                   "org.gnome.Rhythmbox3.RhythmDB", member);
     message << job.track.address;
     return message;
+  }
+
+  static QDBusMessage quodLibetCall(const char* member) {
+    return callOf(quodLibetService, "/net/sacredchao/QuodLibet", "net.sacredchao.QuodLibet",
+                  member);
   }
 
   static const Way extension, rhythmbox, quodLibet;
@@ -120,14 +129,21 @@ constexpr LibraryWriter::Way LibraryWriter::Way::rhythmbox{
 constexpr LibraryWriter::Way LibraryWriter::Way::quodLibet{
     .onlyCurrent = true,
     .writing =
-        [](const Job& job, double rating) {
-          QDBusMessage message =
-              callOf(job.owner, "/net/sacredchao/QuodLibet", "net.sacredchao.QuodLibet", "Rate");
+        [](const Job&, double rating) {
+          QDBusMessage message = quodLibetCall("Rate");
           message << QString::number(rating);
           return message;
         },
-    .reading = &metadataOf,
-    .ratingFrom = &currentRating};
+    // Its metadata stay as they are for a song that is not in its library.
+    .reading = [](const Job&) { return quodLibetCall("CurrentSong"); },
+    .ratingFrom = [](const Job& job, const QDBusMessage& reply) -> std::optional<double> {
+      if (reply.signature() != QLatin1String("a{ss}")) return std::nullopt;
+      const auto song = qdbus_cast<QMap<QString, QString>>(reply.arguments().value(0));
+      bool isNumber = false;
+      const double rating = song.value(QStringLiteral("~#rating")).toDouble(&isNumber);
+      const bool isSame = song.value(QStringLiteral("~uri")) == job.track.address;
+      return isSame && isNumber ? std::optional(rating) : std::nullopt;
+    }};
 
 std::string LibraryWriter::nameOf(const PlayerMirror& player) {
   return player.shortName().section(QLatin1Char('.'), 0, 0).toLower().toStdString();

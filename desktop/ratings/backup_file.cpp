@@ -126,9 +126,9 @@ Result<> readThrough(const fs::path& file) {
 /// Does this with the one that another builds on, which has all entries.
 Result<> withBase(const fs::path& file, const std::function<Result<>(const fs::path&)>& read) {
   const auto head = headOfBackup(file);
-  const auto done = !head                ? Result<>(head.problem())
-                    : head->base.empty() ? read(file)
-                                         : Result<>(Problem{"it builds on another"});
+  auto done = !head                ? Result<>(head.problem())
+              : head->base.empty() ? read(file)
+                                   : Result<>(Problem{"it builds on another"});
   if (done) return done;
   return Problem{file.filename().native() + ", on which it builds: " + done.problem().text};
 }

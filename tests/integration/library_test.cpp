@@ -2,6 +2,7 @@
 // player's interface.
 #include <gmock/gmock.h>
 
+#include <QtDBus/QDBusMetaType>
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusVirtualObject>
 #include <cmath>
@@ -21,11 +22,24 @@ using State = LibraryNote::State;
 class Library final : public QDBusVirtualObject {
  public:
   Library(const PrivateBus& bus, const QString& player)
-      : player_(player), connection_(QDBusConnection::connectToBus(bus.address(), player)) {
-    connection_.registerVirtualObject("/", this, QDBusConnection::SubPath);
+      : player_(player),
+        connection_(QDBusConnection::connectToBus(bus.address(), player)),
+        service_(QDBusConnection::connectToBus(bus.address(), player + "-service")) {
+    for (QDBusConnection* each : {&connection_, &service_}) {
+      each->registerVirtualObject("/", this, QDBusConnection::SubPath);
+    }
+    qDBusRegisterMetaType<QMap<QString, QString>>();
+    // Quod Libet has two connections.
+    for (const char* name : {"org.gnome.Rhythmbox3", "net.sacredchao.QuodLibet"}) {
+      service_.registerService(name);
+    }
     appear();
   }
-  ~Library() override { QDBusConnection::disconnectFromBus(connection_.name()); }
+  ~Library() override {
+    for (const QDBusConnection& each : {connection_, service_}) {
+      QDBusConnection::disconnectFromBus(each.name());
+    }
+  }
 
   void appear() { connection_.registerService("org.mpris.MediaPlayer2." + player_); }
   void vanish() { connection_.unregisterService("org.mpris.MediaPlayer2." + player_); }
@@ -68,9 +82,9 @@ class Library final : public QDBusVirtualObject {
   }
   QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    return connection.send(answer(message));
+    return connection.send(answer(message, connection.baseService() == service_.baseService()));
   }
-  QDBusMessage answer(const QDBusMessage& message) {
+  QDBusMessage answer(const QDBusMessage& message, bool isOfService) {
     const QVariantList arguments = message.arguments();
     const QString member = message.member();
     const auto reply = [&](const QVariant& value) {
@@ -96,7 +110,8 @@ class Library final : public QDBusVirtualObject {
            arguments.at(1).toDouble());
       return message.createReply();
     }
-    if (message.path() == "/org/gnome/Rhythmbox3/RhythmDB" && player_ == "rhythmbox") {
+    if (isOfService && message.path() == "/org/gnome/Rhythmbox3/RhythmDB" &&
+        player_ == "rhythmbox") {
       const int number = arguments.at(0).toString().section('/', -1).section('.', 0, 0).toInt();
       if (member == "GetEntryProperties") {
         return message.createReply(QVariantMap{{"rating", ratings[number] * 5}});
@@ -104,7 +119,11 @@ class Library final : public QDBusVirtualObject {
       take(number, desktop::mapFromVariant(arguments.at(1)).value("rating").toDouble() / 5);
       return message.createReply();
     }
-    if (message.path() == "/net/sacredchao/QuodLibet" && member == "Rate" &&
+    if (isOfService && member == "CurrentSong" && player_ == "quodlibet") {
+      return message.createReply(QVariant::fromValue(QMap<QString, QString>{
+          {"~uri", address(current)}, {"~#rating", QString::number(ratings[current])}}));
+    }
+    if (isOfService && message.path() == "/net/sacredchao/QuodLibet" && member == "Rate" &&
         player_ == "quodlibet") {
       take(current, arguments.at(0).toString().toDouble());
       return message.createReply();
@@ -113,7 +132,7 @@ class Library final : public QDBusVirtualObject {
   }
 
   const QString player_;
-  QDBusConnection connection_;
+  QDBusConnection connection_, service_;
 };
 
 class LibraryTest : public BridgeFixture {
