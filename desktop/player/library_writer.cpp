@@ -1,5 +1,6 @@
 #include "desktop/player/library_writer.h"
 
+#include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusPendingCallWatcher>
 #include <QtDBus/QDBusVariant>
@@ -7,9 +8,16 @@
 #include <cstdlib>
 #include <utility>
 
+#include "desktop/files/module.h"
+#include "platform/loop/dispatch.h"
+#include "platform/loop/run_loop.h"
+#include "platform/platform.h"
+
 namespace desktop {
 
 namespace {
+
+using State = LibraryNote::State;
 
 constexpr int patience = 10'000;               // milliseconds for one answer
 constexpr qint64 betweenTrials = 60'000;       // milliseconds
@@ -53,6 +61,11 @@ bool isRefusal(const QDBusMessage& reply) {
   }
 }
 
+std::shared_ptr<MpdServer> loadMpdServer() {
+  auto* make = reinterpret_cast<MakeMpdServer*>(functionOfModule("mpd-server", makeMpdServerName));
+  return std::shared_ptr<MpdServer>(make != nullptr ? make() : nullptr);
+}
+
 std::optional<int> percent(std::optional<double> rating) {
   return rating ? std::optional(static_cast<int>(std::lround(*rating * 100))) : std::nullopt;
 }
@@ -94,7 +107,7 @@ struct LibraryWriter::Way {
                   member);
   }
 
-  static const Way extension, rhythmbox, quodLibet;
+  static const Way extension, rhythmbox, quodLibet, mpd;
 };
 
 /// Lollypop, Pithos: the track is named, but some take the current one only.
@@ -145,6 +158,15 @@ constexpr LibraryWriter::Way LibraryWriter::Way::quodLibet{
       return isSame && isNumber ? std::optional(rating) : std::nullopt;
     }};
 
+/// Not over the bus.
+constexpr LibraryWriter::Way LibraryWriter::Way::mpd{
+    .onlyCurrent = false, .writing = nullptr, .reading = nullptr, .ratingFrom = nullptr};
+
+LibraryWriter::LibraryWriter(QDBusConnection bus, RatingsStore& store)
+    : bus_(std::move(bus)), store_(store), self_(std::make_shared<LibraryWriter*>(this)) {}
+
+LibraryWriter::~LibraryWriter() = default;
+
 std::string LibraryWriter::nameOf(const PlayerMirror& player) {
   return player.shortName().section(QLatin1Char('.'), 0, 0).toLower().toStdString();
 }
@@ -154,6 +176,7 @@ const LibraryWriter::Way* LibraryWriter::wayInto(const PlayerMirror& player) con
   if (extension != hasExtension_.end() && extension->second) return &Way::extension;
   if (nameOf(player) == "rhythmbox") return &Way::rhythmbox;
   if (nameOf(player) == "quodlibet") return &Way::quodLibet;
+  if (nameOf(player) == "mpd") return &Way::mpd;  // whichever front it has
   return nullptr;
 }
 
@@ -183,7 +206,7 @@ void LibraryWriter::write(const PlayerMirror& player, const PlayerSnapshot& trac
     if (trackFrom(reply).isSameTrack(job.track)) {
       send(job);
     } else {
-      end(job, LibraryNote::State::pending);
+      end(job, State::pending);
     }
   });
 }
@@ -198,25 +221,72 @@ void LibraryWriter::writeAgain(const PlayerMirror& player, const PlayerSnapshot&
 
 void LibraryWriter::send(const Job& job) {
   if (!isLatest(job)) return;
+  if (job.way == &Way::mpd) return sendToMpd(job);
   call(job.way->writing(job, job.rating / 100.0), [this, job](const QDBusMessage& reply) {
     if (reply.type() == QDBusMessage::ReplyMessage) return readBack(job);
-    end(job, isRefusal(reply) ? LibraryNote::State::refused : LibraryNote::State::pending);
+    end(job, isRefusal(reply) ? State::refused : State::pending);
   });
+}
+
+/// One after the other, so that the last one is the last there too.
+void LibraryWriter::sendToMpd(const Job& job) {
+  mpdJobs_.push_back(job);
+  if (mpdJobs_.size() == 1) sendNextToMpd();
+}
+
+void LibraryWriter::sendNextToMpd() {
+  while (!mpdJobs_.empty() && !isLatest(mpdJobs_.front())) mpdJobs_.pop_front();
+  if (mpdJobs_.empty()) return;
+  const Job& job = mpdJobs_.front();
+  platform::DispatchQueue* workers = platform::dispatch_get_global_queue();
+  platform::RunLoop* runLoop = platform::current().runLoop;
+  if (!mpd_) mpd_ = loadMpdServer();
+  if (!mpd_ || workers == nullptr || runLoop == nullptr) return answered(State::none);
+  const MpdServer::Song song{
+      .address = job.identity.address,
+      .path = pathOfFileAddress(lastingAddress(job.identity).value_or(job.identity.address)),
+      .title = job.identity.title,
+      .artist = job.identity.artist};
+  workers->async([server = mpd_, weak = std::weak_ptr(self_), runLoop, song, rating = job.rating] {
+    const auto answer = server->rate(song, rating);
+    runLoop->dispatchAsync([weak, answer] {
+      const auto self = weak.lock();
+      if (!self) return;
+      switch (answer) {
+        case MpdServer::Answer::written:
+          return (*self)->answered(State::written);
+        case MpdServer::Answer::refused:
+          return (*self)->answered(State::refused);
+        case MpdServer::Answer::noStickers:
+          return (*self)->answered(State::none);
+        case MpdServer::Answer::otherSong:
+        case MpdServer::Answer::unreachable:
+          return (*self)->answered(State::pending);
+      }
+    });
+  });
+}
+
+void LibraryWriter::answered(State state) {
+  const Job job = mpdJobs_.front();
+  mpdJobs_.pop_front();
+  end(job, state, state == State::written ? std::optional(job.rating) : std::nullopt);
+  sendNextToMpd();
 }
 
 void LibraryWriter::readBack(const Job& job) {
   call(job.way->reading(job), [this, job](const QDBusMessage& reply) {
-    if (reply.type() != QDBusMessage::ReplyMessage) return end(job, LibraryNote::State::pending);
+    if (reply.type() != QDBusMessage::ReplyMessage) return end(job, State::pending);
     const auto found = percent(job.way->ratingFrom(job, reply));
     // Where another track plays by now nothing is known.
-    if (!found) return end(job, LibraryNote::State::pending);
+    if (!found) return end(job, State::pending);
     const bool hasArrived = std::abs(*found - job.rating) <= halfStar;
-    end(job, hasArrived ? LibraryNote::State::written : LibraryNote::State::refused, found);
+    end(job, hasArrived ? State::written : State::refused, found);
   });
 }
 
 /// Notes how it ended, unless the track was rated again meanwhile.
-void LibraryWriter::end(const Job& job, LibraryNote::State state, std::optional<int> found) {
+void LibraryWriter::end(const Job& job, State state, std::optional<int> found) {
   if (!isLatest(job)) return;
   latest_.erase(*trackKey(job.identity));
   const auto [rating, note] = store_.trackRating(job.identity, job.player);
@@ -224,7 +294,7 @@ void LibraryWriter::end(const Job& job, LibraryNote::State state, std::optional<
   LibraryNote ended = *note;
   ended.state = state;
   // Where the library has what it had before, nothing else is to be expected of it.
-  if (state == LibraryNote::State::refused || (found && found == note->said)) {
+  if (state == State::refused || state == State::none || (found && found == note->said)) {
     ended.awaitsOurs = false;
   }
   if (ended != *note) store_.note(job.identity, job.player, ended);

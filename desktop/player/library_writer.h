@@ -7,20 +7,25 @@
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
 #include <functional>
+#include <list>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "desktop/player/mirror.h"
+#include "desktop/player/mpd_server.h"
 #include "desktop/ratings/store.h"
 
 namespace desktop {
 
-/// Writes a rating where a player keeps its own and reads it back, never waiting; the store's note
-/// tells what became of it. Main thread only; the store must outlive the writer.
+/// Writes a rating where a player keeps its own and reads it back, never waiting (what would wait
+/// is done on a worker); the store's note tells what became of it. Main thread only; the store must
+/// outlive the writer.
 class LibraryWriter final : public QObject {
  public:
-  LibraryWriter(QDBusConnection bus, RatingsStore& store) : bus_(std::move(bus)), store_(store) {}
+  LibraryWriter(QDBusConnection bus, RatingsStore& store);
+  ~LibraryWriter() override;
 
   /// The name under which the store knows a player: "rhythmbox", "mpv".
   static std::string nameOf(const PlayerMirror& player);
@@ -46,6 +51,9 @@ class LibraryWriter final : public QObject {
   const Way* wayInto(const PlayerMirror& player) const;
   void call(const QDBusMessage& message, Answered answered);
   void send(const Job& job);
+  void sendToMpd(const Job& job);
+  void sendNextToMpd();
+  void answered(LibraryNote::State state);
   void readBack(const Job& job);
   void end(const Job& job, LibraryNote::State state, std::optional<int> found = std::nullopt);
   bool isLatest(const Job& job) const;
@@ -56,6 +64,9 @@ class LibraryWriter final : public QObject {
   std::map<std::string, int> latest_;            ///< jobs under way, by the track's key
   std::map<std::string, QElapsedTimer> trials_;  ///< since the last one, by the track's key
   int jobs_ = 0;
+  std::list<Job> mpdJobs_;                      ///< the first one is under way
+  std::shared_ptr<MpdServer> mpd_;              ///< null before its first rating
+  const std::shared_ptr<LibraryWriter*> self_;  ///< what workers hold weakly
 };
 
 }  // namespace desktop

@@ -1,14 +1,12 @@
 #include "desktop/session/workspace.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QLibrary>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
 #include <QtGui/QIcon>
 #include <QtGui/QPixmap>
-#include <iostream>
 
+#include "desktop/files/module.h"
 #include "desktop/graphics/qt_image.h"
 #include "platform/application/player_dictionary.h"
 #include "platform/foundation/text.h"
@@ -32,12 +30,9 @@ class NoApplications final : public InstalledApplications {
 };
 
 std::unique_ptr<InstalledApplications> loadApplications() {
-  QLibrary module(QCoreApplication::applicationDirPath() +
-                  QStringLiteral("/" VIRELUNE_MODULES "/installed-applications"));
-  auto* make =
-      reinterpret_cast<MakeInstalledApplications*>(module.resolve(makeInstalledApplicationsName));
+  auto* make = reinterpret_cast<MakeInstalledApplications*>(
+      functionOfModule("installed-applications", makeInstalledApplicationsName));
   if (make != nullptr) return std::unique_ptr<InstalledApplications>(make());
-  std::cerr << "virelune-widget: " << module.errorString().toStdString() << std::endl;
   return std::make_unique<NoApplications>();
 }
 

@@ -1,0 +1,10 @@
+// The program's own modules, which are loaded when they are first needed.
+#pragma once
+
+namespace desktop {
+
+/// A function that a module exports, to be cast to what it is; null, after a line on the standard
+/// error, when the module cannot be loaded. A module stays loaded.
+void* functionOfModule(const char* module, const char* function);
+
+}  // namespace desktop
