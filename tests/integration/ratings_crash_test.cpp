@@ -1,5 +1,6 @@
 // The ratings store among processes that are killed and that write at once.
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,6 +50,12 @@ class Child {
     int number = 0;
     return ::read(output_.get(), &number, sizeof number) == sizeof number ? std::optional(number)
                                                                           : std::nullopt;
+  }
+  /// How many numbers have been reported and not been read.
+  int unread() const {
+    int bytes = 0;
+    ::ioctl(output_.get(), FIONREAD, &bytes);
+    return bytes / static_cast<int>(sizeof(int));
   }
   void kill() {
     if (process_ <= 0) return;
@@ -148,7 +155,7 @@ TEST(RatingsCrash, WhatThreeWidgetsWereAnsweredIsThereAfterAKillAtAnyMoment) {
   RecordProperty("kills", kills);
 }
 
-TEST(RatingsCrash, ImportsBesideClickingWidgetsLoseNothingAfterARestore) {
+TEST(RatingsCrash, ImportsAndARestoreBesideClickingWidgetsLoseNothing) {
   const tests::TemporaryFolder folder;
   const std::filesystem::path file = folder.path() / "ratings.sqlite";
   const TrackIdentity clickedOnce{.title = "clicked once"};
@@ -165,15 +172,27 @@ TEST(RatingsCrash, ImportsBesideClickingWidgetsLoseNothingAfterARestore) {
     while (!store.merge(entries)) {
     }
   };
+  /// Waits until the widgets have clicked so often after what they have by now.
+  const auto awaitClicks = [&](int more) {
+    for (Widget& widget : widgets) {
+      const int present = widget.done + widget.process->unread();
+      while (widget.done < present + more) {
+        widget.done = widget.process->next().value_or(present + more);
+      }
+    }
+  };
   import(1000);
   ASSERT_TRUE(backUpRatings(file, today()));
   ASSERT_TRUE(store.setTrackRating(clickedOnce, 60));
-  auto restored = restoreRatings(store, listOfBackups(file).substr(0, 10));
-  ASSERT_TRUE(restored) << restored.problem().text;
   for (Widget& widget : widgets) widget.start(file);
+  awaitClicks(tracks);
+  Result<std::string> restored = Problem{};
+  while (!restored) restored = restoreRatings(store, listOfBackups(file).substr(0, 10));
+  // Which of the two files the clicks of that moment are in is not told.
+  awaitClicks(tracks + 1);
   for (int each = 1; each < 10; ++each) {
-    for (Widget& widget : widgets) widget.done = widget.process->next().value_or(widget.done);
     import(1000 + each * 50);
+    awaitClicks(1);
   }
   for (Widget& widget : widgets) widget.process->kill();
   for (Widget& widget : widgets) widget.noteReports();
@@ -185,6 +204,7 @@ TEST(RatingsCrash, ImportsBesideClickingWidgetsLoseNothingAfterARestore) {
   }
   RatingsStore kept(restored->substr(restored->find(" as ") + 4));
   EXPECT_EQ(kept.trackMarks(clickedOnce).rating, 60);
+  for (int i = 0; i < 2 * tracks; ++i) EXPECT_TRUE(kept.trackMarks(track(i)).rating) << i;
   EXPECT_TRUE(hasIntegrity(file));
 }
 
