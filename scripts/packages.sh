@@ -8,7 +8,8 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
   ffmpeg lld)
-thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer1.0-plugins-good python3-dbus)
+thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer1.0-plugins-good python3-dbus
+  qt6-wayland sway)
 bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
 fuzz_packages=(clang libclang-rt-dev)
 package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc)

@@ -1,5 +1,6 @@
 // The installed applications as GIO knows them. GIO is loaded with this module only when they are
 // first asked for.
+#include <fcntl.h>
 #include <gio/gdesktopappinfo.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "desktop/files/file_descriptor.h"
 #include "desktop/session/installed_applications.h"
 
 namespace desktop {
@@ -83,9 +85,12 @@ class GioApplications final : public InstalledApplications {
     if (!application) return false;
     std::string only = address;
     GList addresses{only.data(), nullptr, nullptr};
-    return g_app_info_launch_uris(G_APP_INFO(application.get()),
-                                  address.empty() ? nullptr : &addresses, nullptr,
-                                  nullptr) != FALSE;
+    // What it has to say is not said to this program's terminal.
+    const FileDescriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    return g_desktop_app_info_launch_uris_as_manager_with_fds(
+               application.get(), address.empty() ? nullptr : &addresses, nullptr,
+               G_SPAWN_SEARCH_PATH, nullptr, nullptr, nullptr, nullptr, -1, nowhere.get(),
+               nowhere.get(), nullptr) != FALSE;
   }
 
  private:

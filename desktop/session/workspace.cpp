@@ -114,15 +114,19 @@ void DesktopWorkspace::openURL(const platform::URL& url) {
 }
 
 void DesktopWorkspace::open(const platform::URL& url) {
-  const std::string scheme = url.scheme();
+  std::string scheme = url.scheme();
   std::string address = url.absoluteString();
+  const auto launches = [&] {
+    const auto application = applications().pathForType("x-scheme-handler/" + scheme);
+    return application && applications().launch(*application, address);
+  };
   if (isStoreScheme(scheme)) {
-    const auto store = applications().pathForType("x-scheme-handler/" + scheme);
-    if (store && applications().launch(*store, address)) return;
+    if (launches()) return;
     address.replace(0, scheme.size(), "https");
-  } else if (!isGeneralScheme(scheme)) {
-    return;
+    scheme = "https";
   }
+  if (!isGeneralScheme(scheme) || launches()) return;
+  // Where none is named the desktop may have another way.
   QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
 }
 

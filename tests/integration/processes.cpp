@@ -95,7 +95,7 @@ bool PrivateBus::hasName(const QString& name) const {
 }
 
 Display::Display(const PrivateBus& bus)
-    : server_("Xvfb", {"-displayfd", "1", "-screen", "0", "1000x600x24"}),
+    : server_("Xvfb", {"-displayfd", "1", "-screen", "0", "1000x600x24", "-ac"}),
       environment_(bus.environment()) {
   environment_["DISPLAY"] = ':' + server_.readLine();
   environment_["QT_QPA_PLATFORM"] = "xcb";
