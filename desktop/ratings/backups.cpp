@@ -81,6 +81,8 @@ int copyEntries(const fs::path& store, EntryCollection& copy) {
   if (result == SQLITE_OK) result = readTablesVersion(database, version);
   if (result == SQLITE_OK && version == TablesVersion::newer) result = newerTables;
   if (result == SQLITE_OK) result = copy.database.openTemporary();
+  // A card should stay small meanwhile: no more than 8 MiB of it, nor for bringing it into order.
+  if (result == SQLITE_OK) result = copy.database.execute("PRAGMA cache_size = -8192");
   if (result == SQLITE_OK) result = copyInSteps(database, copy.database);
   if (result == SQLITE_OK) result = copy.check();
   return result == SQLITE_OK ? copy.entries.prepare(copy.database) : result;
