@@ -95,10 +95,10 @@ std::string textOf(const json& object, const char* name) {
 }
 
 std::string lineOf(const StoredEntry& entry) {
-  if (entry.hasNames) return lineFromRecord(entry.record) + '\n';
-  // As that of a track without any names, of another kind.
-  json line = json::parse(lineFromRecord(entry.record));
-  line["kind"] = unnamedKind;
+  const std::string text = lineFromRecord(entry.record);
+  if (entry.hasNames && digestOf(entry.record) == entry.digest) return text + '\n';
+  json line = json::parse(text);
+  if (!entry.hasNames) line["kind"] = unnamedKind;
   line["digest"] = hexOf(entry.digest);
   return line.dump() + '\n';
 }
@@ -154,7 +154,7 @@ std::string apply(const std::string& line, const fs::path& file, EntryCollection
     const auto read = recordFromLine(isUnnamed ? object.dump() : line);
     if (!read) return read.problem().text;
     record = *read;
-    if (!isUnnamed) digest = digestOf(*record).value_or("");
+    if (digest.empty()) digest = digestOf(*record).value_or("");
   }
   int result = entries.entries.remove(digest);
   MergeCounts counts;

@@ -5,7 +5,8 @@
 //   {"kind":"backup","entries":1234,"from":"2026-01-05.jsonl.gz"}
 //   {"kind":"removed","digest":"00112233445566778899aabbccddeeff"}
 //
-// An entry of which only the digest is known is of the kind "unnamed" and has that.
+// An entry of which only the digest is known is of the kind "unnamed" and has that; so does one
+// that an earlier version kept under another digest than this one would.
 #pragma once
 
 #include <cstdint>

@@ -120,6 +120,10 @@ TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlie
   ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 90));
   ASSERT_TRUE(store.setTrackRating({.title = "unnamed"}, 44));
   inStore("DELETE FROM names WHERE title = 'unnamed'");
+  inStore(
+      "UPDATE marks SET digest = zeroblob(16) WHERE digest ="
+      " (SELECT digest FROM names WHERE title = 'Title 1');"
+      "UPDATE names SET digest = zeroblob(16) WHERE title = 'Title 1'");
   clickOn(first, 10);
   inStore("DELETE FROM marks WHERE rating = 30; UPDATE marks SET rating = 45 WHERE rating = 44");
   ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 20));
@@ -132,6 +136,11 @@ TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlie
     EXPECT_EQ(store.trackMarks({.title = "unnamed"}).rating, unnamed);
     EXPECT_EQ(store.trackMarks(other).rating.has_value(), hasOther);
     EXPECT_EQ(store.trackMarks({.title = "Title 499"}).loved, false);
+    Database database;
+    std::int64_t loved = -1;
+    database.open(file, SQLITE_OPEN_READONLY);
+    database.readInteger("SELECT loved FROM marks WHERE digest = zeroblob(16)", loved);
+    EXPECT_EQ(loved, 0) << "kept under another digest";
   };
   for (int again = 0; again < 2; ++again) {
     ASSERT_TRUE(restoreRatings(store, "2026-01-05"));
