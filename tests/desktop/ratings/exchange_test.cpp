@@ -10,6 +10,7 @@
 
 #include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/pickle.h"
+#include "tests/desktop/ratings/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {
@@ -176,6 +177,24 @@ TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStands) {
     ::dup2(before.get(), STDOUT_FILENO);
     EXPECT_EQ(contents(file), "first\n" + line) << name;
   }
+}
+
+TEST_F(RatingsExchange, AnExportIsWholeOrLeavesTheLastOneWhateverCallFails) {
+  for (int i = 0; i < 5; ++i) store.setTrackRating({.title = std::to_string(i)}, 40);
+  const std::string whole = exported(store);
+  int calls = 1;
+  for (bool isMet = true; isMet; ++calls) {
+    std::ofstream(file) << "last";
+    tests::failCall(calls);
+    const auto done = exportRatings(store, file);
+    isMet = tests::healCalls();
+    EXPECT_EQ(static_cast<bool>(done), !isMet) << calls;
+    // Once it has its name it may be the folder that cannot be synchronised.
+    EXPECT_TRUE(contents(file) == whole || (!done && contents(file) == "last")) << calls;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3)
+        << "beside the store and its journal nothing but the export, call " << calls;
+  }
+  EXPECT_GT(calls, 9) << "five lines, the file, its name, its folder";
 }
 
 /// As Quod Libet stores it: names and file names as the bytes of Latin characters.
