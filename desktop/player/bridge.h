@@ -40,7 +40,7 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
     std::string playerName = {};       ///< see PlayerRegistry; empty: whichever plays
     std::string lastPlayer = {};       ///< the desktop entry of the one that was followed before
     RatingsStore* ratings = nullptr;   ///< null: ratings come from the player alone
-    bool writesLibraries = true;       ///< ratings go on into the players\' own libraries
+    bool writesLibraries = true;       ///< ratings go on into the players' own libraries
     std::function<void()> heard = {};  ///< called when there is something new with the player
   };
 

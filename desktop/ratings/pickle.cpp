@@ -131,18 +131,6 @@ class Unpickler {
     const auto [end, error] = std::from_chars(line->data(), line->data() + line->size(), number);
     return error == std::errc() && end == line->data() + line->size() && pushNumber(number);
   }
-  std::optional<Number> pop() {
-    if (stack_.size() <= floor()) return std::nullopt;
-    const Number top = stack_.back();
-    stack_.pop_back();
-    return top;
-  }
-  bool drop(int count) {
-    for (; count > 0; --count) {
-      if (!pop()) return false;
-    }
-    return true;
-  }
   std::size_t floor() const { return marks_.empty() ? 0 : marks_.back(); }
   /// What lies above the last mark, which goes.
   std::optional<std::vector<Number>> popToMark() {
@@ -155,12 +143,6 @@ class Unpickler {
   }
   bool pushList(std::optional<std::vector<Number>> members, Kind kind = Kind::list) {
     return members && push({.kind = kind, .members = std::move(*members)});
-  }
-  bool pushTuple(std::size_t length) {
-    if (stack_.size() < floor() + length) return false;
-    std::vector<Number> members(stack_.end() - static_cast<std::ptrdiff_t>(length), stack_.end());
-    stack_.resize(stack_.size() - length);
-    return pushList(std::move(members));
   }
   /// Adds to the list or dictionary on the top.
   bool extend(const std::optional<std::vector<Number>>& members) {
@@ -232,7 +214,7 @@ class Unpickler {
       case '(':
         return marks_.push_back(stack_.size()), true;
       case '0':
-        return drop(1);
+        return popSeveral(1).has_value();
       case '1':
         return popToMark().has_value();
       case '2':
@@ -276,13 +258,13 @@ class Unpickler {
       case ']':
         return pushList(std::vector<Number>());
       case ')':
-        return pushTuple(0);
+        return pushList(popSeveral(0));
       case '\x85':
-        return pushTuple(1);
+        return pushList(popSeveral(1));
       case '\x86':
-        return pushTuple(2);
+        return pushList(popSeveral(2));
       case '\x87':
-        return pushTuple(3);
+        return pushList(popSeveral(3));
       case 'l':
       case 't':
         return pushList(popToMark());
@@ -307,9 +289,9 @@ class Unpickler {
       case '\x81':
         return pushMade();
       case '\x92':
-        return drop(1) && pushMade();  // with named arguments
+        return popSeveral(1) && pushMade();  // with named arguments
       case 'b':
-        return drop(1);  // an object's state
+        return popSeveral(1).has_value();  // an object's state
       case 'p':
         return remember(takePlaceOnLine());
       case 'q':

@@ -255,7 +255,8 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
   EXPECT_TRUE(take("rhythmbox:", rhythmbox).starts_with("Imported 1 rating from " + file + "; 0 "));
   begin(70);
   EXPECT_TRUE(take("quodlibet:", quodLibetSongs()).starts_with("Imported 1 rating from "));
-  EXPECT_TRUE(exported(store).find(R"("artist":"A, B","title":"Title","length":60,"rating":50})"));
+  EXPECT_NE(exported(store).find(R"("artist":"A, B","title":"Title","length":60,"rating":50)"),
+            std::string::npos);
   begin(50);
   database("url", "file:///music/%C3%A4.mp3");
   begin(55);
@@ -294,10 +295,9 @@ TEST(Pickle, ReadsEveryProtocolAndEndsOnWhatMakesNoSense) {
   for (std::size_t length = 0; length < songs.size(); ++length) {
     EXPECT_FALSE(readPickledDictionaries(songs.substr(0, length), [](const auto&) { FAIL(); }));
   }
-  for (const char* wrong : {"].]", "u.", "(u.", "](h\x07e.", "]s.", "2.", "0.", "(1.", "\x81.",
-                            "]b.", "]X\xff\xff\xff\x7f", "\x8a\xff.", "I9x\n.", "g0\n.", "e"}) {
-    EXPECT_FALSE(readPickledDictionaries(wrong, [](const auto&) { FAIL(); }) && wrong[1] != '.')
-        << wrong;
+  for (const char* wrong : {"u.", "(u.", "](h\x07e.", "]s.", "2.", "0.", "(1.", "\x81.", "]b.",
+                            "]X\xff\xff\xff\x7f", "\x8a\xff.", "I9x\n.", "g0\n.", "e"}) {
+    EXPECT_FALSE(readPickledDictionaries(wrong, [](const auto&) { FAIL(); })) << wrong;
   }
 }
 

@@ -58,7 +58,9 @@ class RatingsRescue : public testing::Test {
           .lovedChanged = 1'800'000'000};
       EXPECT_EQ(table.set(*digestOf(record), record), SQLITE_OK);
     }
-    EXPECT_EQ(database.execute("COMMIT"), SQLITE_OK);
+    EXPECT_EQ(database.execute("INSERT INTO libraries VALUES (zeroblob(16), 'mpd', 60, 2, 0);"
+                               "COMMIT"),
+              SQLITE_OK);
     std::string bytes = tests::contents(file);
     std::filesystem::remove(file);
     return bytes;
