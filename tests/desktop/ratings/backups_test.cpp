@@ -1,26 +1,20 @@
 #include "desktop/ratings/backups.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <csignal>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 
-#include "tests/support/temporary_folder.h"
+#include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace desktop {
 namespace {
 
-namespace fs = std::filesystem;
 using std::chrono::days;
 
 const TrackIdentity song{.title = "song"}, other{.title = "other"};
 const Day first = std::chrono::year(2026) / 1 / 5;  // a Monday
 
-class RatingsBackups : public testing::Test {
+class RatingsBackups : public RatingsFixture {
  protected:
   /// A click, then the day's check.
   bool clickOn(Day day, int rating) {
@@ -31,12 +25,12 @@ class RatingsBackups : public testing::Test {
     EXPECT_TRUE(made) << made.problem().text;
     return made && *made;
   }
-  fs::path backup(const char* date) const { return folder.path() / "ratings-backups" / date; }
-  static void damage(const fs::path& path) { fs::resize_file(path, fs::file_size(path) - 9); }
+  fs::path backup(const std::string& date) const {
+    return file.parent_path() / "ratings-backups" / (date + ".jsonl.gz");
+  }
+  void damage(const char* date) const { fs::resize_file(backup(date), size(date) - 9); }
+  std::uintmax_t size(const char* date) const { return fs::file_size(backup(date)); }
 
-  tests::TemporaryFolder folder;
-  const fs::path file = folder.path() / "ratings.sqlite";
-  std::ostringstream messages;
   RatingsStore store{file, messages};
   int clicks = 0;
 };
@@ -52,15 +46,15 @@ TEST_F(RatingsBackups, OneIsMadeOnADayWithChangesAndTheOldOnesThinOut) {
   for (int day = 3; day <= last; ++day) EXPECT_TRUE(clickOn(first + days(day), day));
   const auto kept = backupDays(file);
   const auto younger = [&](int age) {
-    return std::count_if(kept.begin(), kept.end(),
-                         [&](Day day) { return first + days(last) - day < days(age); });
+    return std::ranges::count_if(kept,
+                                 [&](Day day) { return first + days(last) - day < days(age); });
   };
   EXPECT_EQ(younger(7), 7);
   EXPECT_GE(younger(35), 7 + 4);
   EXPECT_LE(younger(35), 7 + 5) << "four weeks begin in the middle of one";
   EXPECT_EQ(std::ssize(kept) - younger(35), 3) << "January, February, March";
   EXPECT_EQ(kept.front(), first);
-  EXPECT_EQ(fs::status(backup("2026-01-05.jsonl.gz")).permissions(), fs::perms(0600));
+  EXPECT_EQ(fs::status(backup("2026-01-05")).permissions(), fs::perms(0600));
 }
 
 TEST_F(RatingsBackups, ARestoreIsSeenByAllAndWhatItReplacesIsKept) {
@@ -89,9 +83,9 @@ TEST_F(RatingsBackups, ARestoreIsSeenByAllAndWhatItReplacesIsKept) {
 
 TEST_F(RatingsBackups, ABrokenOneIsNeverRestoredAndDisplacesNone) {
   for (int day = 0; day < 3; ++day) clickOn(first + days(day), 20 + day);
-  damage(backup("2026-01-06.jsonl.gz"));
+  damage("2026-01-06");
   EXPECT_FALSE(restoreRatings(store, "2026-01-06"));
-  EXPECT_EQ(store.trackMarks(song).rating, 22);
+  EXPECT_EQ(rating(song), 22);
   const std::string list = listOfBackups(file);
   EXPECT_TRUE(list.starts_with("2026-01-07  1 entry\n2026-01-06  cannot be used: ")) << list;
   EXPECT_TRUE(list.ends_with("2026-01-05  1 entry\n")) << list;
@@ -99,72 +93,58 @@ TEST_F(RatingsBackups, ABrokenOneIsNeverRestoredAndDisplacesNone) {
   EXPECT_EQ(backupDays(file), (std::vector<Day>{first, first + days(20)}));
 
   const std::string before = listOfBackups(file);
-  std::ofstream(file, std::ios::binary) << "damaged";
+  put(file, "damaged");
   EXPECT_FALSE(backUpRatings(file, first + days(30)));
   EXPECT_EQ(listOfBackups(file), before);
-  EXPECT_FALSE(fs::exists(backup("unfinished")));
+  EXPECT_FALSE(fs::exists(file.parent_path() / "ratings-backups/unfinished"));
   ASSERT_TRUE(restoreRatings(store, "2026-01-05")) << "also over a damaged store";
-  EXPECT_EQ(store.trackMarks(song).rating, 20);
+  EXPECT_EQ(rating(song), 20);
 }
 
 TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlierOne) {
-  for (int i = 0; i < 500; ++i) {
-    ASSERT_TRUE(store.setTrackLoved({.title = "Title " + std::to_string(i)}, i % 2 == 0));
-  }
-  const auto inStore = [this](const char* sql) {
-    Database database;
-    database.open(file, SQLITE_OPEN_READWRITE);
-    EXPECT_EQ(database.execute(sql), SQLITE_OK);
-  };
+  const TrackIdentity unnamed{.title = "unnamed"}, album{.artist = "A", .album = "B"};
+  ASSERT_TRUE(importRatings(store, listOf(0, 500)));
   ASSERT_TRUE(store.setTrackRating(other, 30));
-  ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 90));
-  ASSERT_TRUE(store.setTrackRating({.title = "unnamed"}, 44));
-  inStore("DELETE FROM names WHERE title = 'unnamed'");
+  ASSERT_TRUE(store.setAlbumRating(album, 90));
+  ASSERT_TRUE(store.setTrackRating(unnamed, 44));
   inStore(
+      "DELETE FROM names WHERE title = 'unnamed';"
       "UPDATE marks SET digest = zeroblob(16) WHERE digest ="
-      " (SELECT digest FROM names WHERE title = 'Title 1');"
-      "UPDATE names SET digest = zeroblob(16) WHERE title = 'Title 1'");
+      " (SELECT digest FROM names WHERE title = '1');"
+      "UPDATE names SET digest = zeroblob(16) WHERE title = '1'");
   clickOn(first, 10);
   inStore("DELETE FROM marks WHERE rating = 30; UPDATE marks SET rating = 45 WHERE rating = 44");
-  ASSERT_TRUE(store.setAlbumRating({.artist = "A", .album = "B"}, 20));
+  ASSERT_TRUE(store.setAlbumRating(album, 20));
   clickOn(first + days(1), 50);
-  EXPECT_LT(4 * fs::file_size(backup("2026-01-06.jsonl.gz")),
-            fs::file_size(backup("2026-01-05.jsonl.gz")));
-  const auto expectMarks = [this](int rating, int album, int unnamed, bool hasOther) {
-    EXPECT_EQ(store.trackMarks(song).rating, rating);
-    EXPECT_EQ(store.albumMarks({.artist = "A", .album = "B"}).rating, album);
-    EXPECT_EQ(store.trackMarks({.title = "unnamed"}).rating, unnamed);
-    EXPECT_EQ(store.trackMarks(other).rating.has_value(), hasOther);
-    EXPECT_EQ(store.trackMarks({.title = "Title 499"}).loved, false);
-    Database database;
-    std::int64_t loved = -1;
-    database.open(file, SQLITE_OPEN_READONLY);
-    database.readInteger("SELECT loved FROM marks WHERE digest = zeroblob(16)", loved);
-    EXPECT_EQ(loved, 0) << "kept under another digest";
+  EXPECT_LT(4 * size("2026-01-06"), size("2026-01-05"));
+  using Ratings = std::vector<int>;
+  const auto ratings = [&] {
+    return Ratings{rating(song), store.albumMarks(album).rating.value_or(-1), rating(unnamed),
+                   rating(other), rating({.title = "499"})};
   };
   for (int again = 0; again < 2; ++again) {
     ASSERT_TRUE(restoreRatings(store, "2026-01-05"));
-    expectMarks(10, 90, 44, true);
+    EXPECT_EQ(ratings(), (Ratings{10, 90, 44, 30, 40}));
     ASSERT_TRUE(restoreRatings(store, "2026-01-06"));
-    expectMarks(50, 20, 45, false);
+    EXPECT_EQ(ratings(), (Ratings{50, 20, 45, -1, 40}));
+    EXPECT_EQ(selected("SELECT rating FROM marks WHERE digest = zeroblob(16)"), 40)
+        << "kept under another digest";
   }
   clickOn(first + days(14), 70);
   EXPECT_EQ(backupDays(file).front(), first) << "others build on it";
   inStore("UPDATE marks SET rating = 77");
   clickOn(first + days(15), 60);
-  damage(backup("2026-01-05.jsonl.gz"));
+  damage("2026-01-05");
   const std::string list = listOfBackups(file);
   EXPECT_TRUE(list.starts_with("2026-01-20  503 entries\n2026-01-19  cannot be used: 2026-01-05"))
       << list;
   EXPECT_FALSE(restoreRatings(store, "2026-01-19"));
   EXPECT_TRUE(restoreRatings(store, "2026-01-20")) << "one that differs much stands for itself";
-  EXPECT_EQ(store.trackMarks(song).rating, 60);
+  EXPECT_EQ(rating(song), 60);
 }
 
 TEST_F(RatingsBackups, AFullDiskLeavesNothingBehind) {
-  for (int i = 0; i < 2000; ++i) {
-    ASSERT_TRUE(store.setTrackRating({.title = "Title " + std::to_string(i * i)}, i % 100));
-  }
+  ASSERT_TRUE(importRatings(store, listOf(0, 2000)));
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit before{}, small{};
   ::getrlimit(RLIMIT_FSIZE, &before);
@@ -174,7 +154,7 @@ TEST_F(RatingsBackups, AFullDiskLeavesNothingBehind) {
   ::setrlimit(RLIMIT_FSIZE, &before);
   ASSERT_FALSE(made);
   EXPECT_EQ(made.problem().text, "File too large");
-  EXPECT_TRUE(fs::is_empty(folder.path() / "ratings-backups"));
+  EXPECT_TRUE(fs::is_empty(file.parent_path() / "ratings-backups"));
 }
 
 }  // namespace

@@ -1,49 +1,67 @@
 #include "desktop/ratings/exchange.h"
 
-#include <gtest/gtest.h>
-
+#include <dlfcn.h>
 #include <fcntl.h>
-
-#include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <unistd.h>
 
 #include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/pickle.h"
-#include "tests/desktop/ratings/faulty_calls.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/desktop/ratings/ratings_fixture.h"
+
+namespace {
+
+int callsUntilFault = 0;  // none when 0
+
+bool fails() {
+  if (callsUntilFault == 0 || --callsUntilFault > 0) return false;
+  errno = EIO;
+  return true;
+}
+
+template <class Function>
+Function* real(const char* name) {
+  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+// In the place of the C library's.
+extern "C" {
+
+std::size_t fwrite(const void* bytes, std::size_t size, std::size_t count, FILE* file) {
+  return fails() ? 0 : real<decltype(fwrite)>("fwrite")(bytes, size, count, file);
+}
+int fflush(FILE* file) { return fails() ? EOF : real<decltype(fflush)>("fflush")(file); }
+int fsync(int file) { return fails() ? -1 : real<decltype(fsync)>("fsync")(file); }
+int rename(const char* from, const char* to) noexcept {
+  return fails() ? -1 : real<int(const char*, const char*)>("rename")(from, to);
+}
+}
 
 namespace desktop {
 namespace {
 
-using tests::contents;
-
-class RatingsExchange : public testing::Test {
+class RatingsExchange : public RatingsFixture {
  protected:
-  Result<std::string> import(RatingsStore& into, const std::string& text) {
-    std::ofstream(file, std::ios::binary) << text;
-    return importRatings(into, file);
+  Result<std::string> import(RatingsStore& into, const std::string& text) const {
+    return importRatings(into, put(list, text));
   }
   /// The report's counts, as they stand behind the file's name.
-  std::string imported(RatingsStore& into, const std::string& text) {
+  std::string imported(RatingsStore& into, const std::string& text) const {
     const auto report = import(into, text);
-    return report ? report->substr(file.size() + 11) : report.problem().text;
+    return report ? report->substr(list.size() + 11) : report.problem().text;
   }
-  std::string exported(RatingsStore& from) {
-    EXPECT_TRUE(exportRatings(from, file));
-    return contents(file);
+  std::string exported(RatingsStore& from) const {
+    EXPECT_TRUE(exportRatings(from, list));
+    return contents(list);
   }
-  void inStore(const char* sql) const {
-    Database database;
-    ASSERT_EQ(database.open(storeFile, SQLITE_OPEN_READWRITE), SQLITE_OK);
-    ASSERT_EQ(database.execute(sql), SQLITE_OK);
+  std::ptrdiff_t files() const {
+    return std::distance(fs::recursive_directory_iterator(folder.path()), {});
   }
 
-  tests::TemporaryFolder folder;
-  const std::string storeFile = folder.path() / "one.sqlite";
-  const std::string file = folder.path() / "ratings.jsonl";
-  RatingsStore store{folder.path() / "one.sqlite"};
-  RatingsStore other{folder.path() / "two.sqlite"};
+  const std::string list = folder.path() / "ratings.jsonl";
+  RatingsStore store{file};
+  RatingsStore other{folder.path() / "other.sqlite"};
 };
 
 TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder) {
@@ -101,10 +119,10 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
         "{\"kind\":\"track\",\"title\":\"\xFF\",\"rating\":20}"}) {
     const auto result = import(store, good + bad + '\n' + good);
     ASSERT_FALSE(result) << bad;
-    EXPECT_TRUE(result.problem().text.starts_with(file + ", line 3: ")) << result.problem().text;
+    EXPECT_TRUE(result.problem().text.starts_with(list + ", line 3: ")) << result.problem().text;
   }
   EXPECT_EQ(store.trackMarks({.title = "good"}), Marks{});
-  EXPECT_FALSE(std::filesystem::exists(folder.path() / "one.sqlite"));
+  EXPECT_FALSE(fs::exists(file));
 }
 
 TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
@@ -117,51 +135,42 @@ TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
 }
 
 TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
-  std::ofstream(file) << "last";
-  const auto files = [this] {
-    return std::distance(std::filesystem::directory_iterator(folder.path()), {});
-  };
   const auto expectRefusal = [&](const char* why) {
+    put(list, "last");
     const auto before = files();
-    for (const auto& result : {exportRatings(store, file), exportRatings(store, "-")}) {
+    for (const auto& result : {exportRatings(store, list), exportRatings(store, "-")}) {
       ASSERT_FALSE(result) << why;
       EXPECT_NE(result.problem().text.find(why), std::string::npos) << result.problem().text;
       EXPECT_EQ(result.problem().text.find('\n'), std::string::npos);
     }
-    EXPECT_EQ(contents(file), "last");
+    EXPECT_EQ(contents(list), "last");
     RatingsStore nowhere("");
-    EXPECT_FALSE(exportRatings(nowhere, file));
+    EXPECT_FALSE(exportRatings(nowhere, list));
     EXPECT_EQ(files(), before);
   };
   expectRefusal("there is none yet");
-  std::string many;
-  for (int i = 0; i < 1000; ++i) {
-    many += R"({"kind":"track","rating":20,"title":")" + std::to_string(i) + "\"}\n";
-  }
-  ASSERT_TRUE(import(store, many));
-  std::ofstream(file) << "last";
+  ASSERT_TRUE(importRatings(store, listOf(0, 1000, 20)));
   inStore("PRAGMA user_version = 1000");
   expectRefusal("newer version");
   inStore("PRAGMA user_version = 3");
-  std::fstream(storeFile, std::ios::in | std::ios::out | std::ios::binary).seekp(8 * 4096)
-      << std::string(4096, '\0');
-  const std::string damaged = contents(storeFile);
+  overwrite(file, 8 * 4096, std::string(4096, '\0'));
+  const std::string damaged = contents(file);
   expectRefusal("malformed");
 
-  const auto report = salvageRatings(store, file);
+  const auto report = salvageRatings(store, list);
   ASSERT_TRUE(report) << report.problem().text;
   EXPECT_NE(report->find("; 1 of "), std::string::npos) << *report;
-  const std::string lines = contents(file);
-  const auto saved = std::count(lines.begin(), lines.end(), '\n');
+  const auto saved = std::ranges::count(contents(list), '\n');
   EXPECT_TRUE(saved > 800 && saved < 1000) << saved;
-  EXPECT_EQ(contents(storeFile), damaged);
-  const auto imported = importRatings(other, storeFile);
+  EXPECT_EQ(contents(file), damaged);
+  const auto imported = importRatings(other, file);
   ASSERT_TRUE(imported) << imported.problem().text;
   EXPECT_NE(imported->find(" added, 0 changed, 0 unchanged; 1 of "), std::string::npos);
   // Marks whose names are lost are found again when their track is played.
   int found = 0;
-  for (int i = 0; i < 1000; ++i)
+  for (int i = 0; i < 1000; ++i) {
     found += other.trackMarks({.title = std::to_string(i)}).rating == 20;
+  }
   EXPECT_GE(found, saved);
 }
 
@@ -170,29 +179,28 @@ TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStands) {
   const std::string line = exported(store);
   const FileDescriptor before(::dup(STDOUT_FILENO));
   for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
-    const FileDescriptor opened(::open(file.c_str(), O_WRONLY | O_TRUNC));
+    const FileDescriptor opened(::open(list.c_str(), O_WRONLY | O_TRUNC));
     ASSERT_EQ(::write(opened.get(), "first\n", 6), 6);
     ::dup2(opened.get(), STDOUT_FILENO);
     EXPECT_TRUE(exportRatings(store, name));
     ::dup2(before.get(), STDOUT_FILENO);
-    EXPECT_EQ(contents(file), "first\n" + line) << name;
+    EXPECT_EQ(contents(list), "first\n" + line) << name;
   }
 }
 
 TEST_F(RatingsExchange, AnExportIsWholeOrLeavesTheLastOneWhateverCallFails) {
-  for (int i = 0; i < 5; ++i) store.setTrackRating({.title = std::to_string(i)}, 40);
+  importRatings(store, listOf(0, 5));
   const std::string whole = exported(store);
+  const auto present = files();
   int calls = 1;
-  for (bool isMet = true; isMet; ++calls) {
-    std::ofstream(file) << "last";
-    tests::failCall(calls);
-    const auto done = exportRatings(store, file);
-    isMet = tests::healCalls();
-    EXPECT_EQ(static_cast<bool>(done), !isMet) << calls;
+  for (bool isDone = false; !isDone; ++calls) {
+    put(list, "last");
+    callsUntilFault = calls;
+    isDone = static_cast<bool>(exportRatings(store, list));
+    EXPECT_EQ(isDone, std::exchange(callsUntilFault, 0) != 0) << calls;
     // Once it has its name it may be the folder that cannot be synchronised.
-    EXPECT_TRUE(contents(file) == whole || (!done && contents(file) == "last")) << calls;
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 3)
-        << "beside the store and its journal nothing but the export, call " << calls;
+    EXPECT_TRUE(contents(list) == whole || (!isDone && contents(list) == "last")) << calls;
+    EXPECT_EQ(files(), present) << calls;
   }
   EXPECT_GT(calls, 9) << "five lines, the file, its name, its folder";
 }
@@ -223,8 +231,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     <entry type="iradio"><rating>5</rating></entry></rhythmdb>)";
   const auto database = [this](const char* column, const char* address) {
     const std::string path = folder.path() / column;
-    Database songs;
-    EXPECT_EQ(songs.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
+    Database songs = opened(path);
     const std::string rows = std::string("CREATE TABLE songs (artist, album, albumartist, title,") +
                              column +
                              ", length, rating); INSERT INTO songs VALUES ('A', 'B', '',"
@@ -242,8 +249,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
   };
   const TrackIdentity track{.address = "/music/\u00e4.mp3"};
   const auto take = [&](const char* player, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-    const auto report = importRatings(store, player + file);
+    const auto report = importRatings(store, player + put(list, bytes).native());
     return report ? *report : report.problem().text;
   };
   const auto begin = [&](int rating) {
@@ -252,7 +258,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     inStore("DELETE FROM marks; DELETE FROM names");
     EXPECT_TRUE(store.setTrackLoved(track, true));
   };
-  EXPECT_TRUE(take("rhythmbox:", rhythmbox).starts_with("Imported 1 rating from " + file + "; 0 "));
+  EXPECT_TRUE(take("rhythmbox:", rhythmbox).starts_with("Imported 1 rating from " + list + "; 0 "));
   begin(70);
   EXPECT_TRUE(take("quodlibet:", quodLibetSongs()).starts_with("Imported 1 rating from "));
   EXPECT_NE(exported(store).find(R"("artist":"A, B","title":"Title","length":60,"rating":50)"),
@@ -265,7 +271,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
   ASSERT_TRUE(store.setTrackRating(track, 20));
   EXPECT_TRUE(
       take("rhythmbox:", rhythmbox)
-          .ends_with("Imported 0 ratings from " + file + "; 1 track was rated here already"));
+          .ends_with("Imported 0 ratings from " + list + "; 1 track was rated here already"));
   EXPECT_EQ(store.trackMarks(track).rating, 20);
 
   const std::string before = exported(store);
@@ -273,7 +279,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     for (const std::string& wrong : {std::string("no library"), rhythmbox.substr(0, 300),
                                      quodLibetSongs().substr(0, 200), std::string("\x80\x02}.")}) {
       const std::string problem = take(player, wrong);
-      EXPECT_TRUE(problem.starts_with("cannot read " + file + ": ")) << player << problem;
+      EXPECT_TRUE(problem.starts_with("cannot read " + list + ": ")) << player << problem;
       EXPECT_TRUE(problem.ends_with("; nothing was imported")) << problem;
     }
     EXPECT_FALSE(importRatings(store, player + std::string("/nowhere")));

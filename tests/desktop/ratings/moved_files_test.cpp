@@ -1,21 +1,14 @@
 #include "desktop/ratings/moved_files.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
-
 #include "platform/platform.h"
+#include "tests/desktop/ratings/ratings_fixture.h"
 #include "tests/support/manual_clock.h"
 #include "tests/support/scripted.h"
-#include "tests/support/temporary_folder.h"
 
 namespace desktop {
 namespace {
 
-namespace fs = std::filesystem;
-
-class RatingsMovedFiles : public testing::Test {
+class RatingsMovedFiles : public RatingsFixture {
  protected:
   RatingsMovedFiles() {
     platform_.runLoop = &clock.runLoop();
@@ -25,26 +18,17 @@ class RatingsMovedFiles : public testing::Test {
   TrackIdentity track(const std::string& name,
                       TrackIdentity texts = {
                           .artist = "A", .album = "B", .title = "C", .length = 215.4}) const {
-    texts.address = (folder.path() / name).native();
+    texts.address = (music.path() / name).native();
     return texts;
   }
-  fs::path make(const std::string& name) const {
-    fs::path path = folder.path() / name;
-    fs::create_directories(path.parent_path());
-    std::ofstream(path) << "sound";
-    return path;
-  }
+  fs::path make(const std::string& name) const { return put(music.path() / name, "sound"); }
   void hear(const TrackIdentity& heard) {
     moved.heard(heard);
     workers.runAll();
     clock.settle();
   }
-  std::int64_t rows(const char* table) const {
-    Database database;
-    std::int64_t count = -1;
-    database.open(file, SQLITE_OPEN_READONLY);
-    database.readInteger((std::string("SELECT count(*) FROM ") + table).c_str(), count);
-    return count;
+  std::int64_t rows(const std::string& table) const {
+    return selected(("SELECT count(*) FROM " + table).c_str());
   }
 
   platform::Platform platform_;
@@ -52,10 +36,7 @@ class RatingsMovedFiles : public testing::Test {
   tests::ManualClock clock;
   tests::ManualQueue workers;
   // Files in /tmp are known for a while only, but not by this way.
-  tests::TemporaryFolder folder{"/.." + fs::temp_directory_path().native()};
-  tests::TemporaryFolder data;
-  const fs::path file = data.path() / "ratings.sqlite";
-  std::ostringstream messages;
+  tests::TemporaryFolder music{"/.." + fs::temp_directory_path().native()};
   RatingsStore store{file, messages};
   int announced = 0;
   MovedFiles moved{store, [this] { ++announced; }};
@@ -71,7 +52,7 @@ TEST_F(RatingsMovedFiles, MarksFollowAFileThatWasRenamedOrMountedElsewhere) {
   frenchMoved.title = decomposed;
   frenchMoved.artist = "a";
   frenchMoved.length = 61.6;
-  const std::vector<std::pair<TrackIdentity, TrackIdentity>> moves = {
+  const std::pair<TrackIdentity, TrackIdentity> moves[] = {
       {track("old/a.flac"), track("new folder/a.flac")},
       {track("media/DISK/x/b.flac", disk), track("media/DISK1/x/b.flac", disk)},
       {track("c.flac", renamed), track("01 - c.flac", renamed)},
@@ -82,12 +63,12 @@ TEST_F(RatingsMovedFiles, MarksFollowAFileThatWasRenamedOrMountedElsewhere) {
   for (const auto& [from, to] : moves) {
     SCOPED_TRACE(to.address);
     ++entries;
-    const fs::path old = make(fs::relative(from.address, folder.path()));
+    const fs::path old = make(fs::relative(from.address, music.path()));
     hear(from);
     ASSERT_TRUE(store.setTrackRating(from, 70, "rhythmbox", {.said = 60}));
     ASSERT_TRUE(store.setTrackLoved(from, true));
     fs::remove(old);
-    make(fs::relative(to.address, folder.path()));
+    make(fs::relative(to.address, music.path()));
     hear(to);
     EXPECT_EQ(store.trackMarks(to), (Marks{.rating = 70, .loved = true}));
     EXPECT_EQ(store.trackMarks(from), Marks{});
@@ -119,7 +100,7 @@ TEST_F(RatingsMovedFiles, MarksStayWithEveryFileThatIsThereOrIsAnotherOne) {
   make("old.flac");
   hear(track("new.flac"));
   EXPECT_EQ(store.trackMarks(old).rating, 70) << "a copy";
-  fs::remove(folder.path() / "old.flac");
+  fs::remove(music.path() / "old.flac");
   hear(track("new.flac"));
   EXPECT_EQ(announced, 0) << "the disk is not asked for what is still the same track";
   hear(old);
@@ -134,11 +115,7 @@ TEST_F(RatingsMovedFiles, OfTwoMarksTheLaterOneStaysAndOfTwoFilesThatOfTheSameNa
   ASSERT_TRUE(store.setTrackRating(track("gone/other.flac"), 20));
   ASSERT_TRUE(store.setTrackRating(track("gone/same.flac"), 40));
   ASSERT_TRUE(store.setTrackLoved(track("gone/same.flac"), true));
-  {
-    Database database;
-    database.open(file, SQLITE_OPEN_READWRITE);
-    database.execute("UPDATE marks SET rating_changed = 1000");
-  }
+  inStore("UPDATE marks SET rating_changed = 1000");
   moved.heard(to);
   ASSERT_TRUE(store.setTrackRating(to, 90)) << "a click while the disk is asked";
   workers.runAll();

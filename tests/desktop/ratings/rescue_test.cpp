@@ -1,12 +1,8 @@
 #include "desktop/ratings/rescue.h"
 
-#include <gtest/gtest.h>
-
-#include <fstream>
 #include <set>
 
-#include "desktop/ratings/store.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace desktop {
 namespace {
@@ -37,15 +33,14 @@ Rescued rescued(const std::string& bytes) {
   return result;
 }
 
-class RatingsRescue : public testing::Test {
+class RatingsRescue : public RatingsFixture {
  protected:
   /// The bytes of a store with so many entries.
   std::string store(int entries, std::size_t nameLength, const char* pageSize = "4096") {
-    const std::string file = folder.path() / "ratings.sqlite";
-    Database database;
-    EXPECT_EQ(database.open(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
-    const std::string settings = std::string("PRAGMA page_size = ") + pageSize;
-    EXPECT_EQ(database.execute(settings.c_str()), SQLITE_OK);
+    fs::remove(file);
+    put(file, "");
+    Database database = opened(file);
+    EXPECT_EQ(database.execute((std::string("PRAGMA page_size = ") + pageSize).c_str()), SQLITE_OK);
     EXPECT_EQ(makeEntryTables(database), SQLITE_OK);
     Entries table;
     EXPECT_EQ(table.prepare(database), SQLITE_OK);
@@ -58,15 +53,9 @@ class RatingsRescue : public testing::Test {
           .lovedChanged = 1'800'000'000};
       EXPECT_EQ(table.set(*digestOf(record), record), SQLITE_OK);
     }
-    EXPECT_EQ(database.execute("INSERT INTO libraries VALUES (zeroblob(16), 'mpd', 60, 2, 0);"
-                               "COMMIT"),
-              SQLITE_OK);
-    std::string bytes = tests::contents(file);
-    std::filesystem::remove(file);
-    return bytes;
+    database.execute("INSERT INTO libraries VALUES (zeroblob(16), 'mpd', 60, 2, 0); COMMIT");
+    return contents(file);
   }
-
-  tests::TemporaryFolder folder;
 };
 
 TEST_F(RatingsRescue, EachPageThatIsLostCostsOnlyWhatLiesOnIt) {
@@ -122,26 +111,19 @@ TEST_F(RatingsRescue, RowsThatMakeNoSenseAreLeftOut) {
 }
 
 TEST_F(RatingsRescue, WithoutItsFirstPageAStoreIsMendedToo) {
-  const std::string file = folder.path() / "store/ratings.sqlite";
-  std::filesystem::create_directory(folder.path() / "store");
   for (const std::size_t page : {0U, 1U, 2U}) {
     std::string bytes = store(3000, 30);
     bytes.replace(page * 4096, 4096, 4096, '\xFF');
-    std::ofstream(file, std::ios::binary) << bytes;
+    put(file, bytes);
     const std::set<std::string> readable = rescued(bytes).marks;
     EXPECT_GT(readable.size(), 2800U);
-    std::ostringstream messages;
-    RatingsStore store(file, messages);
-    EntryCollection copy;
-    std::int64_t kept = 0;
-    EXPECT_TRUE(store.setTrackRating({.title = "new"}, 20));
-    EXPECT_FALSE(store.copyTo(copy));
+    messages.str("");
+    EXPECT_TRUE(rate({.title = "new"}, 20));
     EXPECT_NE(
         messages.str().find(std::to_string(readable.size()) + " entries were carried over, 1 "),
         std::string::npos)
         << messages.str();
-    copy.database.readInteger("SELECT count(*) FROM marks", kept);
-    EXPECT_EQ(static_cast<std::size_t>(kept), readable.size() + 1);
+    EXPECT_EQ(selected("SELECT count(*) FROM marks"), std::ssize(readable) + 1);
   }
 }
 

@@ -1,28 +1,14 @@
 #include "desktop/ratings/store.h"
 
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <csignal>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <sstream>
-#include <vector>
 
 #include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/mending.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace desktop {
 namespace {
-
-namespace fs = std::filesystem;
-using tests::contents;
 
 const TrackIdentity song{
     .address = "/music/a.flac", .artist = "A", .album = "B", .title = "C", .length = 215};
@@ -35,16 +21,8 @@ std::unique_ptr<EntryCollection> collected(const std::vector<RatingsRecord>& rec
   return collection;
 }
 
-class RatingsStoreTest : public testing::Test {
+class RatingsStoreTest : public RatingsFixture {
  protected:
-  /// Does this in a file of the folder, the store's unless it has a name, and answers the file.
-  fs::path inDatabase(const char* sql, const char* name = nullptr) const {
-    fs::path path = name != nullptr ? folder.path() / name : file;
-    Database database;
-    EXPECT_EQ(database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), SQLITE_OK);
-    EXPECT_EQ(database.execute(sql), SQLITE_OK);
-    return path;
-  }
   std::vector<fs::path> damagedFiles() const {
     std::vector<fs::path> found;
     for (const auto& entry : fs::directory_iterator(file.parent_path())) {
@@ -55,14 +33,6 @@ class RatingsStoreTest : public testing::Test {
     }
     return found;
   }
-  std::ptrdiff_t lines() const {
-    const std::string all = messages.str();
-    return std::count(all.begin(), all.end(), '\n');
-  }
-
-  tests::TemporaryFolder folder;
-  const fs::path file = folder.path() / "data/virelune-widget/ratings.sqlite";
-  std::ostringstream messages;
 };
 
 TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
@@ -83,20 +53,15 @@ TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
   EXPECT_EQ(messages.str(), "");
 }
 
-TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDate) {
+TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDateAlsoWhenItSetsTheSame) {
   const std::int64_t before = std::time(nullptr);
-  RatingsStore store(file, messages);
-  store.setTrackLoved(song, true);
-  EntryCollection copy;
-  EXPECT_FALSE(store.copyTo(copy));
-  copy.entries.forEach([&](const StoredEntry& entry) {
-    const RatingsRecord& record = entry.record;
-    EXPECT_GE(record.lovedChanged, before);
-    EXPECT_LE(record.lovedChanged, std::time(nullptr));
-    EXPECT_EQ(record.ratingChanged, 0) << "no rating was set";
-    EXPECT_EQ(record.identity.title, song.title);
-    return true;
-  });
+  for (int click = 0; click < 2; ++click) {
+    EXPECT_TRUE(rate(song, 60));
+    EXPECT_GE(selected("SELECT rating_changed FROM marks"), before);
+    EXPECT_LE(selected("SELECT rating_changed FROM marks"), std::time(nullptr));
+    inStore("UPDATE marks SET rating_changed = 1000");
+  }
+  EXPECT_EQ(selected("SELECT loved_changed FROM marks"), 0) << "no love was set";
   Database database;
   Patience patience;
   EXPECT_FALSE(openRatingsFile(file, false, patience, database));
@@ -107,16 +72,15 @@ TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDate) {
 }
 
 TEST_F(RatingsStoreTest, AnImportThatFailsInTheMiddleChangesNothing) {
-  RatingsStore store(file, messages);
-  store.setTrackRating(song, 60);
-  inDatabase(
+  rate(song, 60);
+  inStore(
       "CREATE TRIGGER refuse BEFORE INSERT ON marks WHEN new.rating = 13"
       " BEGIN SELECT RAISE(FAIL, 'unlucky'); END");
-  EXPECT_FALSE(
-      store.merge(*collected({{.identity = {.title = "first"}, .marks = {.rating = 20}},
-                              {.identity = {.title = "second"}, .marks = {.rating = 13}}})));
-  EXPECT_EQ(store.trackMarks({.title = "first"}), Marks{});
-  EXPECT_EQ(store.trackMarks(song).rating, 60);
+  EXPECT_FALSE(RatingsStore(file, messages)
+                   .merge(*collected({{.identity = {.title = "1"}, .marks = {.rating = 20}},
+                                      {.identity = {.title = "2"}, .marks = {.rating = 13}}})));
+  EXPECT_EQ(rating({.title = "1"}), -1);
+  EXPECT_EQ(rating(song), 60);
 }
 
 TEST_F(RatingsStoreTest, AWriteWhoseFileIsTakenAwayEachTimeIsNotConfirmed) {
@@ -138,36 +102,30 @@ TEST_F(RatingsStoreTest, AWriteWhoseFileIsTakenAwayEachTimeIsNotConfirmed) {
   EXPECT_EQ(rows, 6);
   sqlite3_trace_v2(reading, 0, nullptr, nullptr);
   EXPECT_TRUE(store.merge(*offered));
-  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 60);
+  EXPECT_EQ(rating(song), 60);
 }
 
 TEST_F(RatingsStoreTest, ASoundFileThatTookTheDamagedOnesPlaceStaysAndAHeldFolderIsLeftAlone) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
+  rate(song, 60);
   Patience patience;
-  const auto opened = [&] {
-    Database database;
-    EXPECT_FALSE(openRatingsFile(file, true, patience, database));
-    return database;
-  };
-  Database moved = opened();
+  Database moved = opened(file);
   fs::rename(file, folder.path() / "aside");
-  RatingsStore(file, messages).setTrackRating(song, 80);
+  rate(song, 80);
   EXPECT_EQ(mendRatingsFile(file, patience, std::move(moved))->kept, fs::path());
-  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 80);
+  EXPECT_EQ(rating(song), 80);
 
   const FileDescriptor holder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY));
   ASSERT_EQ(::flock(holder.get(), LOCK_EX | LOCK_NB), 0);
   while (patience.wait()) {
   }
-  EXPECT_FALSE(mendRatingsFile(file, patience, opened()));
+  EXPECT_FALSE(mendRatingsFile(file, patience, opened(file)));
   fs::remove(file);
   Database fresh;
   EXPECT_EQ(openRatingsFile(file, true, patience, fresh)->kind, StoreProblem::Kind::busy);
 }
 
 TEST_F(RatingsStoreTest, MigrationIsAllOrNothingAndKeepsWhatIsThere) {
-  Database database;
-  ASSERT_EQ(database.open(folder.path() / "old", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE), 0);
+  Database database = opened(folder.path() / "old");
   const char* const first[] = {"CREATE TABLE t (a); INSERT INTO t VALUES (7)"};
   const char* const broken[] = {first[0], "ALTER TABLE t ADD b DEFAULT 8", "no statement"};
   const char* const whole[] = {first[0], broken[1], "ALTER TABLE t ADD c DEFAULT 9"};
@@ -181,15 +139,6 @@ TEST_F(RatingsStoreTest, MigrationIsAllOrNothingAndKeepsWhatIsThere) {
   EXPECT_EQ(number, 789);
 }
 
-TEST_F(RatingsStoreTest, TheOneFileIsAllThereIsWhileItIsOpen) {
-  RatingsStore store(file, messages), other(file, messages);
-  for (int rating = 0; rating < 20; ++rating) {
-    EXPECT_TRUE((rating % 2 == 0 ? store : other).setTrackRating(song, rating));
-    fs::copy_file(file, folder.path() / "copy", fs::copy_options::overwrite_existing);
-    EXPECT_EQ(RatingsStore(folder.path() / "copy").trackMarks(song).rating, rating);
-  }
-}
-
 TEST_F(RatingsStoreTest, TheFileIsLeftAndNothingIsLost) {
   const fs::path backup = folder.path() / "backup", away = folder.path() / "away";
   const TrackIdentity early{.title = "early"}, late{.title = "late"}, last{.title = "last"};
@@ -198,13 +147,13 @@ TEST_F(RatingsStoreTest, TheFileIsLeftAndNothingIsLost) {
       [&] { fs::remove(file); },
       [&] { fs::remove_all(file.parent_path()); },
       [&] { fs::rename(backup, file); },
-      [&] { fs::rename(file, away), RatingsStore(file, messages).setTrackRating(song, 90); },
-      [&] { fs::rename(file, away), std::ofstream(file) << "no database at all, but some text"; }};
+      [&] { fs::rename(file, away), rate(song, 90); },
+      [&] { fs::rename(file, away), put(file, "no database at all, but some text"); }};
   for (std::size_t i = 0; i < std::size(changes); ++i) {
     SCOPED_TRACE(i);
     fs::remove_all(file.parent_path());
     messages.str("");
-    RatingsStore(file, messages).setTrackRating(early, 20);
+    rate(early, 20);
     fs::copy_file(file, backup, fs::copy_options::overwrite_existing);
     {
       RatingsStore store(file, messages), idle(file, messages), clicking(file, messages);
@@ -216,11 +165,8 @@ TEST_F(RatingsStoreTest, TheFileIsLeftAndNothingIsLost) {
       EXPECT_EQ(store.trackMarks(late).rating, 40);
       EXPECT_EQ(store.trackMarks(last).rating, 60);
     }
-    RatingsStore store(file, messages);
-    EXPECT_EQ(store.trackMarks(early).rating, 20);
-    EXPECT_EQ(store.trackMarks(late).rating, 40);
-    EXPECT_EQ(store.trackMarks(last).rating, 60);
-    EXPECT_EQ(store.trackMarks(song).rating, i == 4 ? std::optional(90) : std::nullopt);
+    EXPECT_EQ(rating(early) + rating(late) + rating(last), 20 + 40 + 60);
+    EXPECT_EQ(rating(song), i == 4 ? 90 : -1);
     EXPECT_NE(messages.str().find(i == 3 ? "1 entry was carried" : "2 entries were carried"),
               std::string::npos)
         << messages.str();
@@ -240,7 +186,7 @@ TEST_F(RatingsStoreTest, AFileThatWasMovedIsReadUntilItCanBeCarriedOver) {
   fs::remove(file);
   EXPECT_EQ(store.trackMarks(song).rating, 40);
   EXPECT_TRUE(store.setTrackRating(song, 60));
-  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 60);
+  EXPECT_EQ(rating(song), 60);
 }
 
 TEST_F(RatingsStoreTest, ContentsCopiedOverTheFileAreSeenByAll) {
@@ -249,125 +195,91 @@ TEST_F(RatingsStoreTest, ContentsCopiedOverTheFileAreSeenByAll) {
   const std::string backup = contents(file);
   EXPECT_TRUE(store.setTrackRating(song, 60));
   EXPECT_EQ(other.trackMarks(song).rating, 60);
-  std::ofstream(file, std::ios::binary) << backup;
+  put(file, backup);
   EXPECT_EQ(other.trackMarks(song).rating, 40);
   EXPECT_TRUE(other.setTrackLoved(song, true));
   EXPECT_EQ(store.trackMarks(song), (Marks{.rating = 40, .loved = true}));
 }
 
-TEST_F(RatingsStoreTest, WriteAheadModeIsLeftAsSoonAsNobodyElseHasTheFileOpen) {
-  RatingsStore(file, messages).setTrackRating(song, 20);
-  inDatabase("PRAGMA journal_mode = WAL");
-  Database earlier;  // version of the program
-  ASSERT_EQ(earlier.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
-  ASSERT_EQ(earlier.execute("UPDATE marks SET rating = 30"), SQLITE_OK);
-  RatingsStore store(file, messages), other(file, messages);
-  EXPECT_EQ(store.trackMarks(song).rating, 30);
-  EXPECT_EQ(other.trackMarks(song).rating, 30);
-  EXPECT_TRUE(store.setTrackRating(song, 40));
-  EXPECT_TRUE(fs::exists(file.native() + "-wal"));
-  earlier.close();
-  EXPECT_EQ(store.trackMarks(song).rating, 40);
-  EXPECT_FALSE(fs::exists(file.native() + "-wal"));
-  EXPECT_TRUE(other.setTrackRating(song, 50));
-  EXPECT_EQ(store.trackMarks(song).rating, 50);
-}
-
-TEST_F(RatingsStoreTest, ALogWithoutItsDatabaseIsKeptAndRead) {
-  RatingsStore(file, messages).setTrackRating(song, 20);
-  std::string log;
+TEST_F(RatingsStoreTest, AnEarlierVersionsLogIsReadAndEndsAsSoonAsNobodyElseHasTheFileOpen) {
+  const fs::path log = file.native() + "-wal";
+  rate(song, 20);
+  Database earlier = opened(file);
+  ASSERT_EQ(earlier.execute("PRAGMA journal_mode = WAL; UPDATE marks SET rating = 30"), SQLITE_OK);
+  const std::string logged = contents(log);
   {
-    Database earlier;
-    ASSERT_EQ(earlier.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
-    earlier.execute("PRAGMA journal_mode = WAL; UPDATE marks SET rating = 30");
-    log = contents(file.native() + "-wal");
+    RatingsStore store(file, messages);
+    EXPECT_EQ(store.trackMarks(song).rating, 30);
+    EXPECT_TRUE(store.setTrackRating(song, 40));
+    EXPECT_TRUE(fs::exists(log));
+    earlier.close();
+    EXPECT_EQ(store.trackMarks(song).rating, 40);
+    EXPECT_FALSE(fs::exists(log));
   }
   fs::remove(file);
-  std::ofstream(file.native() + "-wal", std::ios::binary) << log;
-  RatingsStore store(file, messages);
-  EXPECT_TRUE(store.setTrackRating({.title = "other"}, 60));
-  EXPECT_EQ(store.trackMarks(song).rating, 30);
+  put(log, logged);
+  EXPECT_TRUE(rate({.title = "other"}, 60));
+  EXPECT_EQ(rating(song), 30) << "of a log without its database";
   EXPECT_EQ(lines(), 1) << messages.str();
   const std::string kept = messages.str().substr(messages.str().find(folder.path()));
-  EXPECT_EQ(contents(kept.substr(0, kept.find(';'))), log);
-}
-
-TEST_F(RatingsStoreTest, AClickIsANewOneAlsoWhenItSetsTheSame) {
-  RatingsStore store(file, messages);
-  EXPECT_TRUE(store.setTrackRating(song, 60));
-  inDatabase("UPDATE marks SET rating_changed = 1000");
-  EXPECT_TRUE(store.setTrackRating(song, 60));
-  const auto older =
-      collected({{.identity = song, .marks = {.rating = 20}, .ratingChanged = 2000}});
-  EXPECT_EQ(store.merge(*older)->unchanged, 1);
-  EXPECT_EQ(store.trackMarks(song).rating, 60);
+  EXPECT_EQ(contents(kept.substr(0, kept.find(';'))), logged);
 }
 
 TEST_F(RatingsStoreTest, TablesOfANewerVersionAreReadAsFarAsThatGoesAndNeverWritten) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
   RatingsStore before(file, messages);
   EXPECT_TRUE(before.setTrackRating(song, 60));
-  inDatabase("PRAGMA user_version = 1000");
-  const std::string newer = contents(file);
-  EXPECT_EQ(before.trackMarks(song).rating, 60);
-  EXPECT_FALSE(before.setTrackRating(song, 20));
-  EXPECT_FALSE(before.setTrackRating(song, 20));
-  RatingsStore store(file, messages);
-  EXPECT_EQ(store.trackMarks(song).rating, 60);
-  EXPECT_FALSE(store.setTrackLoved(song, true));
-  EXPECT_EQ(lines(), 2) << messages.str();
-  EntryCollection copy;
-  EXPECT_EQ(store.copyTo(copy)->kind, StoreProblem::Kind::newer);
-  EXPECT_EQ(contents(file), newer);
-  inDatabase("ALTER TABLE marks RENAME COLUMN rating TO stars");
-  const std::string renamed = contents(file);
-  messages.str("");
-  RatingsStore third(file, messages);
-  for (RatingsStore* each : {&before, &store, &third}) {
-    EXPECT_EQ(each->trackMarks(song), Marks{});
-    EXPECT_FALSE(each->setTrackRating(song, 20));
-  }
-  EXPECT_EQ(lines(), 1) << messages.str();
-  EXPECT_EQ(contents(file), renamed);
+  const auto expectReadOnly = [&](int rating) {
+    const std::string newer = contents(file);
+    messages.str("");
+    RatingsStore store(file, messages);
+    for (RatingsStore* each : {&before, &store, &store}) {
+      EXPECT_EQ(each->trackMarks(song).rating.value_or(-1), rating);
+      EXPECT_FALSE(each->setTrackLoved(song, true));
+    }
+    EntryCollection copy;
+    EXPECT_EQ(store.copyTo(copy)->kind, StoreProblem::Kind::newer);
+    EXPECT_EQ(contents(file), newer);
+  };
+  inStore("PRAGMA user_version = 1000");
+  expectReadOnly(60);
+  EXPECT_EQ(lines(), 2) << "one of each: " << messages.str();
+  inStore("ALTER TABLE marks RENAME COLUMN rating TO stars");
+  expectReadOnly(-1);
   EXPECT_EQ(damagedFiles().size(), 0U);
 }
 
 TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
+  rate(song, 60);
   const std::string sound = contents(file);
+  ASSERT_EQ(opened(folder.path() / "foreign").execute("CREATE TABLE t (a); PRAGMA user_version=2"),
+            SQLITE_OK);
   std::size_t count = 0;
   for (const std::string& damaged :
        {std::string(5000, 'x'), sound.substr(0, 600), std::string("SQLite format 3"),
         sound.substr(0, 100) + std::string(sound.size() - 100, '\xFF'),
-        contents(inDatabase("CREATE TABLE t (a); PRAGMA user_version = 2", "foreign"))}) {
-    std::ofstream(file, std::ios::binary | std::ios::trunc) << damaged;
+        contents(folder.path() / "foreign")}) {
+    put(file, damaged);
     messages.str("");
-    RatingsStore store(file, messages);
-    EXPECT_EQ(store.trackMarks(song), Marks{});
-    EXPECT_TRUE(store.setTrackRating(song, 20));
+    EXPECT_EQ(rating(song), -1);
+    EXPECT_TRUE(rate(song, 20));
     EXPECT_EQ(lines(), 1) << messages.str();
     const auto kept = damagedFiles();
     EXPECT_EQ(kept.size(), ++count);
-    EXPECT_TRUE(std::any_of(kept.begin(), kept.end(), [&](const fs::path& path) {
+    EXPECT_TRUE(std::ranges::any_of(kept, [&](const fs::path& path) {
       return contents(path) == damaged && messages.str().find(path) != std::string::npos;
     })) << messages.str();
   }
 }
 
 TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
-  RatingsStore one(file, messages), other(file, messages);
-  std::vector<RatingsRecord> many;
-  for (int i = 0; i < 500; ++i) {
-    many.push_back({.identity = {.title = std::to_string(i)}, .marks = {.rating = 40}});
+  RatingsStore one(file, messages), other(file, messages), third(file, messages);
+  ASSERT_TRUE(importRatings(third, listOf(0, 500)));
+  for (RatingsStore* each : {&one, &other}) {
+    EXPECT_EQ(each->trackMarks({.title = "0"}).rating, 40);
   }
-  ASSERT_TRUE(RatingsStore(file, messages).merge(*collected(many)));
-  EXPECT_EQ(one.trackMarks({.title = "0"}).rating, 40);
-  EXPECT_EQ(other.trackMarks({.title = "0"}).rating, 40);
   // All pages but the first, under both open connections.
-  std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(4096)
-      << std::string(fs::file_size(file) - 4096, '\xFF');
-  RatingsStore third(file, messages);
-  EXPECT_TRUE(third.setTrackRating(song, 80));
+  overwrite(file, 4096, std::string(fs::file_size(file) - 4096, '\xFF'));
+  EXPECT_TRUE(rate(song, 80));
   EXPECT_EQ(damagedFiles().size(), 1U);
   EXPECT_EQ(lines(), 1) << messages.str();
   EXPECT_TRUE(one.setTrackLoved(song, true));
@@ -376,20 +288,16 @@ TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
 }
 
 TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
-  struct Case {
-    const char* lock;
-    Marks readable;  // by a widget that starts meanwhile
-  };
-  RatingsStore(file, messages).setTrackRating(song, 60);
-  for (const Case& c : {Case{"BEGIN IMMEDIATE", {.rating = 60}}, Case{"BEGIN EXCLUSIVE", {}}}) {
-    Database other;
-    ASSERT_EQ(other.open(file, SQLITE_OPEN_READWRITE), SQLITE_OK);
-    ASSERT_EQ(other.execute(c.lock), SQLITE_OK);
+  rate(song, 60);
+  // The second lock keeps a widget that starts meanwhile from reading, too.
+  for (const auto& [lock, readable] : {std::pair("BEGIN IMMEDIATE", 60), {"BEGIN EXCLUSIVE", -1}}) {
+    Database other = opened(file);
+    ASSERT_EQ(other.execute(lock), SQLITE_OK);
     messages.str("");
     RatingsStore store(file, messages);
     for (int click = 0; click < 3; ++click) {
       EXPECT_FALSE(store.setTrackRating(song, click));
-      EXPECT_EQ(store.trackMarks(song), c.readable);
+      EXPECT_EQ(store.trackMarks(song).rating.value_or(-1), readable);
     }
     EXPECT_EQ(lines(), 1) << messages.str();
     other.close();
@@ -397,13 +305,13 @@ TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
   }
 }
 
-/// The tests below run in a process of their own: they give up rights.
+/// In a process of its own, which gives up rights.
 using RatingsStoreDeathTest = RatingsStoreTest;
 
 TEST_F(RatingsStoreDeathTest, AReadOnlyFolderIsReadAndRefusesWrites) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
+  rate(song, 60);
   const auto setRights = [&](int rights) {
-    for (const fs::path& each : {folder.path(), folder.path() / "data", file.parent_path(), file}) {
+    for (const fs::path& each : {folder.path(), file.parent_path(), file}) {
       fs::permissions(each, static_cast<fs::perms>(rights));
     }
   };
@@ -422,29 +330,6 @@ TEST_F(RatingsStoreDeathTest, AReadOnlyFolderIsReadAndRefusesWrites) {
       },
       testing::ExitedWithCode(0), "^virelune-widget: [^\n]*\n$");
   setRights(0700);
-}
-
-TEST_F(RatingsStoreDeathTest, AFullDiskRefusesWritesUntilThereIsSpace) {
-  RatingsStore(file, messages).setTrackRating(song, 60);
-  EXPECT_EXIT(
-      {
-        std::signal(SIGXFSZ, SIG_IGN);
-        RatingsStore store(file);
-        bool right = store.setTrackRating(song, 40);
-        rlimit limit{};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        limit.rlim_cur = 6000;  // enough for the file's first page only
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        right = right && !store.setTrackRating(song, 0) && !store.setTrackRating(song, 20);
-        right = right && store.trackMarks(song).rating == 40;
-        limit.rlim_cur = limit.rlim_max;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        right = right && store.trackMarks(song).rating == 40;
-        right = right && store.setTrackRating(song, 7);
-        ::_exit(right ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "^virelune-widget: [^\n]*\n$");
-  EXPECT_EQ(RatingsStore(file, messages).trackMarks(song).rating, 7);
 }
 
 }  // namespace
