@@ -64,6 +64,16 @@ class BridgeFixture : public testing::Test {
   static std::optional<std::string> trackText(platform::FourCharCode property) {
     return track()->propertyWithCode(property)->stringValue();
   }
+  static std::shared_ptr<platform::SBObject> rating() {
+    return track()->propertyWithCode(platform::code("pRte"));
+  }
+  static std::string title() { return trackText(platform::code("pnam")).value_or("(none)"); }
+  static bool waitForTitle(const char* expected) {
+    return waitUntil([&] { return title() == expected; });
+  }
+  static bool waitForRating(int expected) {
+    return waitUntil([&] { return rating()->integerValue() == expected; });
+  }
   static void command(platform::FourCharCode identifier) {
     app()->sendEvent_id_parameters(platform::code("hook"), identifier);
   }

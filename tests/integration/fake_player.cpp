@@ -46,11 +46,11 @@ void FakePlayer::release() {
   isHeld_.notify_all();
 }
 
-void FakePlayer::signalChange(const QVariantMap& changed) {
+QDBusMessage FakePlayer::changeSignal(const QVariantMap& changed) {
   QDBusMessage signal =
       QDBusMessage::createSignal(objectPath, propertiesInterface, "PropertiesChanged");
   signal << playerInterface << changed << QStringList();
-  connection_.send(signal);
+  return signal;
 }
 
 void FakePlayer::setProperties(const QVariantMap& properties) {

@@ -22,12 +22,19 @@ class FakePlayer final : public QDBusVirtualObject {
 
   /// What "org.mpris.MediaPlayer2.Player" has; nothing is signalled.
   void setProperties(const QVariantMap& properties);
+  /// Has these properties and signals them.
+  void tell(const QVariantMap& properties) {
+    setProperties(properties);
+    signalChange(properties);
+  }
   /// Does not answer that many questions, ever.
   void swallow(int questions) { swallowed_ = questions; }
   /// Answers nothing until it is released.
   void hold() { isHeld_ = true; }
   void release();
-  void signalChange(const QVariantMap& changed);
+  /// The signal that these have changed.
+  static QDBusMessage changeSignal(const QVariantMap& changed);
+  void signalChange(const QVariantMap& changed) const { connection_.send(changeSignal(changed)); }
   void leaveBus() { connection_.unregisterService(name_); }
   /// The methods called so far, with their arguments: "SetPosition /track/1 1000000".
   QStringList calls() const;

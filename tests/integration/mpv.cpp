@@ -30,20 +30,15 @@ const Media& Media::shared() {
   return media;
 }
 
-Mpv::Mpv(const PrivateBus& bus) : Mpv(bus, Media::shared().files(), "First Light") {}
-
-Mpv::Mpv(const PrivateBus& bus, const QString& address, const QString& name)
-    : Mpv(bus, QStringList{"--force-media-title=" + name, address}, name) {}
-
-Mpv::Mpv(const PrivateBus& bus, const QStringList& arguments, const QString& firstTitle)
+Mpv::Mpv(const PrivateBus& bus)
     : program_("mpv",
                QStringList{"--no-config", "--no-video", "--ao=null", "--idle",
                            "--script=/usr/lib/mpv-mpris/mpris.so"} +
-                   arguments,
+                   Media::shared().files(),
                bus.environment()) {
   const auto isPlaying = [&] {
     return bus.hasName("org.mpris.MediaPlayer2.mpv") &&
-           bus.playerctl({"metadata", "title"}) == firstTitle;
+           bus.playerctl({"metadata", "title"}) == "First Light";
   };
   if (!waitUntil(isPlaying)) throw std::runtime_error("mpv does not play");
 }

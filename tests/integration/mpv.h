@@ -28,14 +28,10 @@ class Media {
 class Mpv {
  public:
   explicit Mpv(const PrivateBus& bus);
-  /// Plays a stream under a name, like a station in a list.
-  Mpv(const PrivateBus& bus, const QString& address, const QString& name);
 
   const Program& program() const { return program_; }
 
  private:
-  Mpv(const PrivateBus& bus, const QStringList& arguments, const QString& firstTitle);
-
   Program program_;
 };
 

@@ -16,7 +16,11 @@ constexpr double trackHeight = 64 + desktop::cardHeaderHeight;
 constexpr double informationHeight = 30 + desktop::cardHeaderHeight;
 
 QVariantMap song(const char* status) {
-  return {{"PlaybackStatus", status}, {"Metadata", QVariantMap{{"xesam:title", "Song"}}}};
+  return {{"PlaybackStatus", status},
+          {"CanSeek", true},
+          {"Metadata", QVariantMap{{"xesam:title", "Song"},
+                                   {"mpris:trackid", "/track/1"},
+                                   {"mpris:length", qlonglong{40'000'000}}}}};
 }
 
 class Session : public testing::Test {
@@ -47,16 +51,22 @@ class Session : public testing::Test {
       return display->xdotool("getwindowgeometry " + window).section('x', -1).toDouble() == height;
     });
   }
-  /// Clicks on next until the player hears of it.
-  bool commands(const FakePlayer& player) const {
+  /// Clicks there, counted from the upper left, until the player hears this.
+  bool commands(const FakePlayer& player, const char* call = "Next",
+                const char* place = "300 53") const {
     return waitUntil([&] {
-      display->xdotool(QString("mousemove --window %1 300 53 click 1").arg(window));
-      return player.calls().contains("Next");
+      click(place);
+      return !player.calls().filter(call).isEmpty();
     });
   }
-  std::string settings() const { return contents(home_.path() / "virelune-widget/settings.ini"); }
-  bool remembers(const char* text) const {
-    return waitUntil([&] { return settings().find(text) != std::string::npos; });
+  void click(const char* place) const {
+    display->xdotool(QString("mousemove --window %1 %2 click 1").arg(window, place));
+  }
+  bool remembers(const std::string& text) const {
+    return waitUntil([&] {
+      return contents(home_.path() / "virelune-widget/settings.ini").find(text) !=
+             std::string::npos;
+    });
   }
 
   const PrivateBus bus;
@@ -68,6 +78,24 @@ class Session : public testing::Test {
   const TemporaryFolder home_;
   Environment environment_;
 };
+
+TEST_F(Session, ClicksCommandThePlayerAndEdit) {
+  FakePlayer player(bus, "any", song("Playing"));
+  open();
+  ASSERT_TRUE(waitForHeight(trackHeight));
+  for (const auto& [place, call] : {std::pair("280 53", "PlayPause"),
+                                    {"300 53", "Next"},
+                                    {"260 53", "Previous"},
+                                    {"240 87", "SetPosition /track/1 30"}}) {
+    EXPECT_TRUE(commands(player, call, place)) << call;
+  }
+  player.tell(song("Stopped"));
+  EXPECT_TRUE(waitForHeight(informationHeight));
+  for (const double height : {trackHeight, informationHeight}) {
+    click("285 12");  // the edit toggle
+    EXPECT_TRUE(waitForHeight(height));
+  }
+}
 
 TEST_F(Session, TheDemoPlayerGivesWayToThePlayerThatPlaysForGood) {
   FakePlayer player(bus, "late", song("Paused"));
@@ -110,7 +138,7 @@ TEST_F(Session, EndsWithAllThatItHasToKeepWhateverTakesItsGroundAway) {
     move(place + " 77");
     program->send(signal);
     EXPECT_EQ(program->exitStatus(), 0);
-    EXPECT_TRUE(remembers(("Last=" + place + " 77").toUtf8())) << signal;
+    EXPECT_TRUE(remembers("Last=" + place.toStdString() + " 77")) << signal;
   }
   open();
   move("55 66");
