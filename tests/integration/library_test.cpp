@@ -22,27 +22,17 @@ using State = LibraryNote::State;
 class Library final : public QDBusVirtualObject {
  public:
   Library(const PrivateBus& bus, const QString& player)
-      : player_(player),
-        connection_(QDBusConnection::connectToBus(bus.address(), player)),
-        service_(QDBusConnection::connectToBus(bus.address(), player + "-service")) {
-    for (QDBusConnection* each : {&connection_, &service_}) {
-      each->registerVirtualObject("/", this, QDBusConnection::SubPath);
-    }
+      : player_(player), connection_(QDBusConnection::connectToBus(bus.address(), player)) {
     qDBusRegisterMetaType<QMap<QString, QString>>();
-    // Quod Libet has two connections.
-    for (const char* name : {"org.gnome.Rhythmbox3", "net.sacredchao.QuodLibet"}) {
-      service_.registerService(name);
-    }
-    appear();
-  }
-  ~Library() override {
-    for (const QDBusConnection& each : {connection_, service_}) {
-      QDBusConnection::disconnectFromBus(each.name());
+    connection_.registerVirtualObject("/", this, QDBusConnection::SubPath);
+    for (const QString& name :
+         {QString("org.gnome.Rhythmbox3"), QString("net.sacredchao.QuodLibet"),
+          "org.mpris.MediaPlayer2." + player}) {
+      connection_.registerService(name);
     }
   }
+  ~Library() override { QDBusConnection::disconnectFromBus(connection_.name()); }
 
-  void appear() { connection_.registerService("org.mpris.MediaPlayer2." + player_); }
-  void vanish() { connection_.unregisterService("org.mpris.MediaPlayer2." + player_); }
   void play(int number) {
     current = number;
     signal();
@@ -52,12 +42,7 @@ class Library final : public QDBusVirtualObject {
     ratings[current] = rating;
     signal();
   }
-  void signal() {
-    auto changed = QDBusMessage::createSignal(desktop::playerPath, desktop::propertiesInterface,
-                                              "PropertiesChanged");
-    changed << desktop::playerInterface << QVariantMap{{"Metadata", metadata()}} << QStringList();
-    connection_.send(changed);
-  }
+  void signal() { connection_.send(FakePlayer::changeSignal({{"Metadata", metadata()}})); }
 
   int current = 1;
   std::map<int, double> ratings;  ///< 0 to 1, by the number of the track
@@ -76,63 +61,56 @@ class Library final : public QDBusVirtualObject {
     if (ratings.contains(current)) all["xesam:userRating"] = ratings.at(current);
     return all;
   }
-  void take(int number, double rating) {
-    ++writes;
-    ratings[number] = std::round(rating / step) * step;
-  }
   QString introspect(const QString&) const override { return {}; }
-  bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    return connection.send(answer(message, connection.baseService() == service_.baseService()));
-  }
-  QDBusMessage answer(const QDBusMessage& message, bool isOfService) {
+  bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
     const QVariantList arguments = message.arguments();
-    const QString member = message.member();
-    const auto reply = [&](const QVariant& value) {
-      return message.createReply(QVariant::fromValue(QDBusVariant(value)));
+    const auto reply = [&](const QVariantList& values) {
+      return connection_.send(message.createReply(values));
     };
+    const auto take = [&](int number, double rating) {
+      if (refuses) return connection_.send(message.createErrorReply(QDBusError::AccessDenied, ""));
+      ++writes;
+      ratings[number] = std::round(rating / step) * step;
+      return reply({});
+    };
+    const auto property = [&](const QVariant& value) {
+      return reply({QVariant::fromValue(QDBusVariant(value))});
+    };
+    const QString member = message.member(), asked = arguments.value(1).toString();
+    const bool isQuodLibet =
+        player_ == "quodlibet" && message.path() == "/net/sacredchao/QuodLibet";
     if (member == "GetAll") {
-      return message.createReply(
-          QVariantMap{{"PlaybackStatus", "Playing"}, {"Metadata", metadata()}});
+      return reply({QVariantMap{{"PlaybackStatus", "Playing"}, {"Metadata", metadata()}}});
     }
-    if (member == "Get" && arguments.value(1) == "Metadata") {
+    if (member == "Get" && asked == "Metadata") {
       std::exchange(atQuestion, [] {})();
-      return reply(metadata());
+      return property(metadata());
     }
-    if (member == "Get" && arguments.value(1) == "HasRatingsExtension") {
+    if (member == "Get" && asked == "HasRatingsExtension") {
       isMet = true;
-      if (player_ == "lollypop") return reply(true);
+      if (player_ == "lollypop") return property(true);
     }
-    const bool isWrite =
-        member == "SetRating" || member == "SetEntryProperties" || member == "Rate";
-    if (isWrite && refuses) return message.createErrorReply(QDBusError::AccessDenied, "no");
     if (member == "SetRating" && player_ == "lollypop") {
-      take(arguments.at(0).value<QDBusObjectPath>().path().section('/', -1).toInt(),
-           arguments.at(1).toDouble());
-      return message.createReply();
+      return take(arguments.at(0).value<QDBusObjectPath>().path().section('/', -1).toInt(),
+                  arguments.at(1).toDouble());
     }
-    if (isOfService && message.path() == "/org/gnome/Rhythmbox3/RhythmDB" &&
-        player_ == "rhythmbox") {
+    if (member.endsWith("EntryProperties") && player_ == "rhythmbox") {
       const int number = arguments.at(0).toString().section('/', -1).section('.', 0, 0).toInt();
-      if (member == "GetEntryProperties") {
-        return message.createReply(QVariantMap{{"rating", ratings[number] * 5}});
-      }
-      take(number, desktop::mapFromVariant(arguments.at(1)).value("rating").toDouble() / 5);
-      return message.createReply();
+      if (member.startsWith("Get")) return reply({QVariantMap{{"rating", ratings[number] * 5}}});
+      return take(number, desktop::mapFromVariant(arguments.at(1)).value("rating").toDouble() / 5);
     }
-    if (isOfService && member == "CurrentSong" && player_ == "quodlibet") {
-      return message.createReply(QVariant::fromValue(QMap<QString, QString>{
-          {"~uri", address(current)}, {"~#rating", QString::number(ratings[current])}}));
+    if (isQuodLibet && member == "CurrentSong") {
+      return reply({QVariant::fromValue(QMap<QString, QString>{
+          {"~uri", address(current)}, {"~#rating", QString::number(ratings[current])}})});
     }
-    if (isOfService && message.path() == "/net/sacredchao/QuodLibet" && member == "Rate" &&
-        player_ == "quodlibet") {
-      take(current, arguments.at(0).toString().toDouble());
-      return message.createReply();
+    if (isQuodLibet && member == "Rate") {
+      return take(current, arguments.at(0).toString().toDouble());
     }
-    return message.createErrorReply(QDBusError::UnknownMethod, member);
+    return connection_.send(message.createErrorReply(QDBusError::UnknownMethod, member));
   }
 
   const QString player_;
-  QDBusConnection connection_, service_;
+  QDBusConnection connection_;
 };
 
 class LibraryTest : public BridgeFixture {
@@ -149,8 +127,8 @@ class LibraryTest : public BridgeFixture {
     library->signal();
     EXPECT_TRUE(waitUntil([&] { return announced->changes > changes; }));
   }
-  static std::int64_t shown() { return track()->propertyWithCode(code("pRte"))->integerValue(); }
-  static void click(int rating) { track()->propertyWithCode(code("pRte"))->setTo(rating); }
+  static std::int64_t shown() { return rating()->integerValue(); }
+  static void click(int stars) { rating()->setTo(stars); }
   std::optional<LibraryNote> noteOf(int number) {
     return store
         .trackRating({.address = QString("/music/%1.flac").arg(number).toStdString()}, player)
@@ -158,9 +136,6 @@ class LibraryTest : public BridgeFixture {
   }
   bool isNoted(int number, State state) {
     return waitUntil([&] { return noteOf(number) && noteOf(number)->state == state; });
-  }
-  static bool shows(int rating) {
-    return waitUntil([&] { return shown() == rating; });
   }
 
   const TemporaryFolder folder;
@@ -182,13 +157,13 @@ TEST_F(LibraryTest, AStarLandsInEachKindOfLibraryAndAHalfOneStaysOneWhereItIsRou
     library->signal();
     EXPECT_FALSE(waitUntil([] { return shown() != 70; }, std::chrono::milliseconds(50)));
     library->rate(0.2);
-    EXPECT_TRUE(shows(20)) << "the last hand";
+    EXPECT_TRUE(waitForRating(20)) << "the last hand";
     library->rate(0.8);
-    EXPECT_TRUE(shows(80));
+    EXPECT_TRUE(waitForRating(80));
     click(0);
     EXPECT_TRUE(isNoted(1, State::written));
     library->rate(1.0);
-    EXPECT_TRUE(shows(100)) << "also over a rating that was cleared here";
+    EXPECT_TRUE(waitForRating(100)) << "also over a rating that was cleared here";
     library.reset();
     store.setTrackRating({.address = "/music/1.flac"}, 100);
   }
@@ -199,7 +174,7 @@ TEST_F(LibraryTest, TheNextTrackIsNeverRatedInThePlaceOfTheOneThatWas) {
     open(name);
     library->atQuestion = [&] { library->play(2); };
     click(90);
-    EXPECT_TRUE(waitUntil([&] { return trackText(code("pnam")) == "Song 2"; }));
+    EXPECT_TRUE(waitForTitle("Song 2"));
     EXPECT_TRUE(isNoted(1, State::pending));
     EXPECT_EQ(library->writes, 0) << name;
     library.reset();
@@ -225,11 +200,11 @@ TEST_F(LibraryTest, ARefusalIsFinalAndNothingIsWrittenWhereThatIsNotWanted) {
 TEST_F(LibraryTest, WhatQuodLibetGivesEveryTrackIsComputed) {
   open("quodlibet");
   library->rate(0.5);
-  EXPECT_TRUE(shows(50));
+  EXPECT_TRUE(waitForRating(50));
   const auto kind = track()->propertyWithCode(code("pRtk"));
   EXPECT_EQ(platform::textFromCode(kind->enumCodeValue()), "kRtC");
   library->rate(0.6);
-  EXPECT_TRUE(shows(60));
+  EXPECT_TRUE(waitForRating(60));
   EXPECT_EQ(platform::textFromCode(kind->enumCodeValue()), "kRtU");
 }
 

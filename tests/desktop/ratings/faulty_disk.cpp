@@ -2,8 +2,7 @@
 
 #include <sqlite3.h>
 
-#include <cstring>
-#include <fstream>
+#include <map>
 
 #include "tests/support/temporary_folder.h"
 
@@ -16,10 +15,12 @@ using Fault = FaultyDisk::Fault;
 struct State {
   sqlite3_vfs* real = nullptr;
   sqlite3_vfs faulty{};
+  std::map<const sqlite3_io_methods*, sqlite3_io_methods> methods;  // by the real ones
+  std::map<sqlite3_file*, std::pair<const sqlite3_io_methods*, std::string>> files;
+  std::map<std::string, std::string> synchronised;  // contents by path
   int operation = 0;
   int failing = 0;  // none when 0
   Fault fault = Fault::inputOutput;
-  std::map<std::string, std::string> synchronised;  // contents by path
 };
 State state;
 
@@ -31,64 +32,35 @@ int next(int failure) {
   return state.fault == Fault::full && failure == SQLITE_IOERR_WRITE ? SQLITE_FULL : failure;
 }
 
-struct File : sqlite3_file {
-  const char* path;
-  sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
-};
-File* file(sqlite3_file* opened) { return static_cast<File*>(opened); }
-
-// Calls of the same name of the file behind.
-template <auto method, class... Arguments>
-auto pass(sqlite3_file* opened, Arguments... arguments) {
-  sqlite3_file* real = file(opened)->real();
-  return (real->pMethods->*method)(real, arguments...);
-}
-
-int writeFile(sqlite3_file* opened, const void* bytes, int length, sqlite3_int64 offset) {
+int writeFile(sqlite3_file* file, const void* bytes, int length, sqlite3_int64 offset) {
   const int result = next(SQLITE_IOERR_WRITE);
   return result != SQLITE_OK ? result
-                             : pass<&sqlite3_io_methods::xWrite>(opened, bytes, length, offset);
+                             : state.files[file].first->xWrite(file, bytes, length, offset);
 }
-int truncateFile(sqlite3_file* opened, sqlite3_int64 length) {
+int truncateFile(sqlite3_file* file, sqlite3_int64 length) {
   const int result = next(SQLITE_IOERR_TRUNCATE);
-  return result != SQLITE_OK ? result : pass<&sqlite3_io_methods::xTruncate>(opened, length);
+  return result != SQLITE_OK ? result : state.files[file].first->xTruncate(file, length);
 }
-int synchroniseFile(sqlite3_file* opened, int) {
+int synchroniseFile(sqlite3_file* file, int) {
   const int result = next(SQLITE_IOERR_FSYNC);
-  const char* path = file(opened)->path;
-  if (result == SQLITE_OK && path != nullptr) state.synchronised[path] = contents(path);
+  const std::string& path = state.files[file].second;
+  if (result == SQLITE_OK && !path.empty()) state.synchronised[path] = contents(path);
   return result;
 }
-
-const sqlite3_io_methods methods = {
-    .iVersion = 2,
-    .xClose = &pass<&sqlite3_io_methods::xClose>,
-    .xRead = &pass<&sqlite3_io_methods::xRead, void*, int, sqlite3_int64>,
-    .xWrite = &writeFile,
-    .xTruncate = &truncateFile,
-    .xSync = &synchroniseFile,
-    .xFileSize = &pass<&sqlite3_io_methods::xFileSize, sqlite3_int64*>,
-    .xLock = &pass<&sqlite3_io_methods::xLock, int>,
-    .xUnlock = &pass<&sqlite3_io_methods::xUnlock, int>,
-    .xCheckReservedLock = &pass<&sqlite3_io_methods::xCheckReservedLock, int*>,
-    .xFileControl = &pass<&sqlite3_io_methods::xFileControl, int, void*>,
-    .xSectorSize = &pass<&sqlite3_io_methods::xSectorSize>,
-    .xDeviceCharacteristics = &pass<&sqlite3_io_methods::xDeviceCharacteristics>,
-    .xShmMap = &pass<&sqlite3_io_methods::xShmMap, int, int, int, void volatile**>,
-    .xShmLock = &pass<&sqlite3_io_methods::xShmLock, int, int, int>,
-    .xShmBarrier = &pass<&sqlite3_io_methods::xShmBarrier>,
-    .xShmUnmap = &pass<&sqlite3_io_methods::xShmUnmap, int>,
-    .xFetch = nullptr,
-    .xUnfetch = nullptr};
-
-int openFile(sqlite3_vfs*, const char* path, sqlite3_file* opened, int flags, int* outFlags) {
-  opened->pMethods = nullptr;
+int openFile(sqlite3_vfs*, const char* path, sqlite3_file* file, int flags, int* outFlags) {
+  file->pMethods = nullptr;
   if (const int result = next(SQLITE_CANTOPEN); result != SQLITE_OK) return result;
-  file(opened)->path = path;
   if (path != nullptr) state.synchronised.try_emplace(path, contents(path));
-  const int result = state.real->xOpen(state.real, path, file(opened)->real(), flags, outFlags);
-  if (result == SQLITE_OK) opened->pMethods = &methods;
-  return result;
+  const int result = state.real->xOpen(state.real, path, file, flags, outFlags);
+  if (result != SQLITE_OK) return result;
+  state.files[file] = {file->pMethods, path != nullptr ? path : ""};
+  sqlite3_io_methods& methods = state.methods[file->pMethods] = *file->pMethods;
+  methods.xWrite = &writeFile;
+  methods.xTruncate = &truncateFile;
+  methods.xSync = &synchroniseFile;
+  methods.iVersion = std::min(methods.iVersion, 2);  // without memory maps
+  file->pMethods = &methods;
+  return SQLITE_OK;
 }
 int removeFile(sqlite3_vfs*, const char* path, int synchronises) {
   const int result = next(SQLITE_IOERR_DELETE);
@@ -102,7 +74,6 @@ FaultyDisk::FaultyDisk() {
   state.real = sqlite3_vfs_find(nullptr);
   state.faulty = *state.real;
   state.faulty.zName = "faulty";
-  state.faulty.szOsFile = static_cast<int>(sizeof(File)) + state.real->szOsFile;
   state.faulty.xOpen = &openFile;
   state.faulty.xDelete = &removeFile;
   sqlite3_vfs_register(&state.faulty, 1);
