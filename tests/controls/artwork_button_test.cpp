@@ -115,22 +115,6 @@ TEST_F(ArtworkButton, ExactAlbumGoesBeforeAPartialOneAndTheArtistMustMatchWhole)
   EXPECT_EQ(found("", 6), std::nullopt);
 }
 
-TEST_F(ArtworkButton, DestroyedWhileItSearchesOrLoadsItCancelsAndHearsNothingMore) {
-  for (const bool loads : {false, true}) {
-    lookUp();
-    if (loads) http.answer(http.lastIndex(), reply());
-    clock.settle();
-    const std::size_t last = http.lastIndex();
-    control->removeFromSuperview();
-    control = nullptr;
-    EXPECT_TRUE(http.at(last).cancelled);
-    http.answer(last, reply());
-    clock.settle();
-    EXPECT_EQ(http.lastIndex(), last);
-    control = platform::make<VLArtworkButton>(platform::NSMakeRect(6, 9, 50, 50));
-  }
-}
-
 TEST_F(ArtworkButton, ClicksWhenReleasedInsideWithoutDimmingInAWindowThatIsNotActiveToo) {
   EXPECT_TRUE(control->acceptsFirstMouse(nullptr));
   for (const auto& [x, clicks] : {std::pair(57, 0), {5, 0}, {55, 1}}) {
@@ -142,36 +126,33 @@ TEST_F(ArtworkButton, ClicksWhenReleasedInsideWithoutDimmingInAWindowThatIsNotAc
   }
 }
 
-// Orderings: what was superseded changes nothing.
-
-TEST_F(ArtworkButton, NewImageOrLookUpCancelsTheOneInFlight) {
-  lookUp();
-  control->setImage(image("own"));
-  EXPECT_TRUE(http.at(0).cancelled);
-  http.fail(0);
-  lookUp("Foo", "Other");
-  lookUp();
-  EXPECT_TRUE(http.at(1).cancelled);
-  http.fail(1);
-  EXPECT_NE(control->contentURLSessionDataTask(), nullptr);
-  http.answer(2, reply());
-  lookUp();
-  EXPECT_TRUE(http.at(3).cancelled);
-  http.fail(3);  // no bytes, which must not bring the placeholder of the bundle back
-  clock.settle();
-  EXPECT_EQ(shown(), "placeholder");
-  EXPECT_EQ(http.inFlight(), 1U);
-}
-
-TEST_F(ArtworkButton, CoverThatWaitsForTheMainThreadGivesWayToANewerImage) {
-  for (const bool isLookUp : {false, true}) {
-    lookUp();
-    http.answer(http.lastIndex(), reply());
-    http.answer(http.lastIndex(), tests::imageBytes("stale"));
-    isLookUp ? lookUp() : control->setImage(image("newer"));
-    clock.settle();
-    EXPECT_EQ(shown(), isLookUp ? "placeholder" : "newer");
-    EXPECT_EQ(http.inFlight(), isLookUp ? 1U : 0U);
+TEST_F(ArtworkButton, WhatWasSupersededOrDestroyedIsCancelledAndChangesNothing) {
+  const auto last = [this] { return http.lastIndex(); };
+  const std::pair<const char*, std::function<void()>> superseded[] = {
+      {"own", [this] { control->setImage(image("own")); }},
+      {"placeholder", [this] { lookUp(); }},
+      {"(destroyed)", [this] {
+         control->removeFromSuperview();
+         control = nullptr;
+       }}};
+  for (const auto& [expected, supersede] : superseded) {
+    for (int step = 0; step < 3; ++step) {
+      if (!control) control = platform::make<VLArtworkButton>(platform::NSMakeRect(6, 9, 50, 50));
+      lookUp();
+      if (step > 0) http.answer(last(), reply());
+      clock.settle();
+      if (step > 1) http.answer(last(), tests::imageBytes("stale"));  // waits for the main thread
+      const std::size_t before = last();
+      supersede();
+      EXPECT_EQ(http.at(before).cancelled, step < 2) << expected;
+      // No bytes, which must not bring the placeholder of the bundle back.
+      if (step < 2) http.fail(before);
+      clock.settle();
+      EXPECT_EQ(control ? shown() : "(destroyed)", expected);
+      const bool looksUp = control && std::string(expected) == "placeholder";
+      EXPECT_EQ(http.inFlight(), looksUp ? 1U : 0U);
+      if (looksUp) control->cancelDownload(nullptr);
+    }
   }
 }
 
@@ -220,9 +201,6 @@ class ArtworkDrag : public ArtworkButton {
     }
     return names;
   }
-  std::string contents(const std::string& name) const {
-    return tests::contents(folder.path() / name);
-  }
 
   tests::TemporaryFolder folder;
   const std::string dropFolder = folder.path().string();
@@ -242,6 +220,10 @@ TEST_F(ArtworkDrag, TheFirstMovementBeginsTheOneDragOfAPressAndNothingClicks) {
   EXPECT_EQ(session.items().front()->contents(), control->image());
   click({30, 30});
   EXPECT_EQ(target->count, 1) << "the next press is a press again";
+  control->removeFromSuperview();
+  control = nullptr;
+  EXPECT_NE(desktop.drop(dropFolder), "(none)") << "what is being dragged outlives its panel";
+  desktop.sessions.clear();
 }
 
 TEST_F(ArtworkDrag, WithoutAnImageOrADesktopThatTakesItThereIsNoDrag) {
@@ -269,39 +251,26 @@ TEST_F(ArtworkDrag, OffersPNGBeforeTheFileAndMakesWhatIsShownWhenAsked) {
   EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "PNG of next");
   EXPECT_EQ(desktop.text("text/plain"), "(none)");
   EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "no folder was named";
-  std::ofstream(folder.path() / "file") << "text";
-  for (const char* place : {"", "/missing", "/file"}) {
-    EXPECT_EQ(desktop.drop(*place == 0 ? place : dropFolder + place), "(none)") << place;
+  for (const std::string& place :
+       {std::string(), dropFolder + "/missing", std::string("/proc/self")}) {
+    EXPECT_EQ(desktop.drop(place), "(none)") << place;
   }
-  EXPECT_EQ(desktop.drop("/proc/self"), "(none)");
-  EXPECT_THAT(files(), ElementsAre("file"));
-  EXPECT_NE(desktop.drop(dropFolder), "(none)");
-  EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "the folder was for once";
-  control->setImage(nullptr);
-  EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "(none)") << "not the bytes of the time before";
-  EXPECT_EQ(desktop.drop(dropFolder), "(none)");
-}
-
-TEST_F(ArtworkDrag, ADropWritesAFileNamedByItsLocalSecondAndReplacesOneOfTheSame) {
-  drag();
+  EXPECT_TRUE(files().empty());
+  // Named by its local second; one of the same is replaced.
   clock.advance(61);
   const std::string name = "2016-03-05 15-08-10.jpg";
-  EXPECT_EQ(desktop.drop(dropFolder), dropFolder + "/" + name);
-  control->setImage(image("next"));
   desktop.drop(dropFolder);
+  control->setImage(image("last"));
+  EXPECT_EQ(desktop.drop(dropFolder), dropFolder + "/" + name);
+  EXPECT_EQ(desktop.text(NSPasteboardTypePromisedFileURL), "(none)") << "the folder was for once";
   EXPECT_THAT(files(), ElementsAre(name));
-  EXPECT_EQ(contents(name), "JPEG of next at 1.000000");
+  EXPECT_EQ(tests::contents(folder.path() / name), "JPEG of last at 1.000000");
   clock.advance(1);
   desktop.drop(dropFolder);
   EXPECT_EQ(files().size(), 2U);
-}
-
-TEST_F(ArtworkDrag, WhatIsBeingDraggedOutlivesItsPanel) {
-  drag();
-  control->removeFromSuperview();
-  control = nullptr;
-  EXPECT_NE(desktop.drop(dropFolder), "(none)");
-  desktop.sessions.clear();
+  control->setImage(nullptr);
+  EXPECT_EQ(desktop.text(NSPasteboardTypePNG), "(none)") << "not the bytes of the time before";
+  EXPECT_EQ(desktop.drop(dropFolder), "(none)");
 }
 
 }  // namespace

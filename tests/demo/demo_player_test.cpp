@@ -25,16 +25,6 @@ class DemoPlayer : public tests::WidgetFixture {
                                              platform::player::infoNotification);
   }
 
-  /// How many announcements arrive from something that is done now.
-  int announcementsOf(const std::function<void()>& action) {
-    clock.settle();
-    const int before = listener->count;
-    action();
-    EXPECT_EQ(listener->count, before) << "announced before the command returned";
-    clock.settle();
-    return listener->count - before;
-  }
-
   /// The index of the current track.
   std::size_t playing() {
     const auto isCurrent = [&](const auto& each) { return each.name == player.track()->name; };
@@ -44,15 +34,11 @@ class DemoPlayer : public tests::WidgetFixture {
   void command(FourCharCode identifier) const {
     application->sendEvent_id_parameters(code("hook"), identifier);
   }
-  std::shared_ptr<SBObject> trackProperty(FourCharCode property) const {
-    return track->propertyWithCode(property);
-  }
 
   const std::vector<demo::Track> library = demo::library();
   std::shared_ptr<Listener> listener = platform::make<Listener>();
   std::shared_ptr<SBApplication> application =
       platform::make<SBApplication>(platform::player::bundleIdentifier);
-  std::shared_ptr<SBObject> track = application->propertyWithCode(code("pTrk"));
   std::shared_ptr<SBObject> position = application->propertyWithCode(code("pPos"));
 };
 
@@ -95,34 +81,41 @@ TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
   EXPECT_EQ(listener->count, before + 1);
 }
 
-TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSeconds) {
-  startPlayer(statePaused, 2);
-  player.setPosition(3.01);
-  command(code("Prev"));
-  EXPECT_EQ(playing(), 2U);
-  EXPECT_EQ(player.position(), 0);
-  player.setPosition(3);
-  command(code("Prev"));
-  EXPECT_EQ(playing(), 1U);
+TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSecondsAndGoesRound) {
+  startPlayer(statePaused, 1);
+  for (const auto& [seconds, track] :
+       {std::pair(3.01, std::size_t{1}), {3.0, 0}, {0.0, demo::liveStation}}) {
+    player.setPosition(seconds);
+    command(code("Prev"));
+    EXPECT_EQ(playing(), track);
+    EXPECT_EQ(player.position(), 0);
+  }
   EXPECT_EQ(player.state(), statePaused);
-
-  player.setCurrentTrackIndex(0);
-  command(code("Prev"));
-  EXPECT_EQ(playing(), demo::liveStation);
   command(code("Next"));
   EXPECT_EQ(playing(), 0U);
 }
 
 TEST_F(DemoPlayer, EveryChangeIsAnnouncedOnceAfterTheCommandReturned) {
   startPlayer(statePlaying);
-  EXPECT_EQ(announcementsOf([this] { command(code("PlPs")); }), 1);
-  EXPECT_EQ(announcementsOf([this] { command(code("Next")); }), 1);
-  EXPECT_EQ(announcementsOf([this] { position->setTo(5.0); }), 1);
-  EXPECT_EQ(announcementsOf([this] { trackProperty(code("pLov"))->setTo(true); }), 1);
-  EXPECT_EQ(announcementsOf([this] { player.pause(); }), 0) << "paused already";
-  EXPECT_EQ(announcementsOf([this] { player.setState(statePlaying); }), 0);
-  EXPECT_EQ(announcementsOf([this] { player.quit(); }), 0);
-  EXPECT_EQ(announcementsOf([this] { player.play(); }), 0) << "there is no process to play";
+  const std::pair<int, std::function<void()>> actions[] = {
+      {1, [this] { command(code("PlPs")); }},
+      {1, [this] { command(code("Next")); }},
+      {1, [this] { position->setTo(5.0); }},
+      {1,
+       [this] {
+         application->propertyWithCode(code("pTrk"))->propertyWithCode(code("pLov"))->setTo(true);
+       }},
+      {0, [this] { player.pause(); }},
+      {0, [this] { player.quit(); }},
+      {0, [this] { player.play(); }}};  // there is no process to play
+  for (const auto& [announcements, action] : actions) {
+    clock.settle();
+    const int before = listener->count;
+    action();
+    EXPECT_EQ(listener->count, before) << "announced before the command returned";
+    clock.settle();
+    EXPECT_EQ(listener->count, before + announcements);
+  }
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U) << "nothing ticks any more";
 }
 
