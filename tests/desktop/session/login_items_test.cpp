@@ -72,12 +72,12 @@ TEST_F(LoginItemsTest, LaunchAtLoginSwitchesOnAndOffAmongForeignEntries) {
 
 TEST_F(LoginItemsTest, NewItemsComeLastInTheOrderOfTheirMaking) {
   write("zz.desktop", "Type=Application\nExec=/usr/bin/zz\n");
-  for (const char* program : {"/usr/bin/y", "/usr/bin/b", "/opt/y"}) {
-    EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden(program, false));
-  }
-  EXPECT_EQ(paths(), (Strings{"/usr/bin/zz", "/usr/bin/y", "/usr/bin/b", "/opt/y"}));
+  const auto add = [](const char* path) {
+    EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden(path, false));
+  };
+  for (const char* program : {"/usr/bin/y", "/usr/bin/b", "/opt/y"}) add(program);
   EXPECT_TRUE(virelune::vl_removeLoginItemWithPath("/USR/bin/B"));
-  EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden("/usr/bin/b", false));
+  add("/usr/bin/b");
   EXPECT_EQ(paths(), (Strings{"/usr/bin/zz", "/usr/bin/y", "/opt/y", "/usr/bin/b"}));
 }
 
@@ -110,13 +110,15 @@ TEST_F(LoginItemsTest, OddPathsComeBackAsTheyWereAndEndNoLine) {
 }
 
 TEST_F(LoginItemsTest, OnlyWhatTheSessionStartsIsALoginItem) {
-  const std::string application = "Type=Application\n";
-  write("deleted.desktop", application + "Exec=x\nHidden=true\n");
-  write("off.desktop", application + "Exec=x\nX-GNOME-Autostart-enabled=false\n");
-  write("link.desktop", "Type=Link\nURL=https://host/\n");
-  write("empty.desktop", application);
-  write("open.desktop", application + "Exec=\"x\n");
-  write("notes.txt", application + "Exec=x\n");
+  for (const auto& [name, keys] :
+       {std::pair("deleted.desktop", "Type=Application\nExec=x\nHidden=true\n"),
+        {"off.desktop", "Type=Application\nExec=x\nX-GNOME-Autostart-enabled=false\n"},
+        {"link.desktop", "Type=Link\nURL=https://host/\n"},
+        {"empty.desktop", "Type=Application\n"},
+        {"open.desktop", "Type=Application\nExec=\"x\n"},
+        {"notes.txt", "Type=Application\nExec=x\n"}}) {
+    write(name, keys);
+  }
   ASSERT_EQ(::mkfifo((folder / "pipe.desktop").c_str(), 0600), 0);
   EXPECT_EQ(paths(), Strings{});
   // An entry of ours that the user switched off counts as none, and is replaced.
@@ -128,17 +130,15 @@ TEST_F(LoginItemsTest, OnlyWhatTheSessionStartsIsALoginItem) {
 }
 
 TEST_F(LoginItemsTest, WhatCannotBeDoneIsNotAnswered) {
-  const auto answers = [this](platform::ScriptingRequest::Kind kind, std::int64_t index) {
-    return transport
-        .send({.bundleIdentifier = "com.apple.systemevents",
-               .kind = kind,
-               .path = {{platform::code("logi"), index}}})
-        .has_value();
-  };
+  using Kind = platform::ScriptingRequest::Kind;
   write("a.desktop", "Type=Application\nExec=a\n");
-  EXPECT_TRUE(answers(platform::ScriptingRequest::Kind::resolve, 0));
-  EXPECT_FALSE(answers(platform::ScriptingRequest::Kind::resolve, 1));
-  EXPECT_FALSE(answers(platform::ScriptingRequest::Kind::remove, -1));
+  for (const auto& [kind, index, isAnswered] :
+       {std::tuple(Kind::resolve, 0, true), {Kind::resolve, 1, false}, {Kind::remove, -1, false}}) {
+    const auto answer = transport.send({.bundleIdentifier = "com.apple.systemevents",
+                                        .kind = kind,
+                                        .path = {{platform::code("logi"), index}}});
+    EXPECT_EQ(answer.has_value(), isAnswered) << index;
+  }
   fs::remove_all(folder.parent_path());
   std::ofstream(folder.parent_path()) << "a file where the folder should be";
   EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden("/usr/bin/a", false));

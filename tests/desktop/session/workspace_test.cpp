@@ -32,7 +32,7 @@ struct Player final : PlayerApplication {
   int raised = 0;
 };
 
-/// Takes the addresses that are opened, whatever the scheme.
+/// Takes the addresses that are opened.
 class Browser final : public QObject {
   Q_OBJECT
 
