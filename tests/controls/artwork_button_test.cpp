@@ -1,10 +1,6 @@
-#include <cstdlib>
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "controls/artwork_button.h"
-#include "platform/view/drag.h"
 #include "tests/controls/control_fixture.h"
 #include "tests/support/temporary_folder.h"
 #include "widget/constants.h"

@@ -1,6 +1,5 @@
 #include "demo/demo_player.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "demo/demo_workspace.h"

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <QtGui/QImage>
-#include <functional>
-#include <string>
 
 #include "desktop/graphics/qt_canvas.h"
 

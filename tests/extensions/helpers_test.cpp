@@ -1,12 +1,9 @@
-#include <fstream>
 
 #include "extensions/application_paths.h"
-#include "extensions/collections.h"
 #include "extensions/notifications.h"
 #include "extensions/store_search.h"
 #include "extensions/strings.h"
 #include "extensions/views.h"
-#include "platform/application/bundle.h"
 #include "platform/view/button.h"
 #include "tests/support/listener.h"
 #include "tests/support/temporary_data_home.h"

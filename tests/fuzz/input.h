@@ -1,10 +1,7 @@
 // What fuzz targets share.
 #pragma once
 
-#include <cstdint>
 #include <cstdlib>
-#include <string_view>
-#include <vector>
 
 #include "platform/foundation/data.h"
 

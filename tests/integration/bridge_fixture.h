@@ -1,16 +1,11 @@
 // The player bridge between a private bus and an otherwise empty platform.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <optional>
-#include <string>
+#include <gmock/gmock.h>
 
 #include "desktop/player/bridge.h"
 #include "desktop/program/qt_run_loop.h"
 #include "desktop/session/workspace.h"
-#include "platform/application/player_dictionary.h"
 #include "platform/platform.h"
 #include "tests/integration/processes.h"
 

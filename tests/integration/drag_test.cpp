@@ -4,7 +4,6 @@
 
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtGui/QImageReader>
-#include <csignal>
 
 #include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"

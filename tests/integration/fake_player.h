@@ -2,10 +2,8 @@
 #pragma once
 
 #include <QtCore/QMutex>
-#include <QtCore/QStringList>
 #include <QtCore/QThread>
 #include <QtCore/QVariantMap>
-#include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVirtualObject>
 #include <atomic>

@@ -1,10 +1,8 @@
 // Ratings on their way into the players' own libraries and back, with a service that speaks each
 // player's interface.
-#include <gmock/gmock.h>
 
 #include <QtDBus/QDBusMetaType>
 #include <QtDBus/QDBusObjectPath>
-#include <QtDBus/QDBusVirtualObject>
 #include <cmath>
 
 #include "tests/integration/bridge_fixture.h"

@@ -1,7 +1,5 @@
 #include "tests/integration/mpv.h"
 
-#include <stdexcept>
-
 namespace tests {
 
 Media::Media() {

@@ -1,8 +1,6 @@
 // A real player with real files.
 #pragma once
 
-#include <QtCore/QStringList>
-
 #include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"
 

@@ -3,7 +3,6 @@
 #include <random>
 
 #include "controls/artwork_button.h"
-#include "demo/demo_library.h"
 #include "demo/demo_station.h"
 #include "demo/demo_store.h"
 #include "panels/link.h"

@@ -1,16 +1,12 @@
 // The ratings store among processes that are killed and that write at once.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <csignal>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <thread>
 
-#include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/backups.h"
 #include "desktop/ratings/exchange.h"
 #include "tests/support/temporary_folder.h"

@@ -2,11 +2,8 @@
 // display, and its own end.
 #include <gtest/gtest.h>
 
-#include <csignal>
-
 #include "desktop/window/card_style.h"
 #include "tests/integration/fake_player.h"
-#include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tests {

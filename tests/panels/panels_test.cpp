@@ -1,12 +1,7 @@
 #include "panels/about_view_controller.h"
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "panels/info_view_controller.h"
 #include "panels/link.h"
-#include "platform/application/bundle.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 #include "widget/constants.h"

@@ -1,9 +1,5 @@
 #include "player/itunes.h"
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "extensions/application_paths.h"
 #include "player/love_rating.h"
 #include "player/process_queries.h"

@@ -1,7 +1,5 @@
 #include "radio/beats1_info_loader.h"
 
-#include <thread>
-
 #include "radio/url_connection.h"
 #include "tests/radio/segments.h"
 #include "tests/support/listener.h"

@@ -1,11 +1,6 @@
 // A target, observer or timer's target that counts.
 #pragma once
 
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "platform/loop/notification.h"
 #include "platform/loop/run_loop.h"
 
 namespace tests {

@@ -1,8 +1,6 @@
 #include "tests/support/scripted.h"
 
-#include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 namespace tests {
 

@@ -2,14 +2,8 @@
 #pragma once
 
 #include <deque>
-#include <functional>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "demo/demo_player.h"
-#include "platform/application/workspace.h"
 #include "platform/loop/dispatch.h"
 #include "platform/network/http.h"
 

@@ -1,10 +1,8 @@
 #include "tests/support/test_graphics.h"
 
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <sstream>
-#include "platform/graphics/canvas.h"
 
 namespace tests {
 

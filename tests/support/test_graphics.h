@@ -2,11 +2,6 @@
 // that writes down what is drawn.
 #pragma once
 
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "platform/graphics/canvas.h"
 #include "platform/graphics/graphics.h"
 #include "platform/view/view.h"

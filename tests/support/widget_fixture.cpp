@@ -1,5 +1,4 @@
 #include "tests/support/widget_fixture.h"
-#include "platform/application/bundle.h"
 
 namespace tests {
 

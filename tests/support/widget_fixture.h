@@ -2,9 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
 
 #include "platform/application/bundle.h"
 #include "platform/platform.h"

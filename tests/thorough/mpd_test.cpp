@@ -1,7 +1,4 @@
 // Ratings in the stickers of a real server behind a real MPRIS front.
-#include <gmock/gmock.h>
-
-#include <fstream>
 
 #include "desktop/program/worker_pool.h"
 #include "tests/integration/bridge_fixture.h"

@@ -1,7 +1,4 @@
 // Ratings in a real player's library.
-#include <gmock/gmock.h>
-
-#include <fstream>
 
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/mpv.h"

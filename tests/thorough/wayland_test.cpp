@@ -9,10 +9,8 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QRect>
 #include <QtCore/QRegularExpression>
-#include <fstream>
 
 #include "tests/integration/fake_player.h"
-#include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tests {

@@ -1,8 +1,6 @@
-#include <fstream>
 
 #include "extensions/application_paths.h"
 #include "tests/track/track_fixture.h"
-#include "widget/constants.h"
 
 namespace virelune {
 namespace {

@@ -1,7 +1,5 @@
 #include "tests/track/track_fixture.h"
 
-#include "widget/constants.h"
-
 namespace virelune {
 namespace {
 

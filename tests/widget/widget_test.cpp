@@ -4,7 +4,6 @@
 #include "panels/info_view_controller.h"
 #include "tests/support/widget_fixture.h"
 #include "track/track_view_controller.h"
-#include "widget/constants.h"
 #include "widget/widget_entry.h"
 #include "widget/widget_view_controller.h"
 

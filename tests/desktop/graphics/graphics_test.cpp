@@ -3,12 +3,8 @@
 #include <gtest/gtest.h>
 #include <QtCore/QBuffer>
 #include <QtGui/QGuiApplication>
-#include <QtGui/QImage>
 #include <limits>
-#include <vector>
 
-#include "desktop/graphics/qt_canvas.h"
-#include "desktop/graphics/qt_image.h"
 #include "desktop/graphics/text_block.h"
 #include "desktop/window/card_style.h"
 #include "tests/desktop/painting.h"

@@ -2,9 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <unistd.h>
 
-#include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/pickle.h"
 #include "tests/desktop/ratings/ratings_fixture.h"
 

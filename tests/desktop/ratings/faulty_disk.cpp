@@ -2,8 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <map>
-
 #include "tests/support/temporary_folder.h"
 
 namespace tests {

@@ -4,10 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <functional>
 #include <iterator>
-#include <sstream>
 
 #include "desktop/ratings/backups.h"
 #include "desktop/ratings/exchange.h"

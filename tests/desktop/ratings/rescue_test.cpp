@@ -1,7 +1,5 @@
 #include "desktop/ratings/rescue.h"
 
-#include <set>
-
 #include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace desktop {
@@ -90,23 +88,6 @@ TEST_F(RatingsRescue, LongRowsAndOtherPageSizesAreReadWhole) {
     EXPECT_EQ(all.marks.size(), 50U) << pageSize;
     EXPECT_EQ(all.names.size(), 50U) << pageSize;
     EXPECT_EQ(all.pages.unreadable, 0) << pageSize;
-  }
-}
-
-TEST_F(RatingsRescue, RowsThatMakeNoSenseAreLeftOut) {
-  const std::string sound = store(40, 10);
-  for (std::size_t at = 0; at < sound.size(); at += 13) {
-    std::string damaged = sound;
-    damaged[at] = static_cast<char>(damaged[at] ^ 0x55);
-    const RescueSource source = sourceOf(damaged);
-    rescueRows(source, nullptr, [&](const RescuedRow& row) {
-      EXPECT_EQ(row.digest.size(), 16U);
-      if (row.hasMarks) {
-        EXPECT_NE(row.record.marks, Marks{});
-        EXPECT_LE(row.record.marks.rating.value_or(0), 100);
-      }
-      return true;
-    });
   }
 }
 

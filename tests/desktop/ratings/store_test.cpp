@@ -1,9 +1,7 @@
 #include "desktop/ratings/store.h"
 
 #include <sys/file.h>
-#include <unistd.h>
 
-#include "desktop/files/file_descriptor.h"
 #include "desktop/ratings/mending.h"
 #include "tests/desktop/ratings/ratings_fixture.h"
 
@@ -187,18 +185,6 @@ TEST_F(RatingsStoreTest, AFileThatWasMovedIsReadUntilItCanBeCarriedOver) {
   EXPECT_EQ(store.trackMarks(song).rating, 40);
   EXPECT_TRUE(store.setTrackRating(song, 60));
   EXPECT_EQ(rating(song), 60);
-}
-
-TEST_F(RatingsStoreTest, ContentsCopiedOverTheFileAreSeenByAll) {
-  RatingsStore store(file, messages), other(file, messages);
-  EXPECT_TRUE(store.setTrackRating(song, 40));
-  const std::string backup = contents(file);
-  EXPECT_TRUE(store.setTrackRating(song, 60));
-  EXPECT_EQ(other.trackMarks(song).rating, 60);
-  put(file, backup);
-  EXPECT_EQ(other.trackMarks(song).rating, 40);
-  EXPECT_TRUE(other.setTrackLoved(song, true));
-  EXPECT_EQ(store.trackMarks(song), (Marks{.rating = 40, .loved = true}));
 }
 
 TEST_F(RatingsStoreTest, AnEarlierVersionsLogIsReadAndEndsAsSoonAsNobodyElseHasTheFileOpen) {

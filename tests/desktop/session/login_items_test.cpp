@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <fstream>
-#include <map>
-
 #include "extensions/login_items.h"
 #include "platform/application/bundle.h"
 #include "platform/platform.h"

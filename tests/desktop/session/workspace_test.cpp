@@ -9,8 +9,6 @@
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
 #include <QtGui/QImage>
-#include <fstream>
-#include <map>
 #include <thread>
 
 #include "desktop/files/file_descriptor.h"

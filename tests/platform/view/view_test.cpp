@@ -1,5 +1,4 @@
 #include "platform/view/view.h"
-#include "platform/graphics/canvas.h"
 
 #include "platform/view/button.h"
 #include "tests/support/listener.h"
