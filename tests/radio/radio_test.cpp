@@ -297,18 +297,6 @@ TEST_F(URLConnection, ABodyCountsWhateverTheStatusAndEverythingElseIsNone) {
   EXPECT_EQ(connection->send(request), std::nullopt);
   EXPECT_EQ(connection->contentData(), std::nullopt) << "the first body is forgotten";
   EXPECT_EQ(virelune::vl_sendSynchronousRequest(std::nullopt), std::nullopt);
-  struct : platform::HTTPTransport, platform::HTTPTransfer {
-    std::shared_ptr<platform::HTTPTransfer> start(platform::HTTPRequest, Completion done) override {
-      thread = std::jthread(
-          [done] { done({.body = Data::fromText("late"), .status = 200, .error = {}}); });
-      return {std::shared_ptr<void>(), this};
-    }
-    void cancel() override {}
-    std::jthread thread;
-  } late;
-  platform_.http = &late;
-  EXPECT_EQ(virelune::vl_sendSynchronousRequest(request), Data::fromText("late"))
-      << "of another thread";
   platform_.http = nullptr;
   EXPECT_EQ(virelune::vl_sendSynchronousRequest(request), std::nullopt);
 }
