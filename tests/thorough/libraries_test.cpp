@@ -1,0 +1,139 @@
+// Ratings in real players' libraries.
+#include <fstream>
+
+#include "desktop/program/worker_pool.h"
+#include "tests/integration/bridge_fixture.h"
+#include "tests/integration/mpv.h"
+
+namespace tests {
+namespace {
+
+using State = desktop::LibraryNote::State;
+
+class RealLibrary : public BridgeFixture {
+ protected:
+  RealLibrary() {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
+      environment_[name] = home_.path().c_str();
+    }
+    follow({.ratings = &store_});
+  }
+  QString output(const char* name, const QStringList& arguments) const {
+    return outputOf(QString::fromLatin1(name), arguments, environment_);
+  }
+  static bool waitLong(const std::function<bool()>& condition) {
+    return waitUntil(condition, std::chrono::seconds(60));
+  }
+  static bool plays() {
+    return waitLong([] { return title() == "First Light"; });
+  }
+  bool isNoted(const char* player, State state) {
+    const desktop::TrackIdentity identity{.artist = "The Tides",
+                                          .album = "Harbour",
+                                          .title = "First Light",
+                                          .length = Media::trackSeconds};
+    return waitUntil([&] {
+      const auto note = store_.trackRating(identity, player).note;
+      return note && note->state == state;
+    });
+  }
+
+  const QString file_ = Media::shared().files().front();
+  const std::filesystem::path music_ = std::filesystem::path(file_.toStdString()).parent_path();
+  const TemporaryFolder home_;
+  desktop::RatingsStore store_{home_.path() / "ratings.sqlite"};
+  Environment environment_ = bus.environment();
+};
+
+class Mpd : public RealLibrary {
+ protected:
+  Mpd() {
+    platform::current().globalQueue = &workers_;
+    qputenv("MPD_HOST", socket_.toUtf8());
+    environment_["MPD_HOST"] = socket_;
+  }
+  ~Mpd() override { qunsetenv("MPD_HOST"); }
+
+  /// Plays the first file, which the front tells of.
+  void play(bool hasStickers) {
+    const std::string home = home_.path();
+    std::ofstream(home_.path() / "mpd.conf")
+        << "music_directory \"" << music_.native() << "\"\nbind_to_address \""
+        << socket_.toStdString() << "\"\ndb_file \"" << home << "/db\"\n"
+        << (hasStickers ? "sticker_file \"" + home + "/stickers\"\n" : "")
+        << "audio_output {\ntype \"null\"\nname \"none\"\n}\n";
+    server_.emplace("mpd", QStringList{"--no-daemon", (home + "/mpd.conf").c_str()}, environment_);
+    ASSERT_TRUE(waitUntil([&] { return !output("mpc", {"version"}).isEmpty(); }));
+    for (const QStringList& command :
+         {QStringList{"update", "--wait"}, {"add", "1.flac"}, {"play"}}) {
+      output("mpc", command);
+    }
+    front_.emplace("mpDris2", QStringList{QString("--music-dir=") + music_.c_str()}, environment_);
+    ASSERT_TRUE(plays());
+  }
+  QString sticker() const { return output("mpc", {"sticker", "1.flac", "get", "rating"}); }
+
+ private:
+  const QString socket_ = QString::fromStdString(home_.path() / "socket");
+  desktop::WorkerPool workers_;
+  std::optional<Program> server_, front_;
+};
+
+TEST_F(Mpd, TakesTheStarsIntoItsStickers) {
+  play(true);
+  rating()->setTo(70);
+  EXPECT_TRUE(isNoted("mpd", State::written));
+  EXPECT_EQ(sticker(), "rating=7");
+  for (int stars = 0; stars <= 100; ++stars) rating()->setTo(stars);
+  rating()->setTo(40);
+  EXPECT_TRUE(isNoted("mpd", State::written));
+  EXPECT_EQ(sticker(), "rating=4") << "the last one";
+}
+
+TEST_F(Mpd, KeepsNoneWithoutAStickerFile) {
+  play(false);
+  rating()->setTo(70);
+  EXPECT_TRUE(isNoted("mpd", State::none));
+}
+
+class QuodLibet : public RealLibrary {
+ protected:
+  QuodLibet() { environment_.merge(display_.environment()); }
+
+ private:
+  const Display display_{bus};
+};
+
+TEST_F(QuodLibet, TakesTheStarsIntoItsLibraryAndTheLastHandWins) {
+  std::filesystem::create_directory(home_.path() / "quodlibet");
+  std::ofstream(home_.path() / "quodlibet/config")
+      << "[settings]\nscan = " << music_.native() << "\n[plugins]\nactive_plugins = mpris\n"
+      << "[player]\ngst_pipeline = fakesink sync=true\n";
+  const Program player("quodlibet", {"--run"}, environment_);
+  ASSERT_TRUE(waitLong([&] { return bus.hasName("org.mpris.MediaPlayer2.quodlibet"); }));
+  output("quodlibet", {"--refresh"});
+  ASSERT_TRUE(waitLong([&] {
+    return output("quodlibet", {"--print-query", "First Light"}) == file_;
+  }));
+  output("quodlibet", {"--play-file", file_});
+  ASSERT_TRUE(plays());
+  /// What the player itself prints.
+  const auto prints = [&](const char* rating) {
+    return waitUntil([&] {
+      return output("quodlibet", {"--print-playing", "<~#rating>"}) == rating;
+    });
+  };
+  rating()->setTo(70);
+  EXPECT_EQ(rating()->integerValue(), 70);
+  EXPECT_TRUE(prints("0.70"));
+  EXPECT_TRUE(isNoted("quodlibet", State::written));
+  auto message = QDBusMessage::createMethodCall(
+      "net.sacredchao.QuodLibet", "/net/sacredchao/QuodLibet", "net.sacredchao.QuodLibet", "Rate");
+  message << "0.2";
+  bus.connection().send(message);
+  EXPECT_TRUE(prints("0.20"));
+  EXPECT_TRUE(waitForRating(20));
+}
+
+}  // namespace
+}  // namespace tests
