@@ -15,11 +15,9 @@ namespace tests {
 class Announcements final : public platform::NSObject {
  public:
   bool changed(const platform::NSNotification*) { return ++changes > 0; }
-  bool launched(const platform::NSNotification*) { return ++launches > 0; }
   bool terminated(const platform::NSNotification*) { return ++terminations > 0; }
 
   int changes = 0;
-  int launches = 0;
   int terminations = 0;
 };
 
@@ -36,13 +34,10 @@ class BridgeFixture : public testing::Test {
     workspace_ = std::make_unique<platform::NSWorkspace>(*backend_);
     platform_.workspace = workspace_.get();
     platform_.scripting = bridge.get();
-    using platform::NSWorkspaceDidLaunchApplicationNotification;
     using platform::NSWorkspaceDidTerminateApplicationNotification;
     platform_.distributedCenter->removeObserver(announced.get());
     platform_.distributedCenter->addObserver(announced.get(), &Announcements::changed,
                                              platform::player::infoNotification);
-    workspace_->notificationCenter().addObserver(announced.get(), &Announcements::launched,
-                                                 NSWorkspaceDidLaunchApplicationNotification);
     workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,
                                                  NSWorkspaceDidTerminateApplicationNotification);
   }
