@@ -13,24 +13,8 @@ using demo::Marks;
 using demo::ratedByUser;
 using demo::ratingComputed;
 using platform::code;
-using platform::Value;
 
 using ITunes = tests::WidgetFixture;
-
-TEST_F(ITunes, WhatAPlayerDoesNotAnswerOrGetsWrongReadsAsZero) {
-  startPlayer();
-  const auto track = AEiTunesApplication::vl_currentTrack();
-  for (const bool silent : {true, false}) {
-    player.setSilent(silent);
-    for (const auto property : {code("pPlS"), code("pnam"), code("pRte"), code("pLov")}) {
-      player.setReply(property, platform::ScriptingReply(Value(platform::Array{})));
-    }
-    EXPECT_FALSE(vl_iTunesIsRunningAndPlaying());
-    EXPECT_EQ(track->name(), std::nullopt);
-    EXPECT_EQ(track->rating(), 0);
-    EXPECT_FALSE(track->loved());
-  }
-}
 
 TEST_F(ITunes, OnlyAPlayerThatRunsIsAskedAndItPlaysInEveryReadableStateButStopped) {
   EXPECT_FALSE(vl_iTunesIsRunning());
@@ -171,27 +155,6 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
       EXPECT_EQ(told(onAlbum ? track : album), told(untouched));
     }
   }
-}
-
-TEST_F(LoveRating, WithoutATrackOrWithAPlayerThatRefusesNothingChangesAndNothingLoops) {
-  switchRuleOn("80");
-  EXPECT_FALSE(vl_toggleTrackLoved());
-  EXPECT_FALSE(vl_setCurrentAlbumRating(60));
-  EXPECT_EQ(player.requestCount(), 0U) << "a command must not wake the player";
-
-  startPlayer();
-  player.currentTrack()->marks = {60, ratedByUser, false};
-  player.setRefusesWrites(true);
-  vl_toggleTrackLoved();
-  vl_setCurrentTrackRating(100);
-  EXPECT_EQ(player.currentTrack()->marks.rating, 60);
-  EXPECT_FALSE(player.currentTrack()->marks.loved);
-
-  player.setRefusesWrites(false);
-  player.setCurrentTrackIndex(std::nullopt);
-  player.clearLog();
-  vl_setCurrentTrackRating(100);
-  EXPECT_EQ(requests(), "set pRte 100, resolve, get pRtk, set pLov false, get pRtk, get pLov");
 }
 
 TEST_F(LoveRating, TheRuleTakesNumbersOfAnyKindAndIsOffWithoutThem) {

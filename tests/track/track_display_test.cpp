@@ -45,77 +45,61 @@ class TrackReadout : public tests::TrackFixture {
   VLBeats1InfoLoader& loader() { return *panel->contentBeats1InfoLoader(); }
 };
 
-TEST_F(TrackReadout, ThePositionIsCutAndPaddedAndShowsHoursOnlyBeyondOne) {
-  const std::pair<double, const char*> cases[] = {{59.999, "00:59 | 3:45"},
-                                                  {3600.0, "60:00 | 3:45"},
-                                                  {3600.5, "01:00:00 | 3:45"},
-                                                  {36000, "10:00:00 | 3:45"}};
-  for (const auto& [position, text] : cases) {
-    player.setPosition(position);
-    EXPECT_EQ(panel->infoTrackTimeDescription(), text) << position;
+TEST_F(TrackReadout, TellsWhatThereIsAndFallsBackWhereThereIsNothing) {
+  using Given = std::function<void()>;
+  const auto text = [](const std::optional<std::string>& told) { return told.value_or("none"); };
+  const auto at = [this](double seconds) { return [=, this] { player.setPosition(seconds); }; };
+  const auto time = [&] { return text(panel->infoTrackTimeDescription()); };
+  const auto by = [this](const char* artist, const char* album) {
+    return [=, this] { track().artist = artist, track().album = album; };
+  };
+  const auto artist = [&] { return text(panel->infoTrackArtistWithAlbum()); };
+  const auto artwork = [&] {
+    return (panel->infoTrackHasArtwork() ? "has " : "no ") + nameOf(panel->infoTrackArtwork());
+  };
+  const auto play = [&] { return nameOf(panel->infoTrackPlayImage()); };
+  const auto rated = [this](platform::FourCharCode kind) {
+    return [=, this] { track().marks.ratingKind = kind; };
+  };
+  const auto kind = [&] { return std::to_string(panel->infoTrackRatingType()); };
+  const auto name = [&] { return text(panel->infoTrackName()); };
+  const auto live = [this](const char* key, const Value& value) {
+    return [=, this] { loader().trackInfoUpdateForKey_withValue(key, value); };
+  };
+  const Value image(platform::imageWithData(tests::imageBytes("live")));
+  const std::tuple<Given, std::function<std::string()>, std::string> rows[] = {
+      {at(59.999), time, "00:59 | 3:45"},
+      {at(3600), time, "60:00 | 3:45"},
+      {at(3600.5), time, "01:00:00 | 3:45"},
+      {at(36000), time, "10:00:00 | 3:45"},
+      {[this] { track().duration = 0, player.setPosition(0); }, time, "00:00"},
+      {[this] { player.setReply(code("pPos"), Value(HUGE_VAL)); }, time, "none"},
+      {by("X", "Y"), artist, "X — Y"},
+      {by("X", ""), artist, "X"},
+      {by("", "Y"), artist, "Y"},
+      {by("", ""), artist, "none"},
+      {[] {}, artwork, "has cover"},
+      {[this] { player.setReply(code("pRaw"), Value(platform::Data::fromText("no image"))); },
+       artwork, "has VLImageArtworkBackground"},
+      {[this] { player.setReply(code("pRaw"), std::nullopt); }, artwork,
+       "has VLImageArtworkBackground"},
+      {[this] { track().cover = {}; }, artwork, "no VLImageArtworkBackground"},
+      {[this] { player.setState(demo::stateStopped); }, artwork, "no "},
+      {[this] { player.setState(demo::statePlaying); }, play, VLImageControllerPause},
+      {[this] { player.setState(code("kPSF")); }, play, VLImageControllerPlay},
+      {rated(demo::ratingComputed), kind, std::to_string(VLRatingTypeComputed)},
+      {rated(code("kXyz")), kind, std::to_string(VLRatingTypeUnknown)},
+      {[this] { player.playTrack(demo::liveStation), clock.settle(); }, name, "Beats 1"},
+      {[] {}, artist, "Live radio — On air now"},
+      {[] {}, artwork, "has VLImageArtworkBeats1"},
+      {live("track name", "Title"), name, "Title"},
+      {live("track album", "Album"), artist, "Album"},
+      {live("track artist", "Artist"), artist, "Artist — Album"},
+      {live("track artwork", image), artwork, "has live"}};
+  for (const auto& [given, told, expected] : rows) {
+    given();
+    EXPECT_EQ(told(), expected);
   }
-  track().duration = 0;
-  player.setPosition(0);
-  EXPECT_EQ(panel->infoTrackTimeDescription(), "00:00");
-  player.setReply(code("pPos"), platform::ScriptingReply(Value(HUGE_VAL)));
-  EXPECT_EQ(panel->infoTrackTimeDescription(), std::nullopt) << "no position, no length";
-}
-
-TEST_F(TrackReadout, TheArtistLineJoinsWhatThereIs) {
-  const std::tuple<const char*, const char*, std::optional<std::string>> cases[] = {
-      {"X", "Y", "X — Y"}, {"X", "", "X"}, {"", "Y", "Y"}, {"", "", std::nullopt}};
-  for (const auto& [artist, album, line] : cases) {
-    track().artist = artist;
-    track().album = album;
-    EXPECT_EQ(panel->infoTrackArtistWithAlbum(), line);
-  }
-}
-
-TEST_F(TrackReadout, ArtworkFallsBackToThePlaceholder) {
-  EXPECT_TRUE(panel->infoTrackHasArtwork());
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), "cover");
-  player.setReply(code("pRaw"), Value(platform::Data::fromText("not an image")));
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
-  player.setReply(code("pRaw"), std::nullopt);
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
-  track().cover = {};
-  EXPECT_FALSE(panel->infoTrackHasArtwork());
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBackground);
-  player.setState(demo::stateStopped);
-  EXPECT_EQ(panel->infoTrackArtwork(), nullptr) << "without a track not even the placeholder";
-}
-
-TEST_F(TrackReadout, StatesAndRatingKindsThatAreUnknownReadAsPausedAndUnknown) {
-  const auto playImage = [this] { return nameOf(panel->infoTrackPlayImage()); };
-  player.setState(demo::statePlaying);
-  EXPECT_EQ(playImage(), VLImageControllerPause);
-  player.setState(code("kPSF"));
-  EXPECT_EQ(playImage(), VLImageControllerPlay);
-  track().marks = {60, demo::ratingComputed, false};
-  EXPECT_EQ(panel->infoTrackRatingType(), VLRatingTypeComputed);
-  track().marks.ratingKind = code("kXyz");
-  EXPECT_EQ(panel->infoTrackRatingType(), VLRatingTypeUnknown);
-  player.setSilent(true);
-  EXPECT_EQ(playImage(), VLImageControllerPlay);
-}
-
-TEST_F(TrackReadout, LiveTheProgrammeComesFirstAndTheStreamAfterIt) {
-  player.playTrack(demo::liveStation);
-  clock.settle();
-  EXPECT_EQ(panel->infoTrackName(), "Beats 1");
-  EXPECT_EQ(panel->infoTrackArtistWithAlbum(), "Live radio — On air now");
-  EXPECT_TRUE(panel->infoTrackHasArtwork());
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), VLImageArtworkBeats1);
-
-  loader().trackInfoUpdateForKey_withValue("track name", "Title");
-  EXPECT_EQ(panel->infoTrackName(), "Title");
-  loader().trackInfoUpdateForKey_withValue("track album", "Album");
-  EXPECT_EQ(panel->infoTrackArtistWithAlbum(), "Album");
-  loader().trackInfoUpdateForKey_withValue("track artist", "Artist");
-  EXPECT_EQ(panel->infoTrackArtistWithAlbum(), "Artist — Album");
-  loader().trackInfoUpdateForKey_withValue("track artwork",
-                                           platform::imageWithData(tests::imageBytes("live")));
-  EXPECT_EQ(nameOf(panel->infoTrackArtwork()), "live");
 }
 
 }  // namespace
