@@ -222,37 +222,6 @@ TEST_F(PlayerFaults, ALostQuestionIsAskedAgain) {
   }));
 }
 
-TEST_F(PlayerFaults, ValuesOfTheWrongKindCountAsMissingAndNothingOfThemSticks) {
-  const QVariantMap garbage[] = {
-      {{"PlaybackStatus", 7}, {"Position", "soon"}, {"Metadata", "none"}},
-      {{"PlaybackStatus", QVariantMap{{"a", 1}}},
-       {"Position", qlonglong{-7}},
-       {"Rating", "many"},
-       {"Metadata", QVariantMap{{"xesam:title", QStringList()},
-                                {"xesam:album", QVariantList{1, 2.5, QVariantMap()}},
-                                {"mpris:trackid", 12},
-                                {"mpris:artUrl", QByteArray("\xff\xfe")},
-                                {"xesam:url", "::%%%"}}}},
-  };
-  FakePlayer player(bus, "liar", {});
-  follow();
-  for (const QVariantMap& properties : garbage) {
-    const int changes = announced->changes;
-    player.tell(properties);
-    ASSERT_TRUE(waitUntil([&] { return announced->changes > changes; }));
-    EXPECT_EQ(app()->propertyWithCode(code("pPlS"))->enumCodeValue(), platform::FourCharCode{});
-    EXPECT_EQ(position(), 0);
-    EXPECT_FALSE(trackText(code("pAlb")));
-    EXPECT_EQ(rating()->integerValue(), 0);
-    EXPECT_EQ(track()->elementCount(code("cArt")), 0);
-    app()->propertyWithCode(code("pPos"))->setTo(3.0);
-  }
-  player.setProperties(song("Song"));
-  player.signalChange({});
-  EXPECT_TRUE(waitForTitle("Song"));
-  EXPECT_EQ(position(), 20);
-}
-
 TEST_F(PlayerFaults, AFloodOfSignalsIsAnnouncedAFewTimes) {
   FakePlayer player(bus, "stammerer", song("Song"));
   follow();
