@@ -1,19 +1,23 @@
 #include "desktop/files/module.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QLibrary>
+#include <dlfcn.h>
+
 #include <iostream>
+#include <system_error>
 
 namespace desktop {
 
+std::filesystem::path programFile() {
+  std::error_code unreadable;
+  return std::filesystem::read_symlink("/proc/self/exe", unreadable);
+}
+
 void* functionOfModule(const char* module, const char* function) {
-  QLibrary library(QCoreApplication::applicationDirPath() +
-                   QStringLiteral("/" VIRELUNE_MODULES "/") + QLatin1String(module));
-  const auto found = library.resolve(function);
-  if (found == nullptr) {
-    std::cerr << "virelune-widget: " << library.errorString().toStdString() << std::endl;
-  }
-  return reinterpret_cast<void*>(found);
+  const auto file = programFile().parent_path() / VIRELUNE_MODULES / (std::string(module) + ".so");
+  void* library = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
+  void* found = library != nullptr ? dlsym(library, function) : nullptr;
+  if (found == nullptr) std::cerr << "virelune-widget: " << dlerror() << std::endl;
+  return found;
 }
 
 }  // namespace desktop

@@ -1,10 +1,15 @@
 // The program's own modules, which are loaded when they are first needed.
 #pragma once
 
+#include <filesystem>
+
 namespace desktop {
 
+/// The file of the running program, without links; empty when the system does not tell.
+std::filesystem::path programFile();
+
 /// A function that a module exports, to be cast to what it is; null, after a line on the standard
-/// error, when the module cannot be loaded. A module stays loaded.
+/// error, when the module cannot be loaded. A module stays loaded. Any thread.
 void* functionOfModule(const char* module, const char* function);
 
 }  // namespace desktop

@@ -85,6 +85,6 @@ class LibmpdclientServer final : public MpdServer {
 
 }  // namespace desktop
 
-extern "C" desktop::MpdServer* virelune_mpd_server() {
+extern "C" __attribute__((visibility("default"))) desktop::MpdServer* virelune_mpd_server() {
   return std::make_unique<desktop::LibmpdclientServer>().release();
 }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <cstdlib>
 #include <iterator>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,11 @@ bool isScale(std::string_view text) {
 bool isHost(std::string_view text) {
   const auto url = platform::URL::fromText("http://" + std::string(text) + "/");
   return url && !url->host().empty() && text.find_first_of("/?#@") == std::string_view::npos;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
 }
 
 std::string inQuotes(std::string_view text) { return '"' + std::string(text) + '"'; }
@@ -105,6 +111,15 @@ std::string conflict(const CommandLine& line) {
 }
 
 }  // namespace
+
+bool CommandLine::takesTour() const {
+  return tour || (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !snapshot);
+}
+
+bool CommandLine::showsCard() const {
+  return !exportRatings && !importRatings && !restoreRatings && !listBackups && !listPlayers &&
+         !snapshot && !takesTour();
+}
 
 Result<CommandLine> parseCommandLine(std::span<const char* const> arguments) {
   CommandLine line;

@@ -29,6 +29,11 @@ struct CommandLine {
   bool noLibrary = false;
   bool help = false;
   bool version = false;
+
+  /// True for a tour, be it only because there is no display.
+  bool takesTour() const;
+  /// True when a card goes on the screen, or one that is there comes to the front.
+  bool showsCard() const;
 };
 
 /// Reads the arguments that follow the program's name; values as "--option value" or

@@ -1,9 +1,9 @@
 #include "desktop/program/composition.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QLocale>
 #include <utility>
 
+#include "desktop/files/module.h"
 #include "platform/application/bundle.h"
 
 namespace desktop {
@@ -67,29 +67,35 @@ void Composition::makePlayer(const Options& options) {
                             .ratings = ratings_.get(),
                             .writesLibraries = options.writesLibraries});
   workspace_ = std::make_unique<platform::NSWorkspace>(*player_);
-  loginItems_ = std::make_unique<LoginItems>(
-      LoginItems::Options{.folder = LoginItems::defaultFolder(),
-                          .bundlePath = bundle_->bundlePath(),
-                          .executablePath = QCoreApplication::applicationFilePath().toStdString(),
-                          .argument = "--wait-for-player"},
-      player_.get());
+  loginItems_ =
+      std::make_unique<LoginItems>(LoginItems::Options{.folder = LoginItems::defaultFolder(),
+                                                       .bundlePath = bundle_->bundlePath(),
+                                                       .executablePath = programFile().string(),
+                                                       .argument = "--wait-for-player"},
+                                   player_.get());
   platform_.workspace = workspace_.get();
   platform_.scripting = loginItems_.get();
   if (auto* demo = player_->demoPlayer()) demo->launch(demo::statePlaying);
 }
 
 void Composition::makeNetwork() {
-  const bool isDemo = player_->demoPlayer() != nullptr;
-  if (isDemo && servers_.contains(streamHostKey)) demoStation_ = demo::DemoStation::start();
-  if (isDemo && servers_.contains(storeHostKey)) demoStore_ = demo::DemoStore::start();
   for (const auto& [key, host] : servers_) bundle_->setInfoDictionaryEntry(key, host);
-  if (demoStation_) bundle_->setInfoDictionaryEntry(streamHostKey, demoStation_->host());
-  if (demoStore_) bundle_->setInfoDictionaryEntry(storeHostKey, demoStore_->host());
-  http_ = std::make_unique<platform::CurlTransport>(demoStore_ ? demoStore_->certificate()
-                                                               : std::string());
+  if (player_->demoPlayer() != nullptr && !servers_.empty()) makeDemoServers();
+  http_ = std::make_unique<Network>(demoServers_ ? demoServers_->certificate() : std::string());
   workers_ = std::make_unique<WorkerPool>();
   platform_.http = http_.get();
   platform_.globalQueue = workers_.get();
+}
+
+void Composition::makeDemoServers() {
+  auto* make = reinterpret_cast<demo::MakeDemoServers*>(
+      functionOfModule("demo-servers", demo::makeDemoServersName));
+  if (make == nullptr) return;
+  demoServers_.reset(make(servers_.contains(streamHostKey), servers_.contains(storeHostKey)));
+  for (const auto& [key, host] : {std::pair(streamHostKey, demoServers_->stationHost()),
+                                  {storeHostKey, demoServers_->storeHost()}}) {
+    if (!host.empty()) bundle_->setInfoDictionaryEntry(key, host);
+  }
 }
 
 void Composition::endNetwork() {
@@ -100,8 +106,7 @@ void Composition::endNetwork() {
   http_.reset();
   platform_.globalQueue = nullptr;
   platform_.http = nullptr;
-  demoStation_.reset();
-  demoStore_.reset();
+  demoServers_.reset();
 }
 
 void Composition::makeCard(const platform::PrincipalClasses& widget) {

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "demo/demo_station.h"
-#include "demo/demo_store.h"
+#include "demo/demo_servers.h"
 #include "desktop/drag/source.h"
 #include "desktop/graphics/backend.h"
+#include "desktop/program/network.h"
 #include "desktop/program/player_source.h"
 #include "desktop/program/qt_run_loop.h"
 #include "desktop/program/worker_pool.h"
@@ -20,8 +20,6 @@
 #include "desktop/window/card.h"
 #include "desktop/window/card_style.h"
 #include "platform/application/bundle.h"
-
-#include "platform/network/curl_transport.h"
 #include "platform/platform.h"
 
 namespace desktop {
@@ -68,6 +66,7 @@ class Composition {
  private:
   void makePlayer(const Options& options);
   void makeNetwork();
+  void makeDemoServers();
   void endNetwork();
   void makeCard(const platform::PrincipalClasses& widget);
 
@@ -80,11 +79,10 @@ class Composition {
   std::map<std::string, platform::Value> servers_;  ///< entries of the bundle, without the demo's
   std::unique_ptr<RatingsStore> ratings_;
   std::unique_ptr<PlayerSource> player_;
-  std::unique_ptr<demo::DemoStation> demoStation_;
-  std::unique_ptr<demo::DemoStore> demoStore_;
+  std::unique_ptr<demo::DemoServers> demoServers_;
   std::unique_ptr<LoginItems> loginItems_;
   std::unique_ptr<platform::NSWorkspace> workspace_;
-  std::unique_ptr<platform::CurlTransport> http_;
+  std::unique_ptr<Network> http_;
   std::unique_ptr<WorkerPool> workers_;
   std::unique_ptr<DragSource> drag_;
   std::unique_ptr<Card> card_;

@@ -1,28 +1,14 @@
-// One card in a session: a second start brings the card that runs to the front.
+// The name of a card in its session.
 #pragma once
 
 #include <QtCore/QObject>
-#include <QtCore/QString>
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusConnection>
 #include <functional>
-#include <optional>
-#include <string>
+
+#include "desktop/program/hand_on.h"
 
 namespace desktop {
-
-/// What a start hands on to the card that runs already.
-struct CardRequest {
-  std::optional<std::string> player = std::nullopt;  ///< to follow from now on
-  bool demo = false;                                 ///< to show the demo player from now on
-  bool onTop = false;
-  std::string activationToken = {};  ///< lets the card come to the front (XDG Activation)
-};
-
-enum class HandingOn { done, nobodyThere, unanswered };
-
-/// Hands a request on to the session's first card. Waits for two seconds at most.
-HandingOn handOn(const QDBusConnection& bus, const CardRequest& request);
 
 /// A card's name in the session, which takes the requests that are handed on; the card that comes
 /// first takes the well-known name, others names with a number.
@@ -41,7 +27,6 @@ class Instance final : public QObject {
   void setHandler(Handler handler) { handler_ = std::move(handler); }
 
  public slots:  // called by the bus
-  /// Keys: "player" (s), "demo" (b), "on-top" (b), "activation-token" (s).
   void Show(const QVariantMap& request);
 
  private:

@@ -1,10 +1,12 @@
+// What every start does first; what needs more is loaded.
 #include <cstdlib>
 #include <iostream>
 #include <span>
 
+#include "desktop/files/module.h"
+#include "desktop/program/card_module.h"
 #include "desktop/program/command_line.h"
-#include "desktop/program/run.h"
-#include "widget/widget_entry.h"
+#include "desktop/program/hand_on.h"
 
 int main(int argc, char** argv) {
   const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
@@ -22,5 +24,10 @@ int main(int argc, char** argv) {
     std::cout << "virelune-widget " << VIRELUNE_VERSION << '\n';
     return EXIT_SUCCESS;
   }
-  return desktop::runProgram(*commandLine, argc, argv, virelune::widgetEntry());
+  if (commandLine->showsCard() && !commandLine->newCard) {
+    if (const auto status = desktop::handOnEarly(*commandLine, argc, argv)) return *status;
+  }
+  auto* run = reinterpret_cast<desktop::RunCard*>(
+      desktop::functionOfModule(desktop::cardModule, desktop::runCardName));
+  return run != nullptr ? run(*commandLine, argc, argv) : EXIT_FAILURE;
 }

@@ -10,11 +10,13 @@
 #include <iostream>
 #include <optional>
 
+#include "desktop/files/module.h"
 #include "desktop/files/settings.h"
 #include "desktop/graphics/qt_image.h"
 #include "desktop/program/composition.h"
 #include "desktop/program/daily_backup.h"
 #include "desktop/program/ending.h"
+#include "desktop/program/hand_on.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
 #include "desktop/ratings/backups.h"
@@ -33,16 +35,8 @@ int fail(const std::string& message) {
   return EXIT_FAILURE;
 }
 
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value != nullptr && *value != '\0';
-}
-
-bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"); }
-
 std::string bundlePath() {
-  const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
-  return (folder.parent_path() / "share" / "virelune-widget").string();
+  return (programFile().parent_path().parent_path() / "share" / "virelune-widget").string();
 }
 
 int listPlayers() {
@@ -104,41 +98,6 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
-/// What this start wants of the card that runs.
-CardRequest requestOf(const CommandLine& commandLine) {
-  const char* token = std::getenv("XDG_ACTIVATION_TOKEN");
-  return {.player = commandLine.player,
-          .demo = commandLine.demo,
-          .onTop = commandLine.onTop,
-          .activationToken = token != nullptr ? token : ""};
-}
-
-/// The exit status when the card that runs has taken the request; none when there is no such card.
-std::optional<int> handOnTo(const QDBusConnection& bus, const CommandLine& commandLine) {
-  switch (handOn(bus, requestOf(commandLine))) {
-    case HandingOn::done:
-      return EXIT_SUCCESS;
-    case HandingOn::nobodyThere:
-      return std::nullopt;
-    case HandingOn::unanswered:
-      break;
-  }
-  return fail("the card that runs does not answer; --new starts another");
-}
-
-/// The same before there is a display, so that a second start costs next to nothing.
-std::optional<int> handOnEarly(const CommandLine& commandLine, int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  const auto name = QStringLiteral("virelune-start");
-  std::optional<int> status;
-  {
-    const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-    if (bus.isConnected()) status = handOnTo(bus, commandLine);
-  }
-  QDBusConnection::disconnectFromBus(name);
-  return status;
-}
-
 int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
                Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
   PlayerSource& player = composition.player();
@@ -194,14 +153,11 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
     return listPlayers();
   }
 
-  const bool takesTour = commandLine.tour || (!hasDisplay() && !commandLine.snapshot);
+  const bool takesTour = commandLine.takesTour();
   if (takesTour && (commandLine.player || commandLine.waitForPlayer)) {
     return fail("there is no display for the card; --snapshot writes it to a file");
   }
   const bool isOffScreen = takesTour || commandLine.snapshot;
-  if (!isOffScreen && !commandLine.newCard) {
-    if (const auto status = handOnEarly(commandLine, argc, argv)) return *status;
-  }
   std::optional<Settings> settings;
   settings.emplace(isOffScreen ? std::filesystem::path() : Settings::defaultFile());
   const auto scale = commandLine.scale ? commandLine.scale : settings->scale();
@@ -219,7 +175,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
     if (!isOffScreen) instance.claim(bus);
     if (instance.number() > 1 && !commandLine.newCard) {
       // Another start was faster.
-      if (const auto status = handOnTo(bus, commandLine)) return *status;
+      if (const auto status = handOn(bus, commandLine)) return *status;
     }
   } else if (!takesTour && !commandLine.demo) {
     return fail("there is no session bus; --demo shows the built-in player");

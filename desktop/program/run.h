@@ -6,9 +6,8 @@
 
 namespace desktop {
 
-/// Does what the command line asks for with this widget, or lets the card that runs already do it.
-/// Answers the exit status: 0, or 1
-/// after one line on standard error that says why not.
+/// Does what the command line asks for with this widget. Answers the exit status: 0, or 1 after one
+/// line on standard error that says why not.
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const virelune::WidgetEntry& widget);
 
