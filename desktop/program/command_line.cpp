@@ -1,13 +1,12 @@
 #include "desktop/program/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <QtCore/QUrl>
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
 #include <string_view>
 #include <vector>
-
-#include "platform/foundation/url.h"
 
 namespace desktop {
 
@@ -22,8 +21,11 @@ bool isScale(std::string_view text) {
 
 /// True for the host and port of an address, and nothing else of one.
 bool isHost(std::string_view text) {
-  const auto url = platform::URL::fromText("http://" + std::string(text) + "/");
-  return url && !url->host().empty() && text.find_first_of("/?#@") == std::string_view::npos;
+  const QUrl url(
+      QStringLiteral("http://%1/").arg(QString::fromUtf8(text.data(), qsizetype(text.size()))),
+      QUrl::StrictMode);
+  return url.isValid() && !url.host().isEmpty() &&
+         text.find_first_of("/?#@") == std::string_view::npos;
 }
 
 bool isSet(const char* variable) {
