@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "extensions/login_items.h"
+#include "player/love_rating.h"
 #include "widget/widget_view_controller.h"
 
 namespace virelune {
@@ -21,6 +22,14 @@ WidgetEntry widgetEntry() {
   return {.principalClasses = {{"VLWidgetViewController", make}},
           .isLaunchingAtLogin = vl_isLaunchingAtLogin,
           .setLaunchingAtLogin = vl_setLaunchingAtLogin,
+          .setRating =
+              [](std::int64_t rating, bool album) {
+                return album ? vl_setCurrentAlbumRating(rating) : vl_setCurrentTrackRating(rating);
+              },
+          .setLoved =
+              [](bool loved, bool album) {
+                return album ? vl_setCurrentAlbumLoved(loved) : vl_setCurrentTrackLoved(loved);
+              },
           .showsLiveProgramme = showsLiveProgramme};
 }
 

@@ -2,6 +2,7 @@
 // asks of it besides.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "platform/application/extension.h"
@@ -14,6 +15,10 @@ struct WidgetEntry {
   platform::PrincipalClasses principalClasses;
   std::function<bool()> isLaunchingAtLogin;
   std::function<bool(bool)> setLaunchingAtLogin;  ///< true once tried, whatever came of it
+  // Marks of the current track, or of its album, as clicks set them; false without a player to send
+  // them to. A rating is limited to 0…100.
+  std::function<bool(std::int64_t rating, bool album)> setRating;
+  std::function<bool(bool loved, bool album)> setLoved;
   /// True while the controller made last shows the live station and knows what is on air.
   std::function<bool()> showsLiveProgramme;
 };

@@ -12,6 +12,10 @@ std::filesystem::path programFile() {
   return std::filesystem::read_symlink("/proc/self/exe", unreadable);
 }
 
+std::filesystem::path resourceFolder() {
+  return programFile().parent_path().parent_path() / "share" / "virelune-widget";
+}
+
 void* functionOfModule(const char* module, const char* function) {
   const auto file = programFile().parent_path() / VIRELUNE_MODULES / (std::string(module) + ".so");
   void* library = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);

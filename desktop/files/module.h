@@ -8,6 +8,9 @@ namespace desktop {
 /// The file of the running program, without links; empty when the system does not tell.
 std::filesystem::path programFile();
 
+/// Where the program's resources lie.
+std::filesystem::path resourceFolder();
+
 /// A function that a module exports, to be cast to what it is; null, after a line on the standard
 /// error, when the module cannot be loaded. A module stays loaded. Any thread.
 void* functionOfModule(const char* module, const char* function);

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <utility>
 
-#include "desktop/player/followed_player.h"
 #include "platform/application/player_dictionary.h"
 #include "platform/application/workspace.h"
 #include "platform/loop/notification.h"
@@ -22,6 +21,32 @@ constexpr milliseconds announcementInterval{50};
 /// "mpv" for "mpv.instance42".
 QString firstComponent(const QString& name) { return name.section(QLatin1Char('.'), 0, 0); }
 
+/// How MPRIS calls a command, and its property that says whether it can be given now.
+struct MprisCommand {
+  const char* member;
+  const char* condition = "";
+};
+
+MprisCommand mprisCommand(PlayerCommand command) {
+  switch (command) {
+    case PlayerCommand::playPause:
+      return {"PlayPause", "CanControl"};
+    case PlayerCommand::play:
+      return {"Play", "CanPlay"};
+    case PlayerCommand::pause:
+      return {"Pause", "CanPause"};
+    case PlayerCommand::stop:
+      return {"Stop", "CanControl"};
+    case PlayerCommand::next:
+      return {"Next", "CanGoNext"};
+    case PlayerCommand::previous:
+      return {"Previous", "CanGoPrevious"};
+    case PlayerCommand::raise:
+      break;
+  }
+  return {"Raise"};
+}
+
 }  // namespace
 
 std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus) {
@@ -36,13 +61,15 @@ std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus)
 }
 
 PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
-    : registry_(bus, QString::fromStdString(options.playerName)),
+    : marksSignal_(bus, [this] { scheduleAnnouncement(); }),
+      registry_(bus, QString::fromStdString(options.playerName)),
       artwork_([this] { scheduleAnnouncement(); }),
       ratings_(options.ratings),
       lastDesktopEntry_(options.playerName.empty()
                             ? QString::fromStdString(options.lastPlayer)
                             : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
+  if (ratings_ != nullptr) ratings_->setChangeHandler([this] { marksSignal_.send(); });
   if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
   if (ratings_ != nullptr && options.writesLibraries) {
     library_ = std::make_unique<LibraryWriter>(bus, *ratings_);
@@ -71,12 +98,52 @@ bool PlayerBridge::follows(const std::string& playerName) const {
   return chosen != nullptr && answersTo(*chosen, QString::fromStdString(playerName));
 }
 
+PlayerBridge::~PlayerBridge() {
+  if (ratings_ != nullptr) ratings_->setChangeHandler(nullptr);
+}
+
 std::optional<platform::ScriptingReply> PlayerBridge::send(
     const platform::ScriptingRequest& request) {
   PlayerMirror* chosen = registry_.chosen();
   if (chosen == nullptr) return std::nullopt;
-  FollowedPlayer player(*chosen, artwork_, ratings_, moved_ ? &*moved_ : nullptr, library_.get());
+  FollowedPlayer player = followed(*chosen);
   return platform::interpret(request, player);
+}
+
+FollowedPlayer PlayerBridge::followed(PlayerMirror& chosen) {
+  return {chosen, artwork_, ratings_, moved_ ? &*moved_ : nullptr, library_.get()};
+}
+
+// Controls.
+
+std::optional<PlayerReport> PlayerBridge::report() {
+  PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return std::nullopt;
+  return followed(*player).report();
+}
+
+bool PlayerBridge::can(PlayerCommand command) {
+  PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return false;
+  const QString condition = QLatin1String(mprisCommand(command).condition);
+  return condition.isEmpty() || player->can(condition);
+}
+
+bool PlayerBridge::command(PlayerCommand command) {
+  PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return false;
+  if (command == PlayerCommand::raise) return player->raise();
+  return player->command(mprisCommand(command).member);
+}
+
+bool PlayerBridge::seek(double seconds) {
+  PlayerMirror* player = registry_.chosen();
+  return player != nullptr && player->setPosition(std::max(seconds, 0.0));
+}
+
+bool PlayerBridge::setVolume(double volume) {
+  PlayerMirror* player = registry_.chosen();
+  return player != nullptr && player->setVolume(volume);
 }
 
 // The application.

@@ -13,7 +13,10 @@
 #include <vector>
 
 #include "desktop/player/artwork.h"
+#include "desktop/player/controls.h"
+#include "desktop/player/followed_player.h"
 #include "desktop/player/library_writer.h"
+#include "desktop/player/marks_signal.h"
 #include "desktop/player/registry.h"
 #include "desktop/ratings/moved_files.h"
 #include "desktop/ratings/store.h"
@@ -34,7 +37,9 @@ struct PlayerListing {
 /// distributed centre, coming and going through the shared workspace, twenty times a second at
 /// most. A player that does not answer in time is asked again without waiting, and meanwhile
 /// answers nothing. Main thread only.
-class PlayerBridge final : public platform::ScriptingTransport, public PlayerApplication {
+class PlayerBridge final : public platform::ScriptingTransport,
+                           public PlayerApplication,
+                           public PlayerControls {
  public:
   struct Options {
     std::string playerName = {};       ///< see PlayerRegistry; empty: whichever plays
@@ -50,14 +55,27 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
   /// Looks for players at once, waiting a quarter of a second at most for their answers.
   PlayerBridge(const QDBusConnection& bus, const Options& options);
 
+  ~PlayerBridge() override;
+  PlayerBridge(const PlayerBridge&) = delete;
+  PlayerBridge& operator=(const PlayerBridge&) = delete;
+
   /// Follows this player while it is there; see Options.
   void follow(const std::string& playerName);
   bool follows(const std::string& playerName) const;  ///< true while that is the one
+  /// True while a rating is on its way into a player's library.
+  bool isWriting() const { return library_ && library_->isWriting(); }
   bool isPlaying() { return isRunning() && registry_.chosen()->isPlaying(); }
 
   // Scripting.
   /// None for any other application.
   std::optional<platform::ScriptingReply> send(const platform::ScriptingRequest& request) override;
+
+  // Controls.
+  std::optional<PlayerReport> report() override;
+  bool can(PlayerCommand command) override;
+  bool command(PlayerCommand command) override;
+  bool seek(double seconds) override;
+  bool setVolume(double volume) override;
 
   // The application.
   /// True while the chosen player owns its name on the bus, whether or not it answers.
@@ -68,11 +86,13 @@ class PlayerBridge final : public platform::ScriptingTransport, public PlayerApp
 
  private:
   void rememberDesktopEntry();
+  FollowedPlayer followed(PlayerMirror& chosen);
 
   // Announcing.
   void scheduleAnnouncement();
   void announce();
 
+  MarksSignal marksSignal_;
   PlayerRegistry registry_;
   PlayerArtwork artwork_;
   RatingsStore* const ratings_;

@@ -1,5 +1,6 @@
 #include "desktop/player/followed_player.h"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -109,6 +110,27 @@ std::int64_t FollowedPlayer::lastHand(int ours, const std::optional<LibraryNote>
   heard.state = LibraryNote::State::none;
   ratings_->setTrackRating(identity(), *said, player, heard);
   return *said;
+}
+
+PlayerReport FollowedPlayer::report() {
+  PlayerReport report{.player = mirror_.shortName().toStdString(),
+                      .identity = mirror_.identity().toStdString(),
+                      .state = state(),
+                      .volume = mirror_.volume(),
+                      .track = track()};
+  if (!report.track) return report;
+  report.address = now()->address.toStdString();
+  report.artworkAddress = now()->artworkAddress.toStdString();
+  report.position = position();
+  report.rating = rating(Marked::track);
+  report.albumRating = rating(Marked::album);
+  report.isLoved = isLoved(Marked::track);
+  report.isAlbumLoved = isLoved(Marked::album);
+  if (ratings_ == nullptr) return report;
+  const auto note = ratings_->trackRating(identity(), LibraryWriter::nameOf(mirror_)).note;
+  constexpr std::array names{"none", "pending", "written", "refused"};
+  if (note) report.library = names[static_cast<std::size_t>(note->state)];
+  return report;
 }
 
 bool FollowedPlayer::setRating(Marked of, std::int64_t rating) {

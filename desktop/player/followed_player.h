@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "desktop/player/artwork.h"
+#include "desktop/player/controls.h"
 #include "desktop/player/library_writer.h"
 #include "desktop/player/mirror.h"
 #include "desktop/ratings/moved_files.h"
@@ -34,6 +35,9 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   bool setRating(Marked of, std::int64_t rating) override;
   bool isLoved(Marked of) override;
   bool setLoved(Marked of, bool loved) override;
+
+  /// All that it tells.
+  PlayerReport report();
 
   bool playPause() override { return mirror_.command("PlayPause"); }
   bool nextTrack() override { return mirror_.command("Next"); }

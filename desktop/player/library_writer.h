@@ -35,6 +35,9 @@ class LibraryWriter final : public QObject {
   /// True for a player with a library that takes ratings.
   bool takesRatings(const PlayerMirror& player) const { return wayInto(player) != nullptr; }
 
+  /// True while a rating is on its way.
+  bool isWriting() const { return !latest_.empty(); }
+
   /// Sees to it that the library has the rating (0 to 100) of this track, which is the player's
   /// current one. The track is not followed: once another one plays, it is left alone.
   void write(const PlayerMirror& player, const PlayerSnapshot& track, const TrackIdentity& identity,

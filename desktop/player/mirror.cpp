@@ -285,6 +285,15 @@ void PlayerMirror::described(const QDBusMessage& reply) {
   emit changed();
 }
 
+bool PlayerMirror::can(const QString& property) {
+  return snapshot() != nullptr && told_.value(property, true).toBool();
+}
+
+std::optional<double> PlayerMirror::volume() {
+  return snapshot() != nullptr ? numberFromVariant(told_.value(QStringLiteral("Volume")))
+                               : std::nullopt;
+}
+
 bool PlayerMirror::hasWritableRating(const PlayerSnapshot& now) {
   if (now.ratingProperty.isEmpty()) return false;
   if (!askedForWritableProperties_) {
@@ -332,6 +341,17 @@ bool PlayerMirror::setPosition(double seconds) {
   QDBusMessage message = methodCall(playerInterface, "SetPosition");
   message << QVariant::fromValue(QDBusObjectPath(now->trackId)) << microsecondsFromSeconds(target);
   return tell(message);
+}
+
+bool PlayerMirror::setVolume(double volume) {
+  if (!this->volume()) return false;
+  const double target = std::max(volume, 0.0);
+  QDBusMessage message = propertiesCall("Set", playerInterface);
+  message << QStringLiteral("Volume") << QVariant::fromValue(QDBusVariant(target));
+  if (attention_.isSilent() || !bus_.send(message)) return false;
+  // Steps that follow at once start from here.
+  told_.insert(QStringLiteral("Volume"), target);
+  return true;
 }
 
 bool PlayerMirror::setOwnRating(const PlayerSnapshot& now, double rating) {

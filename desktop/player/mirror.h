@@ -61,12 +61,16 @@ class PlayerMirror final : public QObject {
   // Questions. Null and 0 when it does not answer.
   std::shared_ptr<const PlayerSnapshot> snapshot();
   double position();  ///< seconds
+  /// False when the player says so of itself: "CanGoNext", "CanSeek", …
+  bool can(const QString& property);
+  std::optional<double> volume();  ///< 0 to 1 and beyond; none when it has none
   /// True when the player has a rating of its own that can be set.
   bool hasWritableRating(const PlayerSnapshot& now);
 
   // Commands, sent without waiting. False when the player does not answer at present.
   bool command(const char* member);  ///< of the player interface: "PlayPause", "Next", …
   bool setPosition(double seconds);
+  bool setVolume(double volume);
   bool setOwnRating(const PlayerSnapshot& now, double rating);  ///< 0 to 1
   bool raise();
 

@@ -77,6 +77,7 @@ void addOptions(CLI::App& app, CommandLine& line) {
   addFlag("--new", line.newCard, "start another card when one runs already");
   addValue("--scale", "N", line.scale, "pixels per point, from 1 to 4",
            "takes a number from 1 to 4", &isScale);
+  addFlag("--service", line.service, "answer other programs without a window, as the bus asks");
   app.set_help_flag();  // not the library's
   addFlag("--help", line.help, "show this help");
   addFlag("--version", line.version, "show the version");
@@ -118,10 +119,16 @@ bool CommandLine::takesTour() const {
   return tour || (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !snapshot);
 }
 
-bool CommandLine::showsCard() const {
-  return !exportRatings && !importRatings && !restoreRatings && !listBackups && !listPlayers &&
-         !snapshot && !takesTour();
+std::optional<Result<Verb>> CommandLine::verb() const {
+  if (listPlayers) return Verb{.name = "players"};
+  if (listBackups) return Verb{.name = "backups"};
+  if (exportRatings) return Verb{.name = "export", .value = *exportRatings, .salvage = salvage};
+  if (importRatings) return Verb{.name = "import", .value = *importRatings};
+  if (restoreRatings) return Verb{.name = "restore", .value = *restoreRatings};
+  return std::nullopt;
 }
+
+bool CommandLine::showsCard() const { return !snapshot && !takesTour(); }
 
 Result<CommandLine> parseCommandLine(std::span<const char* const> arguments) {
   CommandLine line;
@@ -155,7 +162,9 @@ std::string helpText() {
   addOptions(app, line);
   std::string text =
       "Usage: virelune-widget [OPTION]...\n"
-      "Shows what a music player plays, and controls it.\n\n";
+      "       virelune-widget [--player NAME] VERB [VALUE] [OPTION]...\n"
+      "Shows what a music player plays, and controls it.\n\nVerbs:\n" +
+      verbsHelp() + "\nOptions:\n";
   constexpr std::size_t column = 29;
   for (const CLI::Option* option : app.get_options()) {
     std::string entry = "  " + option->get_name();

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "desktop/remote/verb.h"
 #include "desktop/result.h"
 
 namespace desktop {
@@ -29,9 +30,12 @@ struct CommandLine {
   bool noLibrary = false;
   bool help = false;
   bool version = false;
+  bool service = false;  ///< --service
 
   /// True for a tour, be it only because there is no display.
   bool takesTour() const;
+  /// What is a verb now, under the name that it had before.
+  std::optional<Result<Verb>> verb() const;
   /// True when a card goes on the screen, or one that is there comes to the front.
   bool showsCard() const;
 };

@@ -1,6 +1,5 @@
 #include "desktop/program/composition.h"
 
-#include <QtCore/QLocale>
 #include <utility>
 
 #include "desktop/files/module.h"
@@ -15,14 +14,6 @@ constexpr const char* streamHostKey = "VLStreamHost";
 constexpr const char* storeHostKey = "VLStoreSearchHost";
 
 }  // namespace
-
-std::unique_ptr<platform::NSBundle> openBundle(const std::string& path) {
-  std::vector<std::string> languages;
-  for (const QString& language : QLocale::system().uiLanguages()) {
-    languages.push_back(language.toStdString());
-  }
-  return platform::NSBundle::bundleWithPath(path, std::move(languages));
-}
 
 Composition::Composition(Options options) : bundle_(std::move(options.bundle)) {
   driver_.setPass([this] { runLoop_.runPass(); });

@@ -14,6 +14,7 @@
 #include "desktop/program/network.h"
 #include "desktop/program/player_source.h"
 #include "desktop/program/qt_run_loop.h"
+#include "desktop/program/resources.h"
 #include "desktop/program/worker_pool.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/login_items.h"
@@ -23,9 +24,6 @@
 #include "platform/platform.h"
 
 namespace desktop {
-
-/// The bundle in a folder, in the user's languages; null when there is none.
-std::unique_ptr<platform::NSBundle> openBundle(const std::string& path);
 
 /// Owns every part and puts them together; the widget and its card go first, what they stand on
 /// follows. Needs a QGuiApplication.
@@ -57,6 +55,7 @@ class Composition {
   PlayerSource& player() { return *player_; }
   const LoginItems& loginItems() const { return *loginItems_; }
   QtGraphics& graphics() { return graphics_; }
+  RatingsStore* ratings() { return ratings_.get(); }  ///< null without a bus
   /// The widget's name as the user sees it.
   std::string displayName() const;
 

@@ -1,6 +1,5 @@
 #include "desktop/program/hand_on.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusMessage>
 #include <cstdlib>
 #include <iostream>
@@ -39,15 +38,17 @@ CardRequest requestOf(const QVariantMap& values) {
 }
 
 HandingOn handOn(const QDBusConnection& bus, const CardRequest& request) {
-  QDBusMessage call =
-      QDBusMessage::createMethodCall(cardService, cardObject, cardService, QStringLiteral("Show"));
+  QDBusMessage call = QDBusMessage::createMethodCall(cardService, cardObject, cardInterface,
+                                                     QStringLiteral("Show"));
   call.setAutoStartService(false);
   call << valuesOf(request);
   const QDBusMessage reply = bus.call(call, QDBus::Block, patience);
   if (reply.type() == QDBusMessage::ReplyMessage) return HandingOn::done;
   const QString error = reply.errorName();
+  // What owns the name without a window knows of no card.
   const bool isNobodyThere = error == QLatin1String("org.freedesktop.DBus.Error.ServiceUnknown") ||
-                             error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+                             error == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner") ||
+                             error == QLatin1String("org.freedesktop.DBus.Error.UnknownInterface");
   return isNobodyThere ? HandingOn::nobodyThere : HandingOn::unanswered;
 }
 
@@ -66,18 +67,6 @@ std::optional<int> handOn(const QDBusConnection& bus, const CommandLine& command
   }
   std::cerr << "virelune-widget: the card that runs does not answer; --new starts another\n";
   return EXIT_FAILURE;
-}
-
-std::optional<int> handOnEarly(const CommandLine& commandLine, int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  const auto name = QStringLiteral("virelune-start");
-  std::optional<int> status;
-  {
-    const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-    if (bus.isConnected()) status = handOn(bus, commandLine);
-  }
-  QDBusConnection::disconnectFromBus(name);
-  return status;
 }
 
 }  // namespace desktop

@@ -1,19 +1,15 @@
 // One card in a session: a second start brings the card that runs to the front.
 #pragma once
 
-#include <QtCore/QString>
 #include <QtCore/QVariantMap>
 #include <QtDBus/QDBusConnection>
 #include <optional>
 #include <string>
 
 #include "desktop/program/command_line.h"
+#include "desktop/remote/names.h"
 
 namespace desktop {
-
-// Where the session's first card is found on the bus.
-inline const auto cardService = QStringLiteral("org.virelune.Virelune.Widget");
-inline const auto cardObject = QStringLiteral("/org/virelune/Virelune/Widget");
 
 /// What a start hands on to the card that runs already.
 struct CardRequest {
@@ -35,7 +31,5 @@ HandingOn handOn(const QDBusConnection& bus, const CardRequest& request);
 /// The exit status when the card that runs has taken what a command line asks of it, or one line on
 /// standard error says that it does not answer; none when there is no such card.
 std::optional<int> handOn(const QDBusConnection& bus, const CommandLine& commandLine);
-/// The same before there is a display, so that a second start costs next to nothing.
-std::optional<int> handOnEarly(const CommandLine& commandLine, int argc, char** argv);
 
 }  // namespace desktop

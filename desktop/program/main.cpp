@@ -7,9 +7,39 @@
 #include "desktop/program/card_module.h"
 #include "desktop/program/command_line.h"
 #include "desktop/program/hand_on.h"
+#include "desktop/program/headless.h"
+#include "desktop/remote/early_bus.h"
+#include "desktop/remote/verb.h"
+#include "desktop/remote/verbs.h"
+
+namespace {
+
+int runHeadless(const desktop::Verb* verb, int argc, char** argv) {
+  auto* run = reinterpret_cast<desktop::RunHeadless*>(
+      desktop::functionOfModule(desktop::headlessModule, desktop::runHeadlessName));
+  return run != nullptr ? run(verb, argc, argv) : EXIT_FAILURE;
+}
+
+int doVerb(const desktop::Result<desktop::Verb>& verb, int argc, char** argv) {
+  if (!verb) {
+    return desktop::refuse({desktop::badValueStatus, verb.problem().text + "; see --help"});
+  }
+  if (desktop::isForCard(*verb)) {
+    const auto status = desktop::askEarly(argc, argv, [&verb](const QDBusConnection& bus) {
+      return desktop::runVerbOnCard(*verb, bus);
+    });
+    if (status) return *status;
+  }
+  return runHeadless(&*verb, argc, argv);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   const std::span<const char* const> arguments(argv, static_cast<std::size_t>(argc));
+  if (const auto verb = desktop::parseVerb(arguments.subspan(arguments.empty() ? 0 : 1))) {
+    return doVerb(*verb, argc, argv);
+  }
   const auto commandLine =
       desktop::parseCommandLine(arguments.empty() ? arguments : arguments.subspan(1));
   if (!commandLine) {
@@ -24,8 +54,13 @@ int main(int argc, char** argv) {
     std::cout << "virelune-widget " << VIRELUNE_VERSION << '\n';
     return EXIT_SUCCESS;
   }
+  if (const auto verb = commandLine->verb()) return doVerb(*verb, argc, argv);
+  if (commandLine->service) return runHeadless(nullptr, argc, argv);
   if (commandLine->showsCard() && !commandLine->newCard) {
-    if (const auto status = desktop::handOnEarly(*commandLine, argc, argv)) return *status;
+    const auto status = desktop::askEarly(argc, argv, [&commandLine](const QDBusConnection& bus) {
+      return desktop::handOn(bus, *commandLine);
+    });
+    if (status) return *status;
   }
   auto* run = reinterpret_cast<desktop::RunCard*>(
       desktop::functionOfModule(desktop::cardModule, desktop::runCardName));

@@ -109,6 +109,57 @@ void PlayerSource::seekBus() {
   if (!demoPlayer_) announce();
 }
 
+// Controls.
+
+std::optional<PlayerReport> PlayerSource::report() {
+  if (!demoPlayer_) return bridge_ ? bridge_->report() : std::nullopt;
+  using Marked = platform::ScriptablePlayer::Marked;
+  return PlayerReport{.player = "demo",
+                      .state = demoPlayer_->state(),
+                      .track = demoPlayer_->track(),
+                      .position = demoPlayer_->position(),
+                      .rating = demoPlayer_->rating(Marked::track),
+                      .albumRating = demoPlayer_->rating(Marked::album),
+                      .isLoved = demoPlayer_->isLoved(Marked::track),
+                      .isAlbumLoved = demoPlayer_->isLoved(Marked::album)};
+}
+
+bool PlayerSource::can(PlayerCommand command) {
+  if (!demoPlayer_) return bridge_ && bridge_->can(command);
+  return command != PlayerCommand::raise;
+}
+
+bool PlayerSource::command(PlayerCommand command) {
+  if (!demoPlayer_) return bridge_ && bridge_->command(command);
+  const bool isPlaying = demoPlayer_->state() == demo::statePlaying;
+  switch (command) {
+    case PlayerCommand::playPause:
+      return demoPlayer_->playPause();
+    case PlayerCommand::play:
+      return isPlaying || demoPlayer_->playPause();
+    case PlayerCommand::pause:
+      return !isPlaying || demoPlayer_->playPause();
+    case PlayerCommand::stop:
+      demoPlayer_->stop();
+      return true;
+    case PlayerCommand::next:
+      return demoPlayer_->nextTrack();
+    case PlayerCommand::previous:
+      return demoPlayer_->previousTrack();
+    case PlayerCommand::raise:
+      break;
+  }
+  return false;
+}
+
+bool PlayerSource::seek(double seconds) {
+  return demoPlayer_ ? demoPlayer_->seek(seconds) : bridge_ && bridge_->seek(seconds);
+}
+
+bool PlayerSource::setVolume(double volume) {
+  return !demoPlayer_ && bridge_ && bridge_->setVolume(volume);
+}
+
 // Scripting and workspace.
 
 platform::WorkspaceBackend& PlayerSource::workspace() {

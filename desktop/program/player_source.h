@@ -24,7 +24,8 @@ namespace desktop {
 class PlayerSource final : public QObject,
                            public platform::ScriptingTransport,
                            public platform::WorkspaceBackend,
-                           public PlayerApplication {
+                           public PlayerApplication,
+                           public PlayerControls {
   Q_OBJECT
 
  public:
@@ -55,6 +56,13 @@ class PlayerSource final : public QObject,
   std::shared_ptr<platform::NSImage> icon(const std::string& path) override;
   void launchApplication(const std::string& bundleIdentifier) override;
   void openURL(const platform::URL& url) override;
+
+  // Controls, likewise.
+  std::optional<PlayerReport> report() override;
+  bool can(PlayerCommand command) override;
+  bool command(PlayerCommand command) override;
+  bool seek(double seconds) override;
+  bool setVolume(double volume) override;
 
   // The application on the bus.
   bool isRunning() override { return bridge_ && bridge_->isRunning(); }

@@ -19,8 +19,6 @@
 #include "desktop/program/hand_on.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
-#include "desktop/ratings/backups.h"
-#include "desktop/ratings/exchange.h"
 #include "desktop/window/card_menu.h"
 
 namespace desktop {
@@ -33,41 +31,6 @@ constexpr const char* defaultTourFolder = "virelune-tour";
 int fail(const std::string& message) {
   std::cerr << "virelune-widget: " << message << '\n';
   return EXIT_FAILURE;
-}
-
-std::string bundlePath() {
-  return (programFile().parent_path().parent_path() / "share" / "virelune-widget").string();
-}
-
-int listPlayers() {
-  const auto bus = QDBusConnection::sessionBus();
-  if (!bus.isConnected()) return fail("there is no session bus");
-  const auto players = PlayerBridge::listPlayers(bus);
-  if (players.empty()) std::cout << "No music player is on the session bus.\n";
-  for (const PlayerListing& player : players) {
-    std::cout << player.name;
-    if (!player.identity.empty()) std::cout << "  " << player.identity;
-    if (!player.status.empty()) std::cout << "  " << player.status;
-    std::cout << '\n';
-  }
-  return EXIT_SUCCESS;
-}
-
-int exchangeRatings(const CommandLine& commandLine) {
-  RatingsStore ratings(RatingsStore::defaultFile());
-  if (commandLine.listBackups) {
-    std::cout << listOfBackups(ratings.file()) << std::flush;
-    return EXIT_SUCCESS;
-  }
-  const auto report =
-      commandLine.restoreRatings  ? restoreRatings(ratings, *commandLine.restoreRatings)
-      : commandLine.importRatings ? importRatings(ratings, *commandLine.importRatings)
-      : commandLine.salvage       ? salvageRatings(ratings, *commandLine.exportRatings)
-                                  : exportRatings(ratings, *commandLine.exportRatings);
-  if (!report) return fail(report.problem().text);
-  // What is exported may go to the standard output.
-  (commandLine.exportRatings ? std::cerr : std::cout) << *report << std::endl;
-  return EXIT_SUCCESS;
 }
 
 int tour(const CommandLine& commandLine, Composition& composition,
@@ -141,17 +104,9 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const virelune::WidgetEntry& widget) {
-  if (commandLine.exportRatings || commandLine.importRatings || commandLine.restoreRatings ||
-      commandLine.listBackups) {
-    return exchangeRatings(commandLine);
-  }
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
   QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");
-  if (commandLine.listPlayers) {
-    const QCoreApplication application(argc, argv);
-    return listPlayers();
-  }
 
   const bool takesTour = commandLine.takesTour();
   if (takesTour && (commandLine.player || commandLine.waitForPlayer)) {
@@ -167,8 +122,8 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   const QGuiApplication application(argc, argv);
   QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
 
-  auto bundle = openBundle(bundlePath());
-  if (!bundle) return fail("the resources are missing: " + bundlePath());
+  auto bundle = openBundle(resourceFolder());
+  if (!bundle) return fail("the resources are missing: " + resourceFolder().string());
   auto bus = QDBusConnection::sessionBus();
   Instance instance;
   if (!takesTour && bus.isConnected()) {

@@ -187,10 +187,12 @@ bool RatingsStore::set(const RatingsRecord& record, const Work& more) {
   if (!digest) return false;
   RatingsRecord dated = record;
   dated.ratingChanged = dated.lovedChanged = static_cast<std::int64_t>(std::time(nullptr));
-  return write([&](Connection& connection) {
+  const bool isDone = write([&](Connection& connection) {
     const int result = connection.entries.set(*digest, dated);
     return result == SQLITE_OK && more ? more(connection) : result;
   });
+  if (isDone && changed_) changed_();
+  return isDone;
 }
 
 bool RatingsStore::write(const Work& work) {

@@ -44,6 +44,9 @@ class RatingsStore {
   /// neither is known.
   static std::filesystem::path defaultFile();
 
+  /// Called after each write of a mark that has been done.
+  void setChangeHandler(std::function<void()> changed) { changed_ = std::move(changed); }
+
   // Reading; nothing set when the store cannot be read or the track cannot be recognised again.
   Marks trackMarks(const TrackIdentity& track);
   Marks albumMarks(const TrackIdentity& track);
@@ -111,6 +114,7 @@ class RatingsStore {
   std::filesystem::path file_;
   std::ostream& messages_;
   std::set<StoreProblem::Kind> told_;  ///< since the last successful write
+  std::function<void()> changed_;
   Patience patience_;
   std::unique_ptr<Connection> connection_;
 };

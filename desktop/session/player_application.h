@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "platform/application/workspace.h"
+
 namespace desktop {
 
 /// Narrow, so that a player on the bus and the built-in one are the same to the workspace.
@@ -16,5 +18,13 @@ class PlayerApplication {
   /// Brings the running player to the front; false when none runs. Never waits.
   virtual bool raise() = 0;
 };
+
+/// True for the player's bundle identifier.
+bool isPlayer(const std::string& bundleIdentifier);
+
+/// What the workspace tells to run under a bundle identifier: the player, and nothing else. The
+/// player may be null.
+platform::ObjectArray runningInstances(PlayerApplication* player,
+                                       const std::string& bundleIdentifier);
 
 }  // namespace desktop

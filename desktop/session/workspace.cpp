@@ -36,10 +36,6 @@ std::unique_ptr<InstalledApplications> loadApplications() {
   return std::make_unique<NoApplications>();
 }
 
-bool isPlayer(const std::string& bundleIdentifier) {
-  return platform::caseInsensitiveEqual(bundleIdentifier, platform::player::bundleIdentifier);
-}
-
 bool isStoreScheme(const std::string& scheme) { return scheme == "itms" || scheme == "itmss"; }
 
 /// The user's choice of programs for these is known to the desktop, which Qt asks.
@@ -67,9 +63,7 @@ InstalledApplications& DesktopWorkspace::applications() {
 }
 
 platform::ObjectArray DesktopWorkspace::runningApplications(const std::string& bundleIdentifier) {
-  if (!isPlayer(bundleIdentifier) || player_ == nullptr || !player_->isRunning()) return {};
-  return {
-      platform::make<platform::NSRunningApplication>(platform::player::bundleIdentifier, false)};
+  return runningInstances(player_, bundleIdentifier);
 }
 
 std::optional<std::string> DesktopWorkspace::applicationPath(const std::string& bundleIdentifier) {

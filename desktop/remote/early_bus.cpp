@@ -1,0 +1,21 @@
+#include "desktop/remote/early_bus.h"
+
+#include <QtCore/QCoreApplication>
+
+namespace desktop {
+
+std::optional<int> askEarly(
+    int argc, char** argv,
+    const std::function<std::optional<int>(const QDBusConnection& bus)>& question) {
+  const QCoreApplication application(argc, argv);
+  const auto name = QStringLiteral("virelune-start");
+  std::optional<int> answer;
+  {
+    const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+    if (bus.isConnected()) answer = question(bus);
+  }
+  QDBusConnection::disconnectFromBus(name);
+  return answer;
+}
+
+}  // namespace desktop

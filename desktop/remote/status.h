@@ -1,0 +1,22 @@
+// What plays, as scripts and other programs are told.
+#pragma once
+
+#include <QtCore/QVariantMap>
+#include <optional>
+
+#include "desktop/player/controls.h"
+
+namespace desktop {
+
+/// Empty without a player. Keys that say nothing are left out; else they are:
+/// - of the player: "player", "identity", "state" ("playing", "paused", "stopped"), "volume" (d, 1
+/// is
+///   full);
+/// - of its track: "title", "artist", "album", "albumArtist", "address", "artwork" (an address),
+///   "length" and "position" (d, seconds), "stream" (b);
+/// - of its marks: "rating" and "albumRating" (d, stars), "ratedBy" and "albumRatedBy" ("user" or
+///   "player"), "loved" and "albumLoved" (b), "library" (what became of the rating in the player's
+///   library: "written", "pending", "refused", "none").
+QVariantMap statusOf(const std::optional<PlayerReport>& report);
+
+}  // namespace desktop
