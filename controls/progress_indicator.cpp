@@ -95,6 +95,20 @@ double VLProgressIndicator::nowValueFromPoint(NSPoint point) const {
 
 bool VLProgressIndicator::isMaxValueValid() const { return maxValue() > 0; }
 
+// Accessibility
+
+std::optional<platform::NSAccessibilityValue> VLProgressIndicator::accessibilityValue() const {
+  constexpr double step = 5;
+  if (!isMaxValueValid()) return std::nullopt;
+  return platform::NSAccessibilityValue{std::min(nowValue(), maxValue()), maxValue(), step};
+}
+
+bool VLProgressIndicator::setAccessibilityValue(double value) {
+  if (!isMaxValueValid()) return false;
+  setNowValueImmediately(std::min(value, maxValue()));
+  return performTargetAction(this);
+}
+
 // Drawing
 
 void VLProgressIndicator::drawRect(NSRect dirtyRect) {

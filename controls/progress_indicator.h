@@ -38,6 +38,13 @@ class VLProgressIndicator : public VLView {
   /// True when there is a scale, that is a maxValue above 0.
   bool isMaxValueValid() const;
 
+  // Accessibility: a scale in seconds, on which a step is five of them.
+  platform::NSAccessibilityRole accessibilityRole() const override {
+    return platform::NSAccessibilityRole::position;
+  }
+  std::optional<platform::NSAccessibilityValue> accessibilityValue() const override;
+  bool setAccessibilityValue(double value) override;
+
   // Drawing
   void drawRect(platform::NSRect dirtyRect) override;
   platform::NSColor drawProgressLeftColor() const;

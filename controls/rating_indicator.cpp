@@ -1,6 +1,7 @@
 #include "controls/rating_indicator.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "platform/application/bundle.h"
 #include "platform/graphics/canvas.h"
@@ -71,6 +72,21 @@ std::int64_t VLRatingIndicator::nowValueFromPoint(NSPoint point) const {
   if (width < 1) return 0;
   const auto top = static_cast<double>(maxValue());
   return static_cast<std::int64_t>(std::clamp(point.x / width * top, 0.0, top));
+}
+
+// Accessibility
+
+std::optional<platform::NSAccessibilityValue> VLRatingIndicator::accessibilityValue() const {
+  const auto base = static_cast<double>(drawRatingBase());
+  return platform::NSAccessibilityValue{.now = static_cast<double>(nowValue()) / base,
+                                        .maximum = static_cast<double>(maxValue()) / base};
+}
+
+bool VLRatingIndicator::setAccessibilityValue(double value) {
+  setRatingType(VLRatingTypeUser);
+  const double halves = std::clamp(value, 0.0, accessibilityValue()->maximum);
+  setNowValueImmediately(std::lround(halves) * drawRatingBase());
+  return performTargetAction(this);
 }
 
 bool VLRatingIndicator::setRatingType(std::int64_t type) {

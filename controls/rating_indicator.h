@@ -37,6 +37,13 @@ class VLRatingIndicator : public VLView {
   std::int64_t ratingType() const { return contentRatingType(); }
   bool setRatingType(std::int64_t type);
 
+  // Accessibility: in halves of a star.
+  platform::NSAccessibilityRole accessibilityRole() const override {
+    return platform::NSAccessibilityRole::rating;
+  }
+  std::optional<platform::NSAccessibilityValue> accessibilityValue() const override;
+  bool setAccessibilityValue(double value) override;
+
   // Drawing
   void drawRect(platform::NSRect dirtyRect) override;
   std::int64_t drawRatingCount() const { return 5; }  ///< number of star cells

@@ -33,6 +33,11 @@ class VLTextLabel : public VLView {
   /// Font, colour and paragraph style; a missing font or colour leaves no entry.
   platform::Dictionary textAttributes() const;
 
+  platform::NSAccessibilityRole accessibilityRole() const override {
+    return platform::NSAccessibilityRole::staticText;
+  }
+  std::string accessibilityLabel() const override { return text().value_or(std::string()); }
+
   void drawRect(platform::NSRect dirtyRect) override;
   /// Draws the text into the bounds; the rectangle does not matter. False when there is no text.
   bool drawTextInRect(platform::NSRect rect);

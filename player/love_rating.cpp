@@ -12,6 +12,9 @@ namespace virelune {
 
 namespace {
 
+constexpr const char* useAutoLoveKey = "UseAutoLove";
+constexpr const char* useAutoLoveValueKey = "UseAutoLoveValue";
+
 constexpr std::int64_t maximumRating = 100;
 constexpr std::int64_t halfStar = 10;
 
@@ -101,14 +104,23 @@ std::optional<platform::Dictionary> vl_generalPreferencesInfo() {
 }
 
 bool vl_useAutoLovedRating() {
-  const auto use = vl_generalPreferencesInfoValueForKey_andClass<platform::Number>("UseAutoLove");
+  const auto use = vl_generalPreferencesInfoValueForKey_andClass<platform::Number>(useAutoLoveKey);
   return use && use->boolValue();
 }
 
 std::int64_t vl_autoLovedRating() {
   const auto value =
-      vl_generalPreferencesInfoValueForKey_andClass<platform::Number>("UseAutoLoveValue");
+      vl_generalPreferencesInfoValueForKey_andClass<platform::Number>(useAutoLoveValueKey);
   return value ? clampedRating(value->integerValue()) : 0;
+}
+
+bool vl_setAutoLoveRule(std::optional<std::int64_t> threshold) {
+  const auto url = vl_applicationPreferencesURLForPlistGeneral();
+  const auto path = url ? url->filePath() : std::nullopt;
+  if (!path) return false;
+  if (!threshold) return platform::setEntriesOfFile(*path, {{useAutoLoveKey, false}});
+  return platform::setEntriesOfFile(
+      *path, {{useAutoLoveKey, true}, {useAutoLoveValueKey, clampedRating(*threshold)}});
 }
 
 bool vl_toggleTrackLoved() { return toggleLoved(trackMarks); }

@@ -30,6 +30,10 @@ bool vl_useAutoLovedRating();
 /// The threshold, from 0 to 100: a rating of at least this much goes with love.
 std::int64_t vl_autoLovedRating();
 
+/// Turns the rule on with a threshold, or off with none. False when the preferences cannot be read
+/// or written; what else is in them stays.
+bool vl_setAutoLoveRule(std::optional<std::int64_t> threshold);
+
 // Commands. All answer false, and change nothing, without a player to send them to. Ratings are
 // limited to 0…100. A command that names an automatic change leaves alone what already fits.
 

@@ -1,4 +1,5 @@
 #include "extensions/colors.h"
+#include "extensions/strings.h"
 #include "platform/application/bundle.h"
 #include "platform/foundation/image.h"
 #include "track/track_view_controller.h"
@@ -17,6 +18,10 @@ namespace {
 
 /// Of the controls that step back behind the texts.
 constexpr double dimmedAlpha = 0.5;
+
+std::string localizedString(const char* key) {
+  return vl_localizedString(key).value_or(std::string());
+}
 
 std::shared_ptr<VLTextLabel> preparedTextLabel(const std::optional<NSFont>& font,
                                                const std::optional<NSColor>& color, NSRect frame,
@@ -117,6 +122,7 @@ std::shared_ptr<VLArtworkButton> VLTrackViewController::preparedArtworkButton() 
   auto button = platform::make<VLArtworkButton>(preparedArtworkButtonFrame());
   configurePanelButton(*button, nullptr, shared_from_this(),
                        &VLTrackViewController::clickedArtworkButton);
+  button->setAccessibilityLabel(localizedString("0005.0001"));
   button->setWantsLayer(true);
   button->layer()->cornerRadius = 3;
   button->layer()->masksToBounds = true;
@@ -140,36 +146,39 @@ std::shared_ptr<VLTextLabel> VLTrackViewController::preparedTimeTextLabel() {
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedImageButton(const char* imageName,
                                                                      NSRect frame,
-                                                                     platform::Selector action) {
+                                                                     platform::Selector action,
+                                                                     const char* labelKey) {
   auto image = platform::imageNamed(imageName);
   if (!image) return nullptr;
   auto button = platform::make<NSButton>(frame);
   configurePanelButton(*button, std::move(image), shared_from_this(), std::move(action));
+  button->setAccessibilityLabel(localizedString(labelKey));
   button->setAlphaValue(dimmedAlpha);
   return button;
 }
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedNextButton() {
   return preparedImageButton(VLImageControllerNext, preparedNextButtonFrame(),
-                             &VLTrackViewController::clickedNextButton);
+                             &VLTrackViewController::clickedNextButton, "0004.0005");
 }
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedPlayButton() {
   auto button = platform::make<NSButton>(preparedPlayButtonFrame());
   configurePanelButton(*button, nullptr, shared_from_this(),
                        &VLTrackViewController::clickedPlayButton);
+  button->setAccessibilityLabel(localizedString("0004.0001"));
   button->setAlphaValue(dimmedAlpha);
   return button;
 }
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedPreviousButton() {
   return preparedImageButton(VLImageControllerPrevious, preparedPreviousButtonFrame(),
-                             &VLTrackViewController::clickedPreviousButton);
+                             &VLTrackViewController::clickedPreviousButton, "0004.0006");
 }
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedLoveButton() {
   return preparedImageButton(VLImageLoveOff, preparedLoveButtonFrame(),
-                             &VLTrackViewController::clickedLoveButton);
+                             &VLTrackViewController::clickedLoveButton, "0004.0009");
 }
 
 std::shared_ptr<VLProgressIndicator> VLTrackViewController::preparedProgressIndicator() {
@@ -177,6 +186,7 @@ std::shared_ptr<VLProgressIndicator> VLTrackViewController::preparedProgressIndi
   indicator->setTarget(shared_from_this());
   indicator->setAction(&VLTrackViewController::clickedProgressIndicator);
   indicator->setColor(NSColor::grayColor());
+  indicator->setAccessibilityLabel(localizedString("0005.0002"));
   return indicator;
 }
 
@@ -185,6 +195,7 @@ std::shared_ptr<VLRatingIndicator> VLTrackViewController::preparedRatingIndicato
   indicator->setTarget(shared_from_this());
   indicator->setAction(&VLTrackViewController::clickedRatingIndicator);
   indicator->setAlphaValue(dimmedAlpha);
+  indicator->setAccessibilityLabel(localizedString("0005.0003"));
   return indicator;
 }
 

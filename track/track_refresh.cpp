@@ -107,7 +107,9 @@ bool VLTrackViewController::updateProgressIndicatorNowValue() {
 bool VLTrackViewController::updateLoveButton() {
   const auto button = contentLoveButton();
   if (!button) return false;
-  button->setImage(platform::imageNamed(infoTrackLoved() ? VLImageLoveOn : VLImageLoveOff));
+  const bool isLoved = infoTrackLoved();
+  button->setImage(platform::imageNamed(isLoved ? VLImageLoveOn : VLImageLoveOff));
+  button->setAccessibilityState(isLoved);
   return true;
 }
 

@@ -223,7 +223,8 @@ class VLTrackViewController : public VLViewController {
 
   std::shared_ptr<platform::NSButton> preparedImageButton(const char* imageName,
                                                           platform::NSRect frame,
-                                                          platform::Selector action);
+                                                          platform::Selector action,
+                                                          const char* labelKey);
   template <class Control>
   bool installControl(std::shared_ptr<Control> control,
                       void (VLTrackViewController::*store)(std::shared_ptr<Control>) = nullptr);

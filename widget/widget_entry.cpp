@@ -30,6 +30,11 @@ WidgetEntry widgetEntry() {
               [](bool loved, bool album) {
                 return album ? vl_setCurrentAlbumLoved(loved) : vl_setCurrentTrackLoved(loved);
               },
+          .loveRule =
+              [] {
+                return vl_useAutoLovedRating() ? std::optional(vl_autoLovedRating()) : std::nullopt;
+              },
+          .setLoveRule = vl_setAutoLoveRule,
           .showsLiveProgramme = showsLiveProgramme};
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "platform/application/extension.h"
 
@@ -19,6 +20,10 @@ struct WidgetEntry {
   // them to. A rating is limited to 0…100.
   std::function<bool(std::int64_t rating, bool album)> setRating;
   std::function<bool(bool loved, bool album)> setLoved;
+  /// The rating from which love goes with stars by itself; none while that is off.
+  std::function<std::optional<std::int64_t>()> loveRule;
+  /// False when it cannot be kept.
+  std::function<bool(std::optional<std::int64_t> from)> setLoveRule;
   /// True while the controller made last shows the live station and knows what is on air.
   std::function<bool()> showsLiveProgramme;
 };

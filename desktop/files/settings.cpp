@@ -16,6 +16,8 @@ namespace fs = std::filesystem;
 const auto playerKey = QStringLiteral("Player/Followed");
 const auto lastPlayerKey = QStringLiteral("Player/Last");
 const auto onTopKey = QStringLiteral("Card/OnTop");
+const auto hidesWhenIdleKey = QStringLiteral("Card/HideWhenIdle");
+const auto writesLibrariesKey = QStringLiteral("Ratings/WriteLibraries");
 const auto scaleKey = QStringLiteral("Card/Scale");
 const auto lastPlaceKey = QStringLiteral("Place/Last");
 
@@ -104,10 +106,26 @@ void Settings::setLastPlayer(const std::string& desktopEntry) {
   set(lastPlayerKey, QString::fromStdString(desktopEntry));
 }
 
-bool Settings::isOnTop() const { return value(onTopKey).toString() == QLatin1String("true"); }
-void Settings::setOnTop(bool onTop) {
-  set(onTopKey, onTop ? QStringLiteral("true") : QStringLiteral("false"));
+bool Settings::isTrue(const QString& key, bool otherwise) const {
+  const QString text = value(key).toString();
+  if (text == QLatin1String("true")) return true;
+  return text == QLatin1String("false") ? false : otherwise;
 }
+
+void Settings::setTrue(const QString& key, bool isTrue) {
+  set(key, isTrue ? QStringLiteral("true") : QStringLiteral("false"));
+}
+
+bool Settings::isOnTop() const { return isTrue(onTopKey, false); }
+void Settings::setOnTop(bool onTop) { setTrue(onTopKey, onTop); }
+
+bool Settings::hidesWhenIdle() const { return isTrue(hidesWhenIdleKey, false); }
+void Settings::setHidesWhenIdle(bool hides) { setTrue(hidesWhenIdleKey, hides); }
+
+bool Settings::writesLibraries() const { return isTrue(writesLibrariesKey, true); }
+void Settings::setWritesLibraries(bool writes) { setTrue(writesLibrariesKey, writes); }
+
+void Settings::setScale(double scale) { set(scaleKey, QString::number(scale)); }
 
 std::optional<double> Settings::scale() const {
   bool isNumber = false;

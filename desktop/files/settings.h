@@ -37,11 +37,18 @@ class Settings {
   bool isOnTop() const;
   void setOnTop(bool onTop);
   std::optional<double> scale() const;  ///< pixels per point, from 1 to 4
+  void setScale(double scale);
+  bool hidesWhenIdle() const;  ///< the card hides while nothing plays
+  void setHidesWhenIdle(bool hides);
+  bool writesLibraries() const;  ///< ratings go into players' libraries; true unless set otherwise
+  void setWritesLibraries(bool writes);
 
  private:
   QVariant value(const QString& key) const;
   std::string text(const QString& key) const;
   void set(const QString& key, const QVariant& value);
+  bool isTrue(const QString& key, bool otherwise) const;
+  void setTrue(const QString& key, bool isTrue);
 
   std::unique_ptr<QSettings> values_;  // null without a file
 };

@@ -61,7 +61,8 @@ std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus)
 }
 
 PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
-    : marksSignal_(bus, [this] { scheduleAnnouncement(); }),
+    : bus_(bus),
+      marksSignal_(bus, [this] { scheduleAnnouncement(); }),
       registry_(bus, QString::fromStdString(options.playerName)),
       artwork_([this] { scheduleAnnouncement(); }),
       ratings_(options.ratings),
@@ -71,9 +72,7 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
       wasRunning_(registry_.chosen() != nullptr) {
   if (ratings_ != nullptr) ratings_->setChangeHandler([this] { marksSignal_.send(); });
   if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
-  if (ratings_ != nullptr && options.writesLibraries) {
-    library_ = std::make_unique<LibraryWriter>(bus, *ratings_);
-  }
+  setWritesLibraries(options.writesLibraries);
   announcement_.setSingleShot(true);
   announcement_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&announcement_, &QTimer::timeout, &announcement_, [this] { announce(); });
@@ -91,6 +90,12 @@ void PlayerBridge::follow(const std::string& playerName) {
   if (!name.isEmpty()) lastDesktopEntry_ = firstComponent(name);
   registry_.setWantedName(name);
   rememberDesktopEntry();
+}
+
+void PlayerBridge::setWritesLibraries(bool writes) {
+  library_ =
+      writes && ratings_ != nullptr ? std::make_unique<LibraryWriter>(bus_, *ratings_) : nullptr;
+  if (library_ && registry_.chosen() != nullptr) library_->meet(*registry_.chosen());
 }
 
 bool PlayerBridge::follows(const std::string& playerName) const {

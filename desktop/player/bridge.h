@@ -61,6 +61,8 @@ class PlayerBridge final : public platform::ScriptingTransport,
 
   /// Follows this player while it is there; see Options.
   void follow(const std::string& playerName);
+  /// See Options.
+  void setWritesLibraries(bool writes);
   bool follows(const std::string& playerName) const;  ///< true while that is the one
   /// True while a rating is on its way into a player's library.
   bool isWriting() const { return library_ && library_->isWriting(); }
@@ -92,6 +94,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
   void scheduleAnnouncement();
   void announce();
 
+  QDBusConnection bus_;
   MarksSignal marksSignal_;
   PlayerRegistry registry_;
   PlayerArtwork artwork_;

@@ -17,9 +17,14 @@ QString nameOf(int number) {
 void Instance::claim(const QDBusConnection& bus) {
   QDBusConnection connection = bus;
   number_ = 0;
-  connection.registerObject(cardObject, this, QDBusConnection::ExportAllSlots);
+  connection.registerObject(cardObject, this,
+                            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAdaptors);
   for (int number = 1; number <= mostCards && number_ == 0; ++number) {
-    if (connection.registerService(nameOf(number))) number_ = number;
+    // What answers without a window gives way.
+    const auto claimed = connection.interface()->registerService(
+        nameOf(number), QDBusConnectionInterface::ReplaceExistingService,
+        QDBusConnectionInterface::DontAllowReplacement);
+    if (claimed.value() == QDBusConnectionInterface::ServiceRegistered) number_ = number;
   }
 }
 

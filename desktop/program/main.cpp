@@ -1,13 +1,19 @@
 // What every start does first; what needs more is loaded.
+#include <unistd.h>
+
 #include <cstdlib>
 #include <iostream>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "desktop/files/module.h"
 #include "desktop/program/card_module.h"
 #include "desktop/program/command_line.h"
 #include "desktop/program/hand_on.h"
 #include "desktop/program/headless.h"
+#include "desktop/program/run.h"
 #include "desktop/remote/early_bus.h"
 #include "desktop/remote/verb.h"
 #include "desktop/remote/verbs.h"
@@ -18,6 +24,24 @@ int runHeadless(const desktop::Verb* verb, int argc, char** argv) {
   auto* run = reinterpret_cast<desktop::RunHeadless*>(
       desktop::functionOfModule(desktop::headlessModule, desktop::runHeadlessName));
   return run != nullptr ? run(verb, argc, argv) : EXIT_FAILURE;
+}
+
+/// The program begins again in this process, with what it was started with but for its size.
+int startAnew(std::span<const char* const> arguments) {
+  std::vector<std::string> kept;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string_view argument = arguments[i];
+    if (argument == "--scale") {
+      ++i;
+    } else if (!argument.starts_with("--scale=")) {
+      kept.emplace_back(argument);
+    }
+  }
+  std::vector<char*> pointers;
+  for (std::string& argument : kept) pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  execv("/proc/self/exe", pointers.data());
+  return EXIT_FAILURE;
 }
 
 int doVerb(const desktop::Result<desktop::Verb>& verb, int argc, char** argv) {
@@ -64,5 +88,6 @@ int main(int argc, char** argv) {
   }
   auto* run = reinterpret_cast<desktop::RunCard*>(
       desktop::functionOfModule(desktop::cardModule, desktop::runCardName));
-  return run != nullptr ? run(*commandLine, argc, argv) : EXIT_FAILURE;
+  const int status = run != nullptr ? run(*commandLine, argc, argv) : EXIT_FAILURE;
+  return status == desktop::restartStatus ? startAnew(arguments) : status;
 }

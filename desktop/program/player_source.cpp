@@ -68,6 +68,15 @@ void PlayerSource::followPlayer(const std::string& name) {
   if (demoPlayer_ && bus_) leaveDemo();
 }
 
+std::vector<PlayerListing> PlayerSource::players() const {
+  return bus_ ? PlayerBridge::listPlayers(*bus_) : std::vector<PlayerListing>();
+}
+
+void PlayerSource::setWritesLibraries(bool writes) {
+  writesLibraries_ = writes;
+  if (bridge_) bridge_->setWritesLibraries(writes);
+}
+
 void PlayerSource::playDemo() {
   demoGivesWay_ = false;
   if (demoPlayer_) return;

@@ -46,6 +46,10 @@ class PlayerSource final : public QObject,
   bool hasPlayer(const std::string& name);
   /// Follows the players on the bus from now on, this one first; empty: whichever plays.
   void followPlayer(const std::string& name);
+  /// Those on the bus, in the order of their names; waits a quarter of a second at most.
+  std::vector<PlayerListing> players() const;
+  bool writesLibraries() const { return writesLibraries_; }
+  void setWritesLibraries(bool writes);
   /// Plays the demo player from now on, whatever comes.
   void playDemo();
 
@@ -91,7 +95,7 @@ class PlayerSource final : public QObject,
   std::string lastPlayer_;
   bool demoGivesWay_ = false;
   RatingsStore* const ratings_;
-  const bool writesLibraries_;
+  bool writesLibraries_;
   DesktopWorkspace desktop_{this};
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;

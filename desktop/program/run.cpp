@@ -10,16 +10,23 @@
 #include <iostream>
 #include <optional>
 
+#include "desktop/access/keyboard.h"
+#include "desktop/actions/player_actions.h"
 #include "desktop/files/module.h"
 #include "desktop/files/settings.h"
 #include "desktop/graphics/qt_image.h"
+#include "desktop/player/changes.h"
+#include "desktop/program/card_actions.h"
 #include "desktop/program/composition.h"
 #include "desktop/program/daily_backup.h"
 #include "desktop/program/ending.h"
 #include "desktop/program/hand_on.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
+#include "desktop/remote/service.h"
 #include "desktop/window/card_menu.h"
+#include "desktop/window/localized.h"
+#include "platform/application/player_dictionary.h"
 
 namespace desktop {
 
@@ -61,6 +68,37 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
+/// Hides the card while nothing plays, where the user wants it so, and brings it back.
+class IdleHiding {
+ public:
+  IdleHiding(CardSurface& window, const Settings& settings, PlayerControls& player)
+      : window_(window),
+        settings_(settings),
+        player_(player),
+        changes_(PlayerChanges::observe([this] { update(); })) {}
+
+  void update() {
+    const auto report = player_.report();
+    const bool isIdle = !report || report->state == platform::player::stateStopped ||
+                        report->state == platform::FourCharCode{};
+    const bool hides = isIdle && settings_.hidesWhenIdle();
+    if (hides == isHidden_) return;
+    isHidden_ = hides;
+    if (hides) {
+      window_.hide();
+    } else {
+      window_.open();
+    }
+  }
+
+ private:
+  CardSurface& window_;
+  const Settings& settings_;
+  PlayerControls& player_;
+  bool isHidden_ = false;
+  const std::shared_ptr<PlayerChanges> changes_;
+};
+
 int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
                Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
   PlayerSource& player = composition.player();
@@ -73,7 +111,31 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
                       .onTop = onTop,
                       .settings = &settings,
                       .cardNumber = instance.number()});
-  const CardMenu menu(window, composition.graphics(), widget);
+  IdleHiding hiding(window, settings, player);
+  Actions actions;
+  bool restarts = false;
+  std::optional<CardMenu> menu;
+  const CardParts parts{
+      .surface = window,
+      .card = *composition.card(),
+      .player = player,
+      .settings = settings,
+      .widget = widget,
+      .restart =
+          [&restarts] {
+            restarts = true;
+            QGuiApplication::quit();
+          },
+      .showKeys = [&] { menu->open(window.geometry().center(), keyItems(actions)); },
+      .updateHiding = [&] { hiding.update(); }};
+  addPlayerActions(actions, player, widget);
+  addCardActions(actions, parts);
+  menu.emplace(window, composition.graphics(), [&] { return menuItems(actions, parts); });
+  const Keyboard keyboard(window, *composition.card(), actions, player);
+  Service service(&instance, {.actions = actions,
+                              .player = player,
+                              .ratings = composition.ratings(),
+                              .label = localizedString});
   composition.useDrag(window);
   setWindowIcon();
   instance.setHandler([&](const CardRequest& request) {
@@ -88,16 +150,20 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   QObject::connect(&player, &PlayerSource::playerHeard, &window, [&settings, &player] {
     if (player.isRunning()) settings.setLastPlayer(player.desktopEntry());
   });
-  QObject::connect(&player, &PlayerSource::busReturned, &window,
-                   [&instance](const QDBusConnection& bus) { instance.claim(bus); });
+  QObject::connect(&player, &PlayerSource::busReturned, &window, [&](const QDBusConnection& bus) {
+    instance.claim(bus);
+    service.setBus(bus);
+  });
+  service.setBus(QDBusConnection::sessionBus());
   composition.loginItems().followMovedProgram();
   const EndingSignals endings;
   const DailyBackup backup(RatingsStore::defaultFile());
   display.setLastAct([&window] { window.rememberPlace(); });
   window.open();
+  hiding.update();
   const int status = QGuiApplication::exec();
   instance.setHandler(nullptr);
-  return status;
+  return restarts ? restartStatus : status;
 }
 
 }  // namespace
@@ -145,7 +211,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
        .playerName = commandLine.player.value_or(settings->player()),
        .lastPlayer = settings->lastPlayer(),
        .demoStandsIn = !commandLine.player && !commandLine.waitForPlayer,
-       .writesLibraries = !commandLine.noLibrary,
+       .writesLibraries = !commandLine.noLibrary && settings->writesLibraries(),
        .streamHost = commandLine.streamHost,
        .storeHost = commandLine.storeHost});
   if (composition.card() == nullptr) return fail("the resources name no widget");

@@ -44,6 +44,7 @@ class Card {
   void update();
   /// Tells the widget that the user begins or ends editing it.
   void setEditing(bool editing);
+  bool isEditing() const { return editing_; }
 
   // Looks
   /// Without translucency the card is painted opaque into its corners, which a mask then cuts.

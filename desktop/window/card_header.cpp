@@ -1,5 +1,6 @@
 #include "desktop/window/card_header.h"
 
+#include "desktop/window/localized.h"
 #include "platform/application/bundle.h"
 #include "platform/graphics/canvas.h"
 #include "platform/graphics/graphics.h"
@@ -68,8 +69,11 @@ CardHeader::CardHeader(NSRect frame, std::string title) : NSView(frame), title_(
 bool CardHeader::init() {
   const double closeX = bounds().size.width - rightMargin - controlSide;
   closeButton_ = addButton(closeX, closeImage, &CardHeader::clickedCloseButton);
+  closeButton_->setAccessibilityLabel(localizedString("0003.0003"));
   editButton_ =
       addButton(closeX - controlGap - controlSide, editImage, &CardHeader::clickedEditButton);
+  editButton_->setAccessibilityLabel(localizedString("0003.0015"));
+  editButton_->setAccessibilityState(false);
   editButton_->setHidden(true);
   return true;
 }
@@ -93,6 +97,7 @@ void CardHeader::setEditHandler(std::function<void()> handler) {
 
 void CardHeader::setEditing(bool editing) {
   editButton_->setOn(editing);
+  editButton_->setAccessibilityState(editing);
   editButton_->setImage(platform::imageNamed(editing ? doneImage : editImage));
 }
 

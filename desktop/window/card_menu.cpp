@@ -7,6 +7,7 @@
 #include "desktop/graphics/qt_canvas.h"
 #include "desktop/window/card_style.h"
 #include "desktop/window/compositing.h"
+#include "desktop/window/localized.h"
 #include "desktop/window/placement.h"
 #include "platform/application/bundle.h"
 
@@ -23,14 +24,12 @@ constexpr double checkInset = 10;  // between the menu's edge and the check mark
 constexpr double checkSide = 12;
 constexpr double textInset = 26;
 constexpr double textSize = 13;
+constexpr double keyGap = 24;  // between a title and its key
+constexpr double keyOpacity = 0.55;
+constexpr double disabledOpacity = 0.4;
 constexpr double cornerRadius = 8;
 constexpr double itemCornerRadius = 5;
 constexpr const char* checkImage = "CardDone";
-
-std::string localizedString(const char* key) {
-  auto* bundle = platform::NSBundle::mainBundle();
-  return bundle != nullptr ? bundle->localizedStringForKey_table(key, std::nullopt) : key;
-}
 
 platform::Dictionary textAttributes() {
   return {
@@ -46,10 +45,13 @@ platform::NSSize textExtent(const std::string& text) {
       .size;
 }
 
+/// The way back to the level before, which is the first item of every other.
+MenuItem wayBack(const std::string& title) { return {.title = "‹  " + title}; }
+
 }  // namespace
 
-CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, const virelune::WidgetEntry& widget)
-    : card_(card), graphics_(graphics), widget_(widget) {
+CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, Source source)
+    : card_(card), graphics_(graphics), source_(std::move(source)) {
   QSurfaceFormat translucent = format();
   translucent.setAlphaBufferSize(8);
   setFormat(translucent);
@@ -60,27 +62,47 @@ CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, const virelune::Widg
 
 CardMenu::~CardMenu() { card_.setMenuHandler(nullptr); }
 
-std::vector<CardMenu::Item> CardMenu::currentItems() {
-  const bool isLaunching = widget_.isLaunchingAtLogin();
-  const bool isOnTop = card_.isOnTop();
-  std::vector<Item> items{
-      {localizedString("0003.0001"), isLaunching,
-       [this, isLaunching] { widget_.setLaunchingAtLogin(!isLaunching); }},
-      {localizedString("0003.0002"), isOnTop, [this, isOnTop] { card_.setOnTop(!isOnTop); }},
-      {localizedString("0003.0003"), false, [this] { card_.close(); }}};
-  if (!canChoosePlace()) items.erase(items.begin() + 1);
-  return items;
+void CardMenu::open(QPoint point) { open(point, source_()); }
+
+void CardMenu::open(QPoint point, std::vector<MenuItem> items) {
+  place_ = point;
+  levels_.assign(1, std::move(items));
+  pointedItem_.reset();
+  fit();
+  show();
+  update();
 }
 
-void CardMenu::open(QPoint point) {
-  items_ = currentItems();
-  pointedItem_.reset();
+void CardMenu::fit() {
   const QSize wanted = fittingSize();
   QList<QRect> screens;
   if (card_.screen() != nullptr) screens.append(card_.screen()->availableGeometry());
-  setGeometry(QRect(positionOnScreens(point, wanted, screens), wanted));
-  show();
+  setGeometry(QRect(positionOnScreens(place_, wanted, screens), wanted));
   update();
+}
+
+void CardMenu::choosePointed() {
+  if (!pointedItem_) return;
+  const MenuItem item = items()[*pointedItem_];
+  if (!item.isEnabled) return;
+  if (levels_.size() > 1 && *pointedItem_ == 0) return leaveLevel();
+  if (item.children.empty()) {
+    dismiss();
+    if (item.choose) item.choose();
+    return;
+  }
+  std::vector<MenuItem> level{wayBack(item.title)};
+  level.insert(level.end(), item.children.begin(), item.children.end());
+  levels_.push_back(std::move(level));
+  pointedItem_.reset();
+  fit();
+}
+
+void CardMenu::leaveLevel() {
+  if (levels_.size() == 1) return dismiss();
+  levels_.pop_back();
+  pointedItem_.reset();
+  fit();
 }
 
 void CardMenu::dismiss() {
@@ -91,9 +113,12 @@ void CardMenu::dismiss() {
 
 QSize CardMenu::fittingSize() const {
   double width = 0;
-  for (const Item& item : items_) width = std::max(width, textExtent(item.title).width);
+  for (const MenuItem& item : items()) {
+    const double key = item.key.empty() ? 0 : keyGap + textExtent(item.key).width;
+    width = std::max(width, textExtent(item.title).width + key);
+  }
   return QSizeF(std::ceil(textInset + width + textInset),
-                2 * margin + itemHeight * static_cast<double>(items_.size()))
+                2 * margin + itemHeight * static_cast<double>(items().size()))
       .toSize();
 }
 
@@ -104,12 +129,23 @@ QRectF CardMenu::itemPlace(std::size_t index) const {
 
 void CardMenu::point(QPointF position) {
   std::optional<std::size_t> pointed;
-  for (std::size_t index = 0; index < items_.size(); ++index) {
+  for (std::size_t index = 0; index < items().size(); ++index) {
     if (itemPlace(index).contains(position)) pointed = index;
   }
-  if (pointed == pointedItem_) return;
-  pointedItem_ = pointed;
+  pointAt(pointed);
+}
+
+void CardMenu::pointAt(std::optional<std::size_t> index) {
+  if (index == pointedItem_) return;
+  pointedItem_ = index;
   update();
+}
+
+void CardMenu::movePointer(bool down) {
+  const std::size_t count = items().size();
+  if (count == 0) return;
+  const std::size_t start = down ? count - 1 : 0;
+  pointAt((pointedItem_.value_or(start) + (down ? 1 : count - 1)) % count);
 }
 
 bool CardMenu::event(QEvent* event) {
@@ -142,24 +178,41 @@ void CardMenu::paintEvent(QPaintEvent*) {
   canvas.fillRoundedRect(whole, radius, background);
   canvas.fillRoundedRect(whole, radius, cardBorderColor(appearance));
   canvas.fillRoundedRect(inside, std::max(0.0, radius - line), background);
-  for (std::size_t index = 0; index < items_.size(); ++index) paintItem(canvas, index);
+  for (std::size_t index = 0; index < items().size(); ++index) paintItem(canvas, index);
 }
 
 void CardMenu::paintItem(platform::Canvas& canvas, std::size_t index) const {
-  const Item& item = items_[index];
+  const MenuItem& item = items()[index];
   const QRectF place = itemPlace(index);
   const double bottom = height() - place.bottom();
-  if (index == pointedItem_) {
+  if (index == pointedItem_ && item.isEnabled) {
     canvas.fillRoundedRect(NSMakeRect(place.x(), bottom, place.width(), itemHeight),
                            itemCornerRadius, NSColor::labelColor().colorWithAlphaComponent(0.1));
+  }
+  if (item.beginsGroup) {
+    canvas.fillRoundedRect(NSMakeRect(place.x(), height() - place.top(), place.width(), 1), 0,
+                           NSColor::labelColor().colorWithAlphaComponent(0.15));
   }
   if (const auto check = item.isChecked ? platform::imageNamed(checkImage) : nullptr) {
     const double y = bottom + (itemHeight - checkSide) / 2;
     canvas.drawImage(*check, NSMakeRect(checkInset, y, checkSide, checkSide), 1);
   }
+  canvas.save();
+  if (!item.isEnabled) canvas.multiplyAlpha(disabledOpacity);
+  constexpr unsigned options = platform::NSStringDrawingUsesLineFragmentOrigin;
   platform::drawTextCentredInRect(canvas, {item.title, textAttributes()},
                                   NSMakeRect(textInset, bottom, width() - textInset, itemHeight),
-                                  platform::NSStringDrawingUsesLineFragmentOrigin, itemHeight);
+                                  options, itemHeight);
+  const std::string atEnd = item.children.empty() ? item.key : "›";
+  if (!atEnd.empty()) {
+    canvas.multiplyAlpha(keyOpacity);
+    const double keyWidth = textExtent(atEnd).width;
+    platform::drawTextCentredInRect(
+        canvas, {atEnd, textAttributes()},
+        NSMakeRect(place.right() - checkInset - keyWidth, bottom, keyWidth + 1, itemHeight),
+        options, itemHeight);
+  }
+  canvas.restore();
 }
 
 void CardMenu::mousePressEvent(QMouseEvent* event) {
@@ -169,16 +222,28 @@ void CardMenu::mousePressEvent(QMouseEvent* event) {
 
 void CardMenu::mouseMoveEvent(QMouseEvent* event) { point(event->position()); }
 
-void CardMenu::mouseReleaseEvent(QMouseEvent*) {
-  // The release that follows the opening finds nothing pointed at unless the pointer moved.
-  if (!pointedItem_) return;
-  const auto choose = items_[*pointedItem_].choose;
-  dismiss();
-  choose();
-}
+// The release that follows the opening finds nothing pointed at unless the pointer moved.
+void CardMenu::mouseReleaseEvent(QMouseEvent*) { choosePointed(); }
 
 void CardMenu::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape) dismiss();
+  switch (event->key()) {
+    case Qt::Key_Escape:
+      return dismiss();
+    case Qt::Key_Left:
+      return leaveLevel();
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+      return movePointer(event->key() == Qt::Key_Down);
+    case Qt::Key_Right:
+      if (pointedItem_ && !items()[*pointedItem_].children.empty()) choosePointed();
+      return;
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return choosePointed();
+    default:
+      return;
+  }
 }
 
 }  // namespace desktop

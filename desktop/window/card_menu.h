@@ -8,27 +8,35 @@
 #include <vector>
 
 #include "desktop/window/card_surface.h"
-#include "widget/widget_entry.h"
 
 namespace desktop {
 
-/// Opens with the right button on the card: launch at login, keep on top, close. It is chosen from
-/// by a click, or by letting go of the button that opened it; a press elsewhere closes it.
+/// One line of a menu.
+struct MenuItem {
+  std::string title;
+  std::string key = {};  ///< how it is done by keyboard; empty for nothing
+  bool isChecked = false;
+  bool isEnabled = true;
+  bool beginsGroup = false;  ///< a line above it
+  std::function<void()> choose = {};
+  std::vector<MenuItem> children = {};  ///< of a further level, in the place of choosing
+};
+
+/// Opens with the right button on the card, or by keyboard. It is chosen from by a click, by
+/// letting go of the button that opened it, or with the arrow keys and Return; a press elsewhere,
+/// or Escape, closes it. A further level takes the place of the one before.
 class CardMenu final : public QRasterWindow {
  public:
-  struct Item {
-    std::string title;
-    bool isChecked = false;
-    std::function<void()> choose;
-  };
-
-  /// The card, the graphics and the widget must outlive the menu.
-  CardMenu(CardSurface& card, QtGraphics& graphics, const virelune::WidgetEntry& widget);
+  using Source = std::function<std::vector<MenuItem>()>;
+  /// The card and the graphics must outlive the menu. The source is asked whenever it opens.
+  CardMenu(CardSurface& card, QtGraphics& graphics, Source source);
   ~CardMenu() override;
 
   /// Shows the items as they are now, beside a point of the screen.
   void open(QPoint point);
-  const std::vector<Item>& items() const { return items_; }
+  /// Shows these in their place.
+  void open(QPoint point, std::vector<MenuItem> items);
+  const std::vector<MenuItem>& items() const { return levels_.back(); }
   /// Where an item lies, in points from the menu's upper left corner.
   QRectF itemPlace(std::size_t index) const;
 
@@ -42,16 +50,21 @@ class CardMenu final : public QRasterWindow {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  std::vector<Item> currentItems();
   QSize fittingSize() const;
+  void fit();
   void point(QPointF position);  ///< at an item, or at none
+  void pointAt(std::optional<std::size_t> index);
+  void movePointer(bool down);
+  void choosePointed();
+  void leaveLevel();
   void dismiss();
   void paintItem(platform::Canvas& canvas, std::size_t index) const;
 
   CardSurface& card_;
   QtGraphics& graphics_;
-  const virelune::WidgetEntry& widget_;
-  std::vector<Item> items_;
+  const Source source_;
+  QPoint place_;
+  std::vector<std::vector<MenuItem>> levels_{{}};  ///< never empty; the last one is shown
   std::optional<std::size_t> pointedItem_;
 };
 

@@ -1,9 +1,13 @@
 #include "desktop/window/card_surface.h"
 
 #include <QtGui/QGuiApplication>
+#include <QtGui/QPalette>
 #include <QtGui/QScreen>
+#include <chrono>
 #include <cmath>
+#include <utility>
 
+#include "desktop/graphics/qt_canvas.h"
 #include "desktop/window/card_style.h"
 #include "desktop/window/compositing.h"
 #include "desktop/window/placement.h"
@@ -11,6 +15,9 @@
 namespace desktop {
 
 namespace {
+
+constexpr double focusRingWidth = 2;
+constexpr double focusRingRadius = 4;
 
 /// The pixels of a card that lie within its corners.
 QRegion cardMask(QSize size) {
@@ -42,10 +49,11 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
   setFlag(Qt::WindowStaysOnTopHint, options.onTop && canChoosePlace());
   setTitle(options.title);
 
-  card_.window().setMarkHandler([this](platform::NSRect rect) {
-    const double y = card_.size().height - rect.maxY();
-    update(
-        areaOfWholePixels({rect.minX(), y, rect.size.width, rect.size.height}, devicePixelRatio()));
+  card_.window().setMarkHandler([this](platform::NSRect rect) { mark(rect); });
+  noticeEnd_.setSingleShot(true);
+  connect(&noticeEnd_, &QTimer::timeout, this, [this] {
+    notice_.clear();
+    update();
   });
   card_.setSizeHandler([this](platform::NSSize) { fitCard(); });
   card_.header().setCloseHandler([this] { close(); });
@@ -61,6 +69,12 @@ CardSurface::~CardSurface() {
   card_.setSizeHandler(nullptr);
   card_.window().setMarkHandler(nullptr);
   card_.window().setVisible(false);
+}
+
+void CardSurface::mark(platform::NSRect rect) {
+  const double y = card_.size().height - rect.maxY();
+  update(
+      areaOfWholePixels({rect.minX(), y, rect.size.width, rect.size.height}, devicePixelRatio()));
 }
 
 void CardSurface::open() {
@@ -136,8 +150,63 @@ void CardSurface::paintEvent(QPaintEvent* event) {
   {
     QPainter painter(this);
     card_.paint(painter, event->region(), appearance);
+    paintAbove(painter, appearance);
   }
   if (paintObserver_) paintObserver_(event->region());
+}
+
+// What lies above the card for a while. The painter is clipped to what is painted again.
+
+void CardSurface::paintAbove(QPainter& painter, platform::Appearance appearance) const {
+  QtCanvas canvas(painter, card_.size().height, appearance);
+  if (focus_) {
+    const QRectF ring(focus_->minX(), card_.size().height - focus_->maxY(), focus_->size.width,
+                      focus_->size.height);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QGuiApplication::palette().color(QPalette::Highlight), focusRingWidth));
+    painter.drawRoundedRect(ring.adjusted(focusRingWidth / 2, focusRingWidth / 2,
+                                          -focusRingWidth / 2, -focusRingWidth / 2),
+                            focusRingRadius, focusRingRadius);
+  }
+  if (notice_.empty()) return;
+  constexpr double height = 22;
+  const platform::NSAttributedString text{
+      notice_,
+      {{platform::NSFontAttributeName, platform::NSFont{12, platform::NSFontWeight::medium}},
+       {platform::NSForegroundColorAttributeName, platform::NSColor::labelColor()}}};
+  constexpr unsigned options = platform::NSStringDrawingUsesLineFragmentOrigin;
+  const platform::NSSize card = card_.size();
+  const double width = 28 + platform::boundingRectWithSize_options_attributes(
+                                notice_, {card.width, height}, options, text.attributes)
+                                .size.width;
+  const auto place =
+      platform::NSMakeRect((card.width - width) / 2, (card.height - height) / 2, width, height);
+  canvas.fillRoundedRect(place, height / 2, cardColor(appearance).colorWithAlphaComponent(0.95));
+  canvas.fillRoundedRect(place, height / 2, cardBorderColor(appearance));
+  auto centred = text;
+  centred.attributes[platform::NSParagraphStyleAttributeName] =
+      platform::NSParagraphStyle{platform::NSTextAlignment::center};
+  platform::drawTextCentredInRect(canvas, centred, place, options, height);
+}
+
+void CardSurface::setFocusRing(std::optional<platform::NSRect> focus) {
+  for (const auto& ring : {std::exchange(focus_, focus), focus}) {
+    if (ring) mark(*ring);
+  }
+}
+
+void CardSurface::showNotice(const std::string& text) {
+  constexpr std::chrono::seconds shown{1};
+  notice_ = text;
+  noticeEnd_.start(shown);
+  update();
+}
+
+QRect CardSurface::placeOnScreen(platform::NSRect rect) const {
+  const QRectF place(rect.minX(), card_.size().height - rect.maxY(), rect.size.width,
+                     rect.size.height);
+  return place.translated(position()).toAlignedRect();
 }
 
 void CardSurface::moveEvent(QMoveEvent* event) {
@@ -189,7 +258,16 @@ void CardSurface::moveCard(const QMouseEvent& event) {
   }
 }
 
+void CardSurface::openMenu() {
+  if (menuHandler_) menuHandler_(geometry().center());
+}
+
+void CardSurface::wheelEvent(QWheelEvent* event) {
+  if (wheelHandler_) wheelHandler_(*event);
+}
+
 void CardSurface::keyPressEvent(QKeyEvent* event) {
+  if (keyHandler_ && keyHandler_(*event)) return;
   platform::NSEvent key;
   key.type = platform::NSEventType::keyDown;
   key.modifierFlags = modifierFlags(event->modifiers());

@@ -1,6 +1,7 @@
 // The card on the screen.
 #pragma once
 
+#include <QtCore/QTimer>
 #include <QtGui/QRasterWindow>
 #include <functional>
 #include <optional>
@@ -42,6 +43,22 @@ class CardSurface final : public QRasterWindow {
 
   /// Called with the place on the screen where the user asks for the context menu.
   void setMenuHandler(std::function<void(QPoint)> handler) { menuHandler_ = std::move(handler); }
+  /// Asks for the context menu as the keyboard does, in the middle of the card.
+  void openMenu();
+  /// Is given each key and each turn of the wheel first; what it does not use goes on to the card.
+  void setKeyHandler(std::function<bool(const QKeyEvent&)> handler) {
+    keyHandler_ = std::move(handler);
+  }
+  void setWheelHandler(std::function<void(const QWheelEvent&)> handler) {
+    wheelHandler_ = std::move(handler);
+  }
+
+  /// Draws a ring around a part of the card (its window's coordinates); none: none.
+  void setFocusRing(std::optional<platform::NSRect> focus);
+  /// Shows a short text above the card for a second.
+  void showNotice(const std::string& text);
+  /// A part of the card's window on the screen.
+  QRect placeOnScreen(platform::NSRect rect) const;
   /// Called after each painting with the region (points, y downwards) that was painted.
   void setPaintObserver(std::function<void(const QRegion&)> observer) {
     paintObserver_ = std::move(observer);
@@ -56,8 +73,11 @@ class CardSurface final : public QRasterWindow {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 
  private:
+  void paintAbove(QPainter& painter, platform::Appearance appearance) const;
+  void mark(platform::NSRect rect);
   void fitCard();
   void updateVisibility();
   void updateCompositing();
@@ -72,6 +92,11 @@ class CardSurface final : public QRasterWindow {
   Settings* const settings_;
   Placement placement_;
   std::function<void(QPoint)> menuHandler_;
+  std::function<bool(const QKeyEvent&)> keyHandler_;
+  std::function<void(const QWheelEvent&)> wheelHandler_;
+  std::optional<platform::NSRect> focus_;
+  std::string notice_;
+  QTimer noticeEnd_;
   std::function<void(const QRegion&)> paintObserver_;
 };
 

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "platform/foundation/binary_property_list.h"
 #include "platform/foundation/file_manager.h"
@@ -134,29 +136,64 @@ bool hasZeroCharacter(std::string_view xml) {
   return false;
 }
 
-}  // namespace
+bool isBinary(std::string_view bytes) { return bytes.starts_with("bplist00"); }
 
-std::optional<Value> propertyListFromData(const Data& data) {
+/// The list in some bytes; null when there is none.
+Node nodeFromBytes(std::string_view bytes) {
   constexpr std::size_t longest = 64 * 1024 * 1024;
-  if (data.isEmpty() || data.length() > longest) return std::nullopt;
-  const std::string_view bytes = data.view();
+  if (bytes.empty() || bytes.size() > longest) return nullptr;
   const auto length = static_cast<std::uint32_t>(bytes.size());
   plist_t root = nullptr;
-  if (bytes.starts_with("bplist00")) {
+  if (isBinary(bytes)) {
     if (isSoundBinaryPropertyList(bytes, deepestNesting))
       plist_from_bin(bytes.data(), length, &root);
   } else if (!isNestedTooDeeply(bytes) && !hasZeroCharacter(bytes)) {
     plist_from_xml(bytes.data(), length, &root);
   }
-  const Node owner(root);
-  return valueFromNode(root, 0);
+  return Node(root);
+}
+
+constexpr std::uintmax_t largestFile = 1024 * 1024;
+
+}  // namespace
+
+std::optional<Value> propertyListFromData(const Data& data) {
+  const Node root = nodeFromBytes(data.view());
+  return valueFromNode(root.get(), 0);
 }
 
 std::optional<Dictionary> dictionaryWithContentsOfFile(const std::string& path) {
-  constexpr std::uintmax_t largest = 1024 * 1024;
-  const auto bytes = dataWithContentsOfFile(path, largest);
+  const auto bytes = dataWithContentsOfFile(path, largestFile);
   const auto value = bytes ? propertyListFromData(*bytes) : std::nullopt;
   return value ? value->as<Dictionary>() : std::nullopt;
+}
+
+bool setEntriesOfFile(const std::string& path,
+                      const std::map<std::string, std::variant<bool, std::int64_t>>& entries) {
+  std::error_code unknown;
+  const bool isThere =
+      std::filesystem::status(path, unknown).type() != std::filesystem::file_type::not_found;
+  const auto bytes = isThere ? dataWithContentsOfFile(path, largestFile) : std::nullopt;
+  if (isThere && !bytes) return false;
+  const Node root = bytes ? nodeFromBytes(bytes->view()) : Node(plist_new_dict());
+  if (!root || plist_get_node_type(root.get()) != PLIST_DICT) return false;
+  for (const auto& [key, value] : entries) {
+    const bool* truth = std::get_if<bool>(&value);
+    plist_dict_set_item(
+        root.get(), key.c_str(),
+        truth != nullptr
+            ? plist_new_bool(*truth ? 1 : 0)
+            : plist_new_uint(static_cast<std::uint64_t>(std::get<std::int64_t>(value))));
+  }
+  char* text = nullptr;
+  std::uint32_t length = 0;
+  if (bytes && isBinary(bytes->view())) {
+    plist_to_bin(root.get(), &text, &length);
+  } else {
+    plist_to_xml(root.get(), &text, &length);
+  }
+  const LibraryText owner(text);
+  return text != nullptr && writeToFileAtomically(path, {text, length});
 }
 
 }  // namespace platform

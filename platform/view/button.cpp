@@ -78,6 +78,21 @@ void NSButton::drawRect(NSRect) {
   canvas.restore();
 }
 
+std::string NSButton::accessibilityLabel() const {
+  const std::string label = NSView::accessibilityLabel();
+  return label.empty() && attributedTitle_ ? attributedTitle_->text : label;
+}
+
+std::optional<NSAccessibilityValue> NSButton::accessibilityValue() const {
+  if (!state_) return std::nullopt;
+  return NSAccessibilityValue{.now = *state_ ? 1.0 : 0.0, .maximum = 1};
+}
+
+bool NSButton::accessibilityPerformPress() {
+  performClick(this);
+  return true;
+}
+
 bool NSButton::contains(const NSEvent* event) const {
   return event != nullptr &&
          NSPointInRect(convertPointFromWindow(event->locationInWindow), bounds());

@@ -37,6 +37,16 @@ class NSButton : public NSView {
   const Selector& action() const { return action_; }
   void setAction(Selector action) { action_ = std::move(action); }
 
+  /// Makes it a toggle for those who cannot see its picture; none: a plain button.
+  void setAccessibilityState(std::optional<bool> isOn) { state_ = isOn; }
+  NSAccessibilityRole accessibilityRole() const override {
+    return state_ ? NSAccessibilityRole::toggle : NSAccessibilityRole::button;
+  }
+  /// Its title, unless it has been given another.
+  std::string accessibilityLabel() const override;
+  std::optional<NSAccessibilityValue> accessibilityValue() const override;
+  bool accessibilityPerformPress() override;
+
   /// Sends the action to the target when both are set and the target responds to it.
   virtual void performClick(NSObject* sender);
 
@@ -62,6 +72,7 @@ class NSButton : public NSView {
   NSImageScaling imageScaling_ = NSImageScaling::proportionallyDown;
   bool bordered_ = true;
   bool highlighted_ = false;
+  std::optional<bool> state_;
   std::weak_ptr<NSObject> target_;
   Selector action_;
 };

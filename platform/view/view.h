@@ -3,11 +3,14 @@
 
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/foundation/geometry.h"
 #include "platform/foundation/image.h"
 #include "platform/foundation/object.h"
+#include "platform/view/accessibility.h"
 #include "platform/view/event.h"
 
 namespace platform {
@@ -81,6 +84,18 @@ class NSView : public NSObject {
       std::vector<std::shared_ptr<NSDraggingItem>> items, const NSEvent* event,
       std::shared_ptr<NSDraggingSource> source);
 
+  // Accessibility, which the keyboard uses as well
+  virtual NSAccessibilityRole accessibilityRole() const { return NSAccessibilityRole::none; }
+  /// What it is called, in the user's language; empty for what needs no name.
+  virtual std::string accessibilityLabel() const { return accessibilityLabel_; }
+  void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
+  /// None for what has no value at present.
+  virtual std::optional<NSAccessibilityValue> accessibilityValue() const { return std::nullopt; }
+  /// As the user does it with the pointer; false when it cannot be done.
+  virtual bool setAccessibilityValue(double) { return false; }
+  virtual bool accessibilityPerformPress() { return false; }
+  bool isHidden() const { return hidden_; }
+
   // Full screen
   bool isInFullScreenMode() const { return inFullScreenMode_; }
   void enterFullScreenMode() { inFullScreenMode_ = true; }
@@ -97,6 +112,7 @@ class NSView : public NSObject {
   NSView* superview_ = nullptr;  // never outlives it: a parent detaches its subviews first
   NSWindow* window_ = nullptr;   // likewise
   NSViewController* controller_ = nullptr;  // set by the controller, cleared when it goes
+  std::string accessibilityLabel_;
   double alphaValue_ = 1;
   bool hidden_ = false;
   bool inFullScreenMode_ = false;
