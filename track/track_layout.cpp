@@ -140,8 +140,11 @@ std::shared_ptr<VLTextLabel> VLTrackViewController::preparedArtistTextLabel() {
 }
 
 std::shared_ptr<VLTextLabel> VLTrackViewController::preparedTimeTextLabel() {
-  return preparedTextLabel(preparedTimeTextLabelFont(), preparedTimeTextLabelTextColor(),
-                           preparedTimeTextLabelFrame(), platform::NSTextAlignment::center);
+  auto label = preparedTextLabel(preparedTimeTextLabelFont(), preparedTimeTextLabelTextColor(),
+                                 preparedTimeTextLabelFrame(), platform::NSTextAlignment::center);
+  // The bar tells the same in words.
+  if (label) label->setAccessibilityHidden(true);
+  return label;
 }
 
 std::shared_ptr<NSButton> VLTrackViewController::preparedImageButton(const char* imageName,

@@ -17,8 +17,9 @@ using platform::NSAccessibilityRole;
 
 void addViews(const ControlView& view, std::vector<ControlView>& views) {
   if (view->isHidden()) return;
-  const bool isNamed =
-      view->accessibilityRole() != NSAccessibilityRole::none && !view->accessibilityLabel().empty();
+  const bool isNamed = !view->isAccessibilityHidden() &&
+                       view->accessibilityRole() != NSAccessibilityRole::none &&
+                       !view->accessibilityLabel().empty();
   if (isNamed) views.push_back(view);
   for (const auto& child : view->subviews()) addViews(child, views);
 }

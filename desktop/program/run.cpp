@@ -10,6 +10,7 @@
 #include <iostream>
 #include <optional>
 
+#include "desktop/access/accessible_card.h"
 #include "desktop/access/keyboard.h"
 #include "desktop/actions/player_actions.h"
 #include "desktop/files/module.h"
@@ -131,7 +132,8 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   addPlayerActions(actions, player, widget);
   addCardActions(actions, parts);
   menu.emplace(window, composition.graphics(), [&] { return menuItems(actions, parts); });
-  const Keyboard keyboard(window, *composition.card(), actions, player);
+  Keyboard keyboard(window, *composition.card(), actions, player);
+  const AccessibleCard accessible(window, *composition.card(), keyboard);
   Service service(&instance, {.actions = actions,
                               .player = player,
                               .ratings = composition.ratings(),

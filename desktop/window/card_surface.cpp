@@ -1,5 +1,6 @@
 #include "desktop/window/card_surface.h"
 
+#include <QtGui/QAccessible>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
 #include <QtGui/QScreen>
@@ -155,6 +156,10 @@ void CardSurface::paintEvent(QPaintEvent* event) {
   if (paintObserver_) paintObserver_(event->region());
 }
 
+QAccessibleInterface* CardSurface::accessibleRoot() const {
+  return accessibleRoot_ ? accessibleRoot_() : QRasterWindow::accessibleRoot();
+}
+
 // What lies above the card for a while. The painter is clipped to what is painted again.
 
 void CardSurface::paintAbove(QPainter& painter, platform::Appearance appearance) const {
@@ -182,8 +187,13 @@ void CardSurface::paintAbove(QPainter& painter, platform::Appearance appearance)
                                 .size.width;
   const auto place =
       platform::NSMakeRect((card.width - width) / 2, (card.height - height) / 2, width, height);
-  canvas.fillRoundedRect(place, height / 2, cardColor(appearance).colorWithAlphaComponent(0.95));
+  const double line = 1 / devicePixelRatio();
+  const auto inside = platform::NSMakeRect(place.minX() + line, place.minY() + line,
+                                           width - 2 * line, height - 2 * line);
+  const platform::NSColor background = cardColor(appearance).colorWithAlphaComponent(1);
+  canvas.fillRoundedRect(place, height / 2, background);
   canvas.fillRoundedRect(place, height / 2, cardBorderColor(appearance));
+  canvas.fillRoundedRect(inside, height / 2 - line, background);
   auto centred = text;
   centred.attributes[platform::NSParagraphStyleAttributeName] =
       platform::NSParagraphStyle{platform::NSTextAlignment::center};

@@ -53,6 +53,12 @@ class CardSurface final : public QRasterWindow {
     wheelHandler_ = std::move(handler);
   }
 
+  /// What assistive technology is told of the card; null: that it is a window.
+  void setAccessibleRoot(std::function<QAccessibleInterface*()> root) {
+    accessibleRoot_ = std::move(root);
+  }
+  QAccessibleInterface* accessibleRoot() const override;
+
   /// Draws a ring around a part of the card (its window's coordinates); none: none.
   void setFocusRing(std::optional<platform::NSRect> focus);
   /// Shows a short text above the card for a second.
@@ -94,6 +100,7 @@ class CardSurface final : public QRasterWindow {
   std::function<void(QPoint)> menuHandler_;
   std::function<bool(const QKeyEvent&)> keyHandler_;
   std::function<void(const QWheelEvent&)> wheelHandler_;
+  std::function<QAccessibleInterface*()> accessibleRoot_;
   std::optional<platform::NSRect> focus_;
   std::string notice_;
   QTimer noticeEnd_;

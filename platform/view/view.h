@@ -89,6 +89,9 @@ class NSView : public NSObject {
   /// What it is called, in the user's language; empty for what needs no name.
   virtual std::string accessibilityLabel() const { return accessibilityLabel_; }
   void setAccessibilityLabel(std::string label) { accessibilityLabel_ = std::move(label); }
+  /// Of what another view tells as well.
+  void setAccessibilityHidden(bool hidden) { accessibilityHidden_ = hidden; }
+  bool isAccessibilityHidden() const { return accessibilityHidden_; }
   /// None for what has no value at present.
   virtual std::optional<NSAccessibilityValue> accessibilityValue() const { return std::nullopt; }
   /// As the user does it with the pointer; false when it cannot be done.
@@ -115,6 +118,7 @@ class NSView : public NSObject {
   std::string accessibilityLabel_;
   double alphaValue_ = 1;
   bool hidden_ = false;
+  bool accessibilityHidden_ = false;
   bool inFullScreenMode_ = false;
   std::optional<NSLayer> layer_;
 };
