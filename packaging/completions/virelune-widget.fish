@@ -1,6 +1,6 @@
 # Completion of virelune-widget for fish.
 complete -c virelune-widget -f
-complete -c virelune-widget -l player -x -d 'follow this player' -a "(virelune-widget --list-players 2>/dev/null | string match -r '^org\.mpris\.[^ ]*')"
+complete -c virelune-widget -l player -x -d 'follow this player' -a "(virelune-widget players 2>/dev/null | string match -rg '^([^ ]+)  ')"
 complete -c virelune-widget -l list-players -d 'list the players on the session bus'
 complete -c virelune-widget -l demo -d 'use the built-in demo player'
 complete -c virelune-widget -l wait-for-player -d 'do not use the demo player when no player is installed'
@@ -10,12 +10,40 @@ complete -c virelune-widget -l export-ratings -r -F -d 'write all ratings and lo
 complete -c virelune-widget -l salvage -d 'export what can be read of a damaged store'
 complete -c virelune-widget -l import-ratings -r -F -d 'take them over from such a file, or from a store\'s file'
 complete -c virelune-widget -l list-backups -d 'list the days of which there are backups of them'
-complete -c virelune-widget -l restore-ratings -x -d 'go back to the backup of that day' -a "(virelune-widget --list-backups 2>/dev/null | string match -r '^[0-9-]{10}')"
+complete -c virelune-widget -l restore-ratings -x -d 'go back to the backup of that day' -a "(virelune-widget backups 2>/dev/null | string match -r '^[0-9-]{10}')"
 complete -c virelune-widget -l no-library -d 'do not write ratings into the player\'s own library'
 complete -c virelune-widget -l stream-host -x -d 'ask this server for the live station\'s programme'
 complete -c virelune-widget -l store-host -x -d 'search the store on this server'
 complete -c virelune-widget -l on-top -d 'keep the card above other windows'
 complete -c virelune-widget -l new -d 'start another card when one runs already'
 complete -c virelune-widget -l scale -x -a '1 1.25 1.5 2 3 4' -d 'pixels per point, from 1 to 4'
+complete -c virelune-widget -l service -d 'answer other programs without a window, as the bus asks'
 complete -c virelune-widget -l help -d 'show the options'
 complete -c virelune-widget -l version -d 'show the version'
+complete -c virelune-widget -n __fish_use_subcommand -a status -d 'say what plays'
+complete -c virelune-widget -n __fish_use_subcommand -a rate -d 'rate the track, or print its rating'
+complete -c virelune-widget -n __fish_use_subcommand -a love -d 'mark the track, or print whether it is loved'
+complete -c virelune-widget -n __fish_use_subcommand -a play-pause -d 'play or pause'
+complete -c virelune-widget -n __fish_use_subcommand -a play -d 'play'
+complete -c virelune-widget -n __fish_use_subcommand -a pause -d 'pause'
+complete -c virelune-widget -n __fish_use_subcommand -a stop -d 'stop'
+complete -c virelune-widget -n __fish_use_subcommand -a next -d 'go to the next track'
+complete -c virelune-widget -n __fish_use_subcommand -a previous -d 'go to the previous track'
+complete -c virelune-widget -n __fish_use_subcommand -a seek -d 'go to a position'
+complete -c virelune-widget -n __fish_use_subcommand -a volume -d 'set the volume, or print it'
+complete -c virelune-widget -n __fish_use_subcommand -a mute -d 'mute, or not'
+complete -c virelune-widget -n __fish_use_subcommand -a raise -d 'bring the player to the front'
+complete -c virelune-widget -n __fish_use_subcommand -a players -d 'list the players on the session bus'
+complete -c virelune-widget -n __fish_use_subcommand -a follow -d 'choose the player of the card that runs'
+complete -c virelune-widget -n __fish_use_subcommand -a export -d 'write all ratings and love marks'
+complete -c virelune-widget -n __fish_use_subcommand -a import -d 'take ratings over from a file'
+complete -c virelune-widget -n __fish_use_subcommand -a backups -d 'list the days of which there are backups'
+complete -c virelune-widget -n __fish_use_subcommand -a restore -d 'go back to the backup of a day'
+complete -c virelune-widget -n __fish_use_subcommand -a list -d 'list the tracks that have marks'
+complete -c virelune-widget -n '__fish_seen_subcommand_from love mute' -a 'on off toggle'
+complete -c virelune-widget -n '__fish_seen_subcommand_from rate love' -a --album
+complete -c virelune-widget -n '__fish_seen_subcommand_from status' -a '--format --follow --position'
+complete -c virelune-widget -n '__fish_seen_subcommand_from list' -a '--loved --min --format'
+complete -c virelune-widget -n '__fish_seen_subcommand_from export import' -F
+complete -c virelune-widget -n '__fish_seen_subcommand_from follow' -a "any demo (virelune-widget players 2>/dev/null | string match -rg '^([^ ]+)  ')"
+complete -c virelune-widget -n '__fish_seen_subcommand_from restore' -a "(virelune-widget backups 2>/dev/null | string match -r '^[0-9-]{10}')"

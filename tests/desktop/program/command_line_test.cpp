@@ -12,6 +12,7 @@
 
 #include "desktop/files/settings.h"
 #include "desktop/program/command_line.h"
+#include "desktop/remote/verb.h"
 #include "desktop/window/placement.h"
 #include "tests/support/temporary_folder.h"
 
@@ -62,6 +63,27 @@ TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
     ASSERT_FALSE(result) << c.message;
     EXPECT_EQ(result.problem().text, c.message);
   }
+}
+
+TEST(CommandLine, TheManualAndTheCompletionsKnowEveryVerb) {
+  const std::string help = desktop::verbsHelp();
+  const std::regex line("^  ([a-z-]+)", std::regex::multiline);
+  const auto textOf = [](const char* file) {
+    return tests::contents(std::filesystem::path(VIRELUNE_PACKAGING) / file);
+  };
+  int count = 0;
+  for (std::sregex_iterator found(help.begin(), help.end(), line), end; found != end; ++found) {
+    const std::string verb = (*found)[1];
+    const auto knows = [&](const char* file, const std::string& pattern) {
+      EXPECT_TRUE(std::regex_search(textOf(file), std::regex(pattern))) << file << ' ' << verb;
+    };
+    knows("virelune-widget.1", "\\.It Cm " + verb + "\\b");
+    knows("completions/virelune-widget.bash", "verbs=\"[^\"]*\\b" + verb + "\\b");
+    knows("completions/virelune-widget.fish", "__fish_use_subcommand -a " + verb + " ");
+    knows("completions/_virelune-widget", "    '" + verb + ":");
+    ++count;
+  }
+  EXPECT_GT(count, 15);
 }
 
 /// What a pattern finds in a text, option by option: true with a value, which is told by a second
