@@ -92,6 +92,23 @@ const QMap<QString, KnownFunction>& functions() {
   return known;
 }
 
+/// The parts between commas, but for those in quotation marks.
+QStringList splitArguments(const QString& text) {
+  QStringList parts{QString()};
+  QChar quote;
+  for (const QChar character : text) {
+    if (quote.isNull() ? character == '"' || character == '\'' : character == quote) {
+      quote = quote.isNull() ? character : QChar();
+    }
+    if (quote.isNull() && character == ',') {
+      parts.append(QString());
+    } else {
+      parts.last().append(character);
+    }
+  }
+  return parts;
+}
+
 /// The value of what stands between the braces.
 Result<QString> evaluated(const QString& expression, const QVariantMap& status) {
   const qsizetype bracket = expression.indexOf('(');
@@ -102,7 +119,8 @@ Result<QString> evaluated(const QString& expression, const QVariantMap& status) 
     return Problem{"the template has no function \"" + name.left(40).toStdString() + '"'};
   }
   Arguments arguments;
-  for (QString part : expression.mid(bracket + 1, expression.size() - bracket - 2).split(',')) {
+  for (QString part :
+       splitArguments(expression.mid(bracket + 1, expression.size() - bracket - 2))) {
     part = part.trimmed();
     const bool isQuoted =
         part.size() >= 2 && (part[0] == '"' || part[0] == '\'') && part.endsWith(part[0]);

@@ -38,10 +38,10 @@ _virelune_widget() {
     love | mute)
       mapfile -t COMPREPLY < <(compgen -W $'on\noff\ntoggle' -- "$cur")
       ;;
-    --format)
+    "--format")
       mapfile -t COMPREPLY < <(compgen -W $'json\nwaybar\nm3u' -- "$cur")
       ;;
-    --stream-host | --store-host | --scale | --min) ;;
+    --stream-host | --store-host | --scale | "--min") ;;
     *)
       IFS=$' \t\n'
       if [[ " ${COMP_WORDS[*]:1:COMP_CWORD-1} " =~ \ (${verbs//[[:space:]]/|})\  ]]; then

@@ -8,13 +8,10 @@
 #include <filesystem>
 #include <vector>
 
-#include "desktop/session/login_items.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/card_style.h"
 #include "desktop/window/card_surface.h"
 #include "desktop/window/mouse_input.h"
-#include "extensions/login_items.h"
-#include "platform/application/bundle.h"
 #include "platform/platform.h"
 #include "tests/support/temporary_folder.h"
 
@@ -223,11 +220,6 @@ TEST(CardArea, IsRoundedOutwardsToWholePixelsAtEveryScale) {
 
 class CardMenuTest : public CardTest {
  protected:
-  CardMenuTest() {
-    platform_.mainBundle = &bundle_;
-    platform_.scripting = &loginItems_;
-  }
-
   static void send(QWindow& window, QEvent::Type type, QPointF place, Qt::MouseButton button) {
     QMouseEvent event(type, place, window.mapToGlobal(place), button, Qt::NoButton, {});
     QCoreApplication::sendEvent(&window, &event);
@@ -237,59 +229,62 @@ class CardMenuTest : public CardTest {
     send(menu_, QEvent::MouseButtonPress, place, Qt::LeftButton);
     send(menu_, QEvent::MouseButtonRelease, place, Qt::LeftButton);
   }
-  void choose(std::size_t index) {
-    openMenu();
-    ASSERT_LT(index, menu_.items().size());
-    click(menu_.itemPlace(index).center());
-    EXPECT_FALSE(menu_.isVisible());
+  void clickItem(std::size_t index) { click(menu_.itemPlace(index).center()); }
+  void keys(std::initializer_list<Qt::Key> keys) {
+    for (const Qt::Key key : keys) {
+      QKeyEvent event(QEvent::KeyPress, key, {});
+      QCoreApplication::sendEvent(&menu_, &event);
+    }
   }
-  bool isChecked(std::size_t index) {
-    openMenu();
-    return menu_.items().at(index).isChecked;
+  desktop::MenuItem choice(const char* name) {
+    return {.title = name, .choose = [this, name] { chosen_ += name; }};
   }
 
-  enum : std::size_t { launchAtLogin, keepOnTop, close };
-
-  tests::TemporaryFolder folder_;
-  const std::filesystem::path autostart_ = folder_.path() / "autostart";
-  platform::NSBundle bundle_{"/opt/share/virelune-widget", {}};
-  desktop::LoginItems loginItems_{
-      {autostart_, bundle_.bundlePath(), "/opt/bin/virelune-widget", "--wait-for-player"}, nullptr};
+  std::string chosen_;
   desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
-  const virelune::WidgetEntry widget_{
-      {}, virelune::vl_isLaunchingAtLogin, virelune::vl_setLaunchingAtLogin, {}};
-  desktop::CardMenu menu_{window_, graphics_, widget_};
+  desktop::CardMenu menu_{
+      window_, graphics_, [this] {
+        auto never = choice("c");
+        never.isEnabled = false;
+        return std::vector<desktop::MenuItem>{
+            choice("a"), {.title = "b", .children = {choice("x"), choice("y")}}, never};
+      }};
 };
 
-TEST_F(CardMenuTest, SwitchesLaunchAtLoginInTheAutostartFolder) {
-  EXPECT_FALSE(isChecked(launchAtLogin));
-  EXPECT_FALSE(std::filesystem::exists(autostart_));
-  choose(launchAtLogin);
-  EXPECT_TRUE(std::filesystem::exists(autostart_ / "virelune-widget.desktop"));
-  EXPECT_TRUE(isChecked(launchAtLogin));
-  std::filesystem::remove_all(autostart_);
-  EXPECT_FALSE(isChecked(launchAtLogin)) << "what the user changed elsewhere counts";
-  choose(launchAtLogin);
-  choose(launchAtLogin);
-  EXPECT_TRUE(std::filesystem::is_empty(autostart_));
-}
-
-TEST_F(CardMenuTest, KeepsTheCardOnTopAndClosesIt) {
+TEST_F(CardMenuTest, IsChosenFromByClicksAndByKeysOnEveryLevel) {
   window_.show();
-  choose(keepOnTop);
-  EXPECT_TRUE(window_.isOnTop());
-  EXPECT_TRUE(isChecked(keepOnTop));
-  choose(keepOnTop);
-  EXPECT_FALSE(window_.isOnTop());
-  EXPECT_TRUE(window_.isVisible());
-  choose(close);
-  EXPECT_FALSE(window_.isVisible());
+  openMenu();
+  clickItem(2);
+  EXPECT_TRUE(menu_.isVisible()) << "what cannot be done is not chosen";
+  const int width = menu_.height();
+  clickItem(1);
+  EXPECT_TRUE(menu_.isVisible());
+  ASSERT_EQ(menu_.items().size(), 3u) << "the way back and two more";
+  clickItem(0);
+  EXPECT_EQ(menu_.items()[0].title, "a");
+  EXPECT_EQ(menu_.height(), width);
+  clickItem(1);
+  clickItem(2);
+  EXPECT_FALSE(menu_.isVisible());
+  EXPECT_EQ(chosen_, "y");
+  openMenu();
+  EXPECT_EQ(menu_.items()[0].title, "a") << "opens at the first level";
+  keys({Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Down,
+        Qt::Key_Return});
+  EXPECT_EQ(chosen_, "yx");
+  openMenu();
+  keys({Qt::Key_Up, Qt::Key_Up, Qt::Key_Return, Qt::Key_Left, Qt::Key_Down, Qt::Key_Space});
+  EXPECT_EQ(chosen_, "yxa");
+  openMenu();
+  keys({Qt::Key_Return, Qt::Key_Escape});
+  EXPECT_FALSE(menu_.isVisible());
+  EXPECT_EQ(chosen_, "yxa");
 }
 
 TEST_F(CardMenuTest, ChoosesNothingByTheReleaseThatOpenedItNorByAClickElsewhere) {
   window_.show();
   openMenu();
-  const QPointF item = menu_.itemPlace(close).center();
+  const QPointF item = menu_.itemPlace(0).center();
   send(menu_, QEvent::MouseButtonRelease, item, Qt::RightButton);
   EXPECT_TRUE(menu_.isVisible());
   click({-20, 10});
@@ -298,10 +293,10 @@ TEST_F(CardMenuTest, ChoosesNothingByTheReleaseThatOpenedItNorByAClickElsewhere)
   send(menu_, QEvent::MouseMove, item, Qt::NoButton);
   send(menu_, QEvent::MouseMove, {1, 1}, Qt::NoButton);
   send(menu_, QEvent::MouseButtonRelease, {1, 1}, Qt::RightButton);
-  EXPECT_TRUE(window_.isVisible()) << "the pointer had left the item";
+  EXPECT_EQ(chosen_, "") << "the pointer had left the item";
   send(menu_, QEvent::MouseMove, item, Qt::NoButton);
   send(menu_, QEvent::MouseButtonRelease, item, Qt::RightButton);
-  EXPECT_FALSE(window_.isVisible()) << "pressed, drawn to the item and let go";
+  EXPECT_EQ(chosen_, "a") << "pressed, drawn to the item and let go";
 }
 
 }  // namespace

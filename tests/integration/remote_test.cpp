@@ -1,0 +1,170 @@
+// The program as scripts and other programs use it: verbs with a card and without, and the bus.
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusReply>
+
+#include "tests/integration/fake_player.h"
+#include "tests/integration/processes.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tests {
+namespace {
+
+const auto service = QStringLiteral("org.virelune.Virelune.Widget");
+const auto object = QStringLiteral("/org/virelune/Virelune/Widget");
+const auto interface = QStringLiteral("org.virelune.Virelune.Widget1");
+
+/// Hears of changed properties.
+class Listener final : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit Listener(QDBusConnection bus) {
+    bus.connect({}, object, "org.freedesktop.DBus.Properties", "PropertiesChanged", this,
+                SLOT(heard(QString, QVariantMap, QStringList)));
+  }
+  QVariantMap changed;
+
+ public slots:
+  void heard(const QString&, const QVariantMap& values, const QStringList&) {
+    changed.insert(values);
+  }
+};
+
+class Remote : public testing::Test {
+ protected:
+  Remote() : environment_(display_.environment()) {
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+      environment_[name] = home_.path().c_str();
+    }
+    environment_["XDG_DATA_DIRS"] = "/none";
+  }
+
+  std::unique_ptr<Program> start(const QStringList& arguments) const {
+    return std::make_unique<Program>(VIRELUNE_PROGRAM, arguments, environment_);
+  }
+  int run(const QStringList& arguments) const { return start(arguments)->exitStatus(); }
+  std::string say(const QStringList& arguments) const {
+    return outputOf(VIRELUNE_PROGRAM, arguments, environment_).toStdString();
+  }
+  QDBusMessage call(const char* method, const QVariantList& arguments = {}) const {
+    auto message = QDBusMessage::createMethodCall(service, object, interface, method);
+    message.setArguments(arguments);
+    return bus_.connection().call(message);
+  }
+
+  const PrivateBus bus_;
+  const Display display_{bus_};
+  FakePlayer player_{bus_,
+                     "tape",
+                     {{"PlaybackStatus", "Playing"},
+                      {"Volume", 0.5},
+                      {"CanGoNext", false},
+                      {"Metadata", QVariantMap{{"xesam:title", "Song"},
+                                               {"xesam:artist", QStringList{"Band"}},
+                                               {"xesam:album", "Album"},
+                                               {"xesam:url", "file:///music/song.flac"},
+                                               {"mpris:length", 200'000'000LL}}}}};
+
+ private:
+  const TemporaryFolder home_;
+  Environment environment_;
+};
+
+TEST_F(Remote, VerbsDoWithoutACardWhatTheySayAndTellWhyNot) {
+  EXPECT_EQ(run({"rate", "4.5"}), 0);
+  EXPECT_EQ(say({"rate"}), "4.5");
+  EXPECT_EQ(run({"rate", "-", "--album"}), 0);
+  EXPECT_EQ(run({"love"}), 0);
+  EXPECT_EQ(run({"love", "on"}), 0);
+  EXPECT_EQ(say({"status", "--format", "{{artist}} {{title}} {{stars}} {{loved}} {{albumRating}}"}),
+            "Band Song ★★★★½ true 0");
+  EXPECT_EQ(say({"list", "--loved", "--format", "m3u"}),
+            "#EXTM3U\n#EXTINF:200,Band – Song\n/music/song.flac");
+  EXPECT_EQ(run({"volume", "+5"}), 0);
+  EXPECT_TRUE(waitUntil([&] { return player_.calls().join(' ').contains("0.55"); }));
+  for (const auto& [status, arguments] :
+       std::vector<std::pair<int, QStringList>>{{2, {"rate", "6"}},
+                                                {2, {"seek", "here"}},
+                                                {2, {"next", "please"}},
+                                                {2, {"status", "--format", "{{"}},
+                                                {2, {"list", "--min", "+"}},
+                                                {1, {"next"}},
+                                                {1, {"--player", "none", "play"}},
+                                                {1, {"follow", "tape"}}}) {
+    EXPECT_EQ(run(arguments), status) << arguments.join(' ').toStdString();
+  }
+  EXPECT_EQ(say({"rate"}), "4.5");
+  player_.leaveBus();
+  EXPECT_EQ(run({"status"}), 1);
+}
+
+TEST_F(Remote, AStatusThatIsFollowedHasALineForEachChangeAndSurvivesThePlayer) {
+  const auto follower = start({"status", "--follow", "--format", "{{title}} {{stars}}"});
+  EXPECT_EQ(follower->readLine(), "Song");
+  EXPECT_EQ(run({"rate", "2"}), 0);
+  EXPECT_EQ(follower->readLine(), "Song ★★");
+  player_.signalChange({{"Volume", 0.7}});
+  FakePlayer other(
+      bus_, "other",
+      {{"PlaybackStatus", "Paused"}, {"Metadata", QVariantMap{{"xesam:title", "Other"}}}});
+  player_.leaveBus();
+  EXPECT_EQ(follower->readLine(), "Other");
+  other.leaveBus();
+  EXPECT_EQ(follower->readLine(), "");
+  const FakePlayer third(bus_, "third", {{"Metadata", QVariantMap{{"xesam:title", "Third"}}}});
+  EXPECT_EQ(follower->readLine(), "Third");
+  follower->send(SIGTERM);
+  EXPECT_EQ(follower->exitStatus(), 0);
+}
+
+TEST_F(Remote, TheBusAnswersWithoutAWindowUntilACardTakesOverAndRatingsShowEverywhere) {
+  const auto windowless = start({"--service"});
+  ASSERT_TRUE(waitUntil([&] { return bus_.hasName(service); }));
+  EXPECT_EQ(call("Act", {"love", "on"}).type(), QDBusMessage::ReplyMessage);
+  const QVariantMap track{{"address", "file:///music/song.flac"}};
+  const QVariantMap named{{"artist", "A"}, {"title", "T"}, {"length", 100}};
+  EXPECT_EQ(call("SetMarks", {named, QVariantMap{{"rating", 3.5}}}).errorName(), "");
+  const QString invalid = "org.freedesktop.DBus.Error.InvalidArgs";
+  for (const QVariantList& arguments : std::vector<QVariantList>{
+           {track, QVariantMap{{"rating", 3.3}}},
+           {track, QVariantMap{{"rating", "much"}}},
+           {track, QVariantMap{{"loved", 1}}},
+           {track, QVariantMap{{"rating", 1}, {"beauty", 2}}},
+           {QVariantMap{{"address", QString(5000, 'x')}}, QVariantMap{{"rating", 1}}},
+           {QVariantMap{{"adress", "x"}}, QVariantMap{{"rating", 1}}}}) {
+    EXPECT_EQ(call("SetMarks", arguments).errorName(), invalid);
+  }
+  EXPECT_EQ(call("Act", {"rate", QString(1'000'000, '5')}).errorName(), invalid);
+  EXPECT_EQ(call("Act", {"dance", ""}).errorName(), invalid);
+  EXPECT_EQ(call("Act", {"next", ""}).errorName(), interface + ".Error.Impossible");
+  EXPECT_EQ(call("Act", {1, 2}).errorName(), "org.freedesktop.DBus.Error.UnknownMethod");
+  const auto marks = [&](const QVariantMap& of) {
+    return QDBusReply<QVariantMap>(call("Marks", {of})).value();
+  };
+  EXPECT_EQ(marks(track), (QVariantMap{{"loved", true}})) << "and nothing of the bad ones";
+  EXPECT_EQ(marks(named), (QVariantMap{{"rating", 3.5}}));
+
+  const auto card = start({});
+  EXPECT_EQ(windowless->exitStatus(), 0);
+  const auto isFollowed = [&] {
+    return QDBusReply<QVariantMap>(call("Status")).value().value("title") == "Song";
+  };
+  ASSERT_TRUE(waitUntil(isFollowed));
+  const Listener listener(bus_.connection());
+  EXPECT_EQ(run({"--player", "tape", "rate", "4"}), 0) << "by another program";
+  EXPECT_TRUE(waitUntil([&] { return listener.changed.value("Rating") == 4.0; }));
+  EXPECT_FALSE(listener.changed.contains("Title"));
+  EXPECT_EQ(say({"rate"}), "4") << "asked of the card";
+  EXPECT_EQ(run({"rate", "9"}), 2);
+  EXPECT_EQ(run({"next"}), 1);
+  EXPECT_EQ(run({"follow", "any"}), 0);
+}
+
+}  // namespace
+}  // namespace tests
+
+#include "remote_test.moc"
