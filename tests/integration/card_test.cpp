@@ -7,6 +7,7 @@
 #include "controls/artwork_button.h"
 #include "controls/rating_indicator.h"
 #include "controls/text_label.h"
+#include "demo/demo_station.h"
 #include "desktop/program/composition.h"
 #include "radio/url_connection.h"
 #include "tests/integration/fake_player.h"
