@@ -70,7 +70,6 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
                             ? QString::fromStdString(options.lastPlayer)
                             : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
-  if (ratings_ != nullptr) ratings_->setChangeHandler([this] { marksSignal_.send(); });
   if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
   setWritesLibraries(options.writesLibraries);
   announcement_.setSingleShot(true);
@@ -101,10 +100,6 @@ void PlayerBridge::setWritesLibraries(bool writes) {
 bool PlayerBridge::follows(const std::string& playerName) const {
   const PlayerMirror* chosen = registry_.chosen();
   return chosen != nullptr && answersTo(*chosen, QString::fromStdString(playerName));
-}
-
-PlayerBridge::~PlayerBridge() {
-  if (ratings_ != nullptr) ratings_->setChangeHandler(nullptr);
 }
 
 std::optional<platform::ScriptingReply> PlayerBridge::send(

@@ -55,10 +55,6 @@ class PlayerBridge final : public platform::ScriptingTransport,
   /// Looks for players at once, waiting a quarter of a second at most for their answers.
   PlayerBridge(const QDBusConnection& bus, const Options& options);
 
-  ~PlayerBridge() override;
-  PlayerBridge(const PlayerBridge&) = delete;
-  PlayerBridge& operator=(const PlayerBridge&) = delete;
-
   /// Follows this player while it is there; see Options.
   void follow(const std::string& playerName);
   /// See Options.
@@ -95,7 +91,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
   void announce();
 
   QDBusConnection bus_;
-  MarksSignal marksSignal_;
+  const MarksSignal marksSignal_;
   PlayerRegistry registry_;
   PlayerArtwork artwork_;
   RatingsStore* const ratings_;

@@ -14,9 +14,8 @@ const auto member = QStringLiteral("MarksChanged");
 }  // namespace
 
 MarksSignal::MarksSignal(const QDBusConnection& bus, std::function<void()> received)
-    : bus_(bus), received_(std::move(received)) {
-  QDBusConnection connection = bus;
-  connection.connect(QString(), path, interface, member, this, SLOT(marksChanged()));
+    : received_(std::move(received)) {
+  QDBusConnection(bus).connect(QString(), path, interface, member, this, SLOT(marksChanged()));
 }
 
 void MarksSignal::send(const QDBusConnection& bus) {

@@ -15,14 +15,13 @@ class MarksSignal final : public QObject {
   /// Calls back when any program has changed marks, this one included.
   MarksSignal(const QDBusConnection& bus, std::function<void()> received);
 
-  void send() const { send(bus_); }
+  /// Tells all of them.
   static void send(const QDBusConnection& bus);
 
  private slots:  // called by the bus
   void marksChanged() { received_(); }
 
  private:
-  const QDBusConnection bus_;
   const std::function<void()> received_;
 };
 

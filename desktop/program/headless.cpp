@@ -60,6 +60,7 @@ class Headless final : public Remote {
            const virelune::WidgetEntry& widget)
       : bundle_(openBundle(resourceFolder())),
         bridge_(bus, {.playerName = player, .ratings = &ratings_}) {
+    ratings_.setChangeHandler([bus] { MarksSignal::send(bus); });
     driver_.setPass([this] { runLoop_.runPass(); });
     platform_.mainBundle = bundle_.get();
     platform_.runLoop = &runLoop_;

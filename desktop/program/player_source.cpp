@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "desktop/player/marks_signal.h"
 #include "platform/application/player_dictionary.h"
 #include "platform/loop/notification.h"
 #include "platform/platform.h"
@@ -34,6 +35,9 @@ PlayerSource::PlayerSource(Options options)
 }
 
 void PlayerSource::makeBridge() {
+  if (ratings_ != nullptr) {
+    ratings_->setChangeHandler([bus = *bus_] { MarksSignal::send(bus); });
+  }
   bridge_ = std::make_unique<PlayerBridge>(
       *bus_, PlayerBridge::Options{.playerName = playerName_,
                                    .lastPlayer = lastPlayer_,
