@@ -122,6 +122,7 @@ class GioApplications final : public InstalledApplications {
 
 }  // namespace desktop
 
-extern "C" __attribute__((visibility("default"))) desktop::InstalledApplications* virelune_installed_applications() {
+extern "C" __attribute__((visibility("default"))) desktop::InstalledApplications*
+virelune_installed_applications() {
   return std::make_unique<desktop::GioApplications>().release();
 }
