@@ -2,6 +2,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "demo/demo_catalogue.h"
 
 namespace demo {
 
@@ -15,8 +18,11 @@ class DemoServers {
   virtual std::string certificate() const = 0;
 };
 
-/// The function that the module exports under this name: what it answers is the caller's.
-using MakeDemoServers = DemoServers*(bool station, bool store);
+/// The function that the module exports under this name: what it answers is the caller's. What has
+/// nothing to play or to sell does not listen. A module does not see the program's bundle, so the
+/// covers come with the lists.
+using MakeDemoServers = DemoServers*(std::vector<Programme> programmes,
+                                     std::vector<StoreAlbum> albums);
 inline constexpr const char* makeDemoServersName = "virelune_demo_servers";
 
 }  // namespace demo

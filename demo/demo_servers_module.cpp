@@ -1,4 +1,6 @@
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "demo/demo_servers.h"
 #include "demo/demo_station.h"
@@ -10,9 +12,9 @@ namespace {
 
 class LoopbackServers final : public DemoServers {
  public:
-  LoopbackServers(bool station, bool store)
-      : station_(station ? DemoStation::start() : nullptr),
-        store_(store ? DemoStore::start() : nullptr) {}
+  LoopbackServers(std::vector<Programme> programmes, std::vector<StoreAlbum> albums)
+      : station_(programmes.empty() ? nullptr : DemoStation::start({}, std::move(programmes))),
+        store_(albums.empty() ? nullptr : DemoStore::start(std::move(albums))) {}
 
   std::string stationHost() const override { return station_ ? station_->host() : std::string(); }
   std::string storeHost() const override { return store_ ? store_->host() : std::string(); }
@@ -30,6 +32,7 @@ class LoopbackServers final : public DemoServers {
 }  // namespace demo
 
 extern "C" __attribute__((visibility("default"))) demo::DemoServers* virelune_demo_servers(
-    bool station, bool store) {
-  return std::make_unique<demo::LoopbackServers>(station, store).release();
+    std::vector<demo::Programme> programmes, std::vector<demo::StoreAlbum> albums) {
+  return std::make_unique<demo::LoopbackServers>(std::move(programmes), std::move(albums))
+      .release();
 }

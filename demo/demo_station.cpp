@@ -5,7 +5,6 @@
 #include <cmath>
 #include <ctime>
 
-#include "demo/demo_cover.h"
 #include "demo/serving_thread.h"
 #include "platform/foundation/date_formatter.h"
 
@@ -58,16 +57,6 @@ std::string taggedSegment(const Programme& programme, const std::string& coverAd
 }
 
 }  // namespace
-
-std::vector<Programme> programmes() {
-  return {
-      {"Harbour Lights", "The Tin Sailors", "Postcards from the Breakwater", cover("waves")},
-      {"夜明けの交差点", "水色レイディオ", "夏の終わりの地図", cover("petals")},
-      {"Seventh Floor, No Lift", "Oda Brenner", "Last Stops", cover("stripes")},
-      {"Το φως στο λιμάνι", "Νεφέλη Αύρα", "Μικρά ταξίδια", cover("sunrise")},
-      {"Static Garden", "Low Orbit Parade", "Signals for Small Rooms", cover("rings")},
-  };
-}
 
 class DemoStation::Server {
  public:

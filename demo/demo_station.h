@@ -5,20 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/data.h"
+#include "demo/demo_catalogue.h"
 
 namespace demo {
-
-/// What is on air for a while.
-struct Programme {
-  std::string title;
-  std::string artist;
-  std::string album;
-  platform::Data cover;  ///< the bytes of a PNG image
-};
-
-/// The station's programmes, all of them invented.
-std::vector<Programme> programmes();
 
 /// How fast the station moves on.
 struct StationPace {

@@ -3,7 +3,6 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "demo/demo_cover.h"
 #include "demo/loopback_certificate.h"
 #include "demo/serving_thread.h"
 #include "platform/foundation/text.h"
@@ -24,15 +23,6 @@ bool matches(const std::string& text, const std::string& term) {
 }
 
 }  // namespace
-
-std::vector<StoreAlbum> storeAlbums() {
-  return {
-      {"Oda Brenner", "Last Stops (Night Service Edition)", cover("rings")},
-      {"Oda Brenner", "Last Stops", cover("stripes")},
-      {"Marlow & Finch", "The Evening Ferry", cover("sunrise")},
-      {"Low Orbit Parade", "Signals for Small Rooms", cover("rings")},
-  };
-}
 
 class DemoStore::Server {
  public:

@@ -5,19 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/data.h"
+#include "demo/demo_catalogue.h"
 
 namespace demo {
-
-/// What the store has on its shelves.
-struct StoreAlbum {
-  std::string artist;
-  std::string album;
-  platform::Data cover;  ///< the bytes of a PNG image
-};
-
-/// Albums of the demo's artists, among them the one whose track has no cover in the library.
-std::vector<StoreAlbum> storeAlbums();
 
 /// Answers album searches as the public search service does, and serves the covers that its
 /// answers name. The widget searches over https and nothing else, so the store speaks TLS with a

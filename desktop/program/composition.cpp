@@ -82,7 +82,11 @@ void Composition::makeDemoServers() {
   auto* make = reinterpret_cast<demo::MakeDemoServers*>(
       functionOfModule("demo-servers", demo::makeDemoServersName));
   if (make == nullptr) return;
-  demoServers_.reset(make(servers_.contains(streamHostKey), servers_.contains(storeHostKey)));
+  const auto wanted = [this](const char* key, auto list) {
+    return servers_.contains(key) ? list() : decltype(list())();
+  };
+  demoServers_.reset(
+      make(wanted(streamHostKey, demo::programmes), wanted(storeHostKey, demo::storeAlbums)));
   for (const auto& [key, host] : {std::pair(streamHostKey, demoServers_->stationHost()),
                                   {storeHostKey, demoServers_->storeHost()}}) {
     if (!host.empty()) bundle_->setInfoDictionaryEntry(key, host);
