@@ -1,11 +1,13 @@
 #include "desktop/program/card_actions.h"
 
+#include <QtCore/QProcess>
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <optional>
 
 #include "desktop/actions/values.h"
+#include "desktop/files/module.h"
 #include "desktop/window/localized.h"
 #include "desktop/window/placement.h"
 #include "desktop/window/shortcuts.h"
@@ -44,6 +46,42 @@ Action plain(const char* name, const char* labelKey, std::function<void()> act) 
           .isOn = {},
           .perform = withoutArgument([act = std::move(act)] {
             act();
+            return true;
+          })};
+}
+
+/// Has a program of its own exchange ratings with a file, which may take a while, and tells how it
+/// went.
+void exchangeRatings(const CardParts& parts, const char* verb, const std::string& file,
+                     const std::string& title) {
+  auto* program = new QProcess(&parts.surface);  // NOLINT: the window owns it
+  program->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+  program->setStandardOutputFile(QProcess::nullDevice());
+  QObject::connect(program, &QProcess::finished, &parts.surface,
+                   [&surface = parts.surface, program, title](int status) {
+                     surface.showNotice(title + (status == 0 ? "  ✓" : "  ✗"));
+                     program->deleteLater();
+                   });
+  program->start(QString::fromStdString(programFile().string()),
+                 {QString::fromLatin1(verb), QString::fromStdString(file)});
+}
+
+Action fileAction(const CardParts& parts, const char* name, const char* labelKey,
+                  const char* verb) {
+  return {.name = name,
+          .labelKey = labelKey,
+          .isPossible = [parts] { return parts.files.isThere(); },
+          .isOn = {},
+          .perform = withoutArgument([parts, labelKey, verb] {
+            const std::string title = localizedString(labelKey);
+            const auto chosen = [parts, verb, title](const std::string& file) {
+              exchangeRatings(parts, verb, file, title);
+            };
+            if (std::string_view(verb) == "import") {
+              parts.files.open(title, chosen);
+            } else {
+              parts.files.save(title, "ratings.jsonl", chosen);
+            }
             return true;
           })};
 }
@@ -122,6 +160,8 @@ void addCardActions(Actions& actions, const CardParts& parts) {
         parts.player.setWritesLibraries(writes);
         return true;
       }));
+  actions.add(fileAction(parts, "export-ratings", "0003.0012", "export"));
+  actions.add(fileAction(parts, "import-ratings", "0003.0013", "import"));
   actions.add(toggle(
       "about", "0003.0015", [parts] { return parts.card.isEditing(); },
       [parts](bool editing) {
@@ -150,7 +190,8 @@ class MenuBuilder {
     items.push_back(parent("0003.0007", sizes()));
     items.back().beginsGroup = true;
     items.push_back(parent("0003.0008", loveRules()));
-    for (const char* name : {"write-library", "hide-when-idle", "launch-at-login", "on-top"}) {
+    for (const char* name : {"write-library", "export-ratings", "import-ratings", "hide-when-idle",
+                             "launch-at-login", "on-top"}) {
       // What this desktop never lets a program do is not shown.
       if (actions_.find(name)->isPossible()) items.push_back(item(name));
     }

@@ -8,6 +8,7 @@
 #include "desktop/actions/action.h"
 #include "desktop/files/settings.h"
 #include "desktop/program/player_source.h"
+#include "desktop/session/file_chooser.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/card_surface.h"
 #include "widget/widget_entry.h"
@@ -21,6 +22,7 @@ struct CardParts {
   PlayerSource& player;
   Settings& settings;
   const virelune::WidgetEntry& widget;
+  FileChooser& files;
   std::function<void()> restart;  ///< begins the program anew, as a new size asks for
   std::function<void()> showKeys;
   std::function<void()> updateHiding;  ///< hides the card or brings it back, as is set up
@@ -28,7 +30,7 @@ struct CardParts {
 
 /// Adds them: "follow" (a player's name, "any", "demo"), "size" (per cent), "love-rule" ("off" or a
 /// number of stars), and without argument "about", "hide-when-idle", "launch-at-login", "on-top",
-/// "write-library", "menu", "keys" and "close".
+/// "write-library", "export-ratings", "import-ratings", "menu", "keys" and "close".
 void addCardActions(Actions& actions, const CardParts& parts);
 
 /// The context menu, as things are now.

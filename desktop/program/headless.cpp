@@ -119,7 +119,10 @@ int followStatus(const Verb& verb, Headless& headless) {
   std::optional<QString> last;
   int status = EXIT_SUCCESS;
   const auto write = [&] {
-    QVariantMap now = headless.status();
+    const auto report = headless.bridge().report();
+    // A player that has just come has nothing to tell yet.
+    if (report && !report->track && report->state == platform::FourCharCode{}) return;
+    QVariantMap now = statusOf(report);
     const auto line = lineOf(verb, now);
     if (!line) {
       status = refuse({badValueStatus, line.problem().text});

@@ -116,12 +116,14 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   Actions actions;
   bool restarts = false;
   std::optional<CardMenu> menu;
+  FileChooser files(QDBusConnection::sessionBus());
   const CardParts parts{
       .surface = window,
       .card = *composition.card(),
       .player = player,
       .settings = settings,
       .widget = widget,
+      .files = files,
       .restart =
           [&restarts] {
             restarts = true;

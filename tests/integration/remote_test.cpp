@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 
 #include <QtDBus/QDBusMessage>
+#include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusReply>
 
 #include "tests/integration/fake_player.h"
@@ -32,6 +34,41 @@ class Listener final : public QObject {
   void heard(const QString&, const QVariantMap& values, const QStringList&) {
     changed.insert(values);
   }
+};
+
+/// A desktop whose file dialogs answer at once.
+class FakePortal final : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
+
+ public:
+  FakePortal(QDBusConnection bus, QString file) : bus_(bus), file_(std::move(file)) {
+    bus_.registerObject("/org/freedesktop/portal/desktop", this, QDBusConnection::ExportAllSlots);
+    bus_.registerService("org.freedesktop.portal.Desktop");
+  }
+  bool isCancelled = false;
+
+ public slots:
+  QDBusObjectPath SaveFile(const QString&, const QString&, const QVariantMap& options,
+                           const QDBusMessage& call) {
+    const QString path = "/org/freedesktop/portal/desktop/request/" +
+                         call.service().mid(1).replace('.', '_') + '/' +
+                         options.value("handle_token").toString();
+    auto signal = QDBusMessage::createTargetedSignal(call.service(), path,
+                                                     "org.freedesktop.portal.Request", "Response");
+    const uint response = isCancelled ? 1 : 0;
+    signal << response << QVariantMap{{"uris", QStringList{"file://" + file_}}};
+    bus_.send(signal);
+    return QDBusObjectPath(path);
+  }
+  QDBusObjectPath OpenFile(const QString& parent, const QString& title, const QVariantMap& options,
+                           const QDBusMessage& call) {
+    return SaveFile(parent, title, options, call);
+  }
+
+ private:
+  QDBusConnection bus_;
+  const QString file_;
 };
 
 class Remote : public testing::Test {
@@ -162,6 +199,32 @@ TEST_F(Remote, TheBusAnswersWithoutAWindowUntilACardTakesOverAndRatingsShowEvery
   EXPECT_EQ(run({"rate", "9"}), 2);
   EXPECT_EQ(run({"next"}), 1);
   EXPECT_EQ(run({"follow", "any"}), 0);
+}
+
+TEST_F(Remote, RatingsGoToTheFileThatTheDesktopsDialogChoseAndComeFromIt) {
+  const TemporaryFolder folder;
+  const auto file = folder.path() / "my ratings.jsonl";
+  const auto card = start({});
+  ASSERT_TRUE(waitUntil([&] { return call("Act", {"love", "on"}).errorName().isEmpty(); }));
+  EXPECT_EQ(call("Act", {"export-ratings", ""}).errorName(), interface + ".Error.Impossible")
+      << "this desktop has no dialogs";
+  FakePortal portal(bus_.connection(), QString::fromStdString(file.string()));
+  EXPECT_EQ(call("Act", {"export-ratings", ""}).errorName(), "");
+  EXPECT_TRUE(waitUntil([&] { return contents(file).find("Song") != std::string::npos; }));
+  const std::string imported =
+      R"({"kind":"track","artist":"A","title":"T","length":9,"loved":true})";
+  std::ofstream(file) << imported;
+  const auto isImported = [&] {
+    const QVariantMap track{{"artist", "A"}, {"title", "T"}, {"length", 9}};
+    return QDBusReply<QVariantMap>(call("Marks", {track})).value().value("loved") == true;
+  };
+  portal.isCancelled = true;
+  EXPECT_EQ(call("Act", {"import-ratings", ""}).errorName(), "");
+  EXPECT_EQ(run({"love", "on"}), 0);  // the card has heard of it then
+  EXPECT_FALSE(isImported());
+  portal.isCancelled = false;
+  EXPECT_EQ(call("Act", {"import-ratings", ""}).errorName(), "");
+  EXPECT_TRUE(waitUntil(isImported));
 }
 
 }  // namespace
