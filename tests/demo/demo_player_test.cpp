@@ -80,20 +80,6 @@ TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
   EXPECT_EQ(listener->count, before + 1);
 }
 
-TEST_F(DemoPlayer, PreviousLeavesTheTrackOnlyWithinItsFirstThreeSecondsAndGoesRound) {
-  startPlayer(statePaused, 1);
-  for (const auto& [seconds, track] :
-       {std::pair(3.01, std::size_t{1}), {3.0, 0}, {0.0, demo::liveStation}}) {
-    player.setPosition(seconds);
-    command(code("Prev"));
-    EXPECT_EQ(playing(), track);
-    EXPECT_EQ(player.position(), 0);
-  }
-  EXPECT_EQ(player.state(), statePaused);
-  command(code("Next"));
-  EXPECT_EQ(playing(), 0U);
-}
-
 TEST_F(DemoPlayer, EveryChangeIsAnnouncedOnceAfterTheCommandReturned) {
   startPlayer(statePlaying);
   const std::pair<int, std::function<void()>> actions[] = {

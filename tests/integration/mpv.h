@@ -2,24 +2,12 @@
 #pragma once
 
 #include "tests/integration/processes.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tests {
 
 /// Three tagged files with a tone each, and the cover of their folder. Made once for all tests.
-class Media {
- public:
-  static constexpr double trackSeconds = 40;
-
-  static const Media& shared();
-  const QStringList& files() const { return files_; }
-
- private:
-  Media();
-
-  TemporaryFolder folder_;
-  QStringList files_;
-};
+const QStringList& mediaFiles();
+constexpr double mediaSeconds = 40;
 
 /// mpv with its MPRIS plugin, without sound or picture, playing the files; it stays when the last
 /// one has ended. Waits until it is on the bus and plays.

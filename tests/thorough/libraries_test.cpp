@@ -4,6 +4,7 @@
 #include "desktop/program/worker_pool.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/mpv.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tests {
 namespace {
@@ -28,17 +29,15 @@ class RealLibrary : public BridgeFixture {
     return waitLong([] { return title() == "First Light"; });
   }
   bool isNoted(const char* player, State state) {
-    const desktop::TrackIdentity identity{.artist = "The Tides",
-                                          .album = "Harbour",
-                                          .title = "First Light",
-                                          .length = Media::trackSeconds};
+    const desktop::TrackIdentity identity{
+        .artist = "The Tides", .album = "Harbour", .title = "First Light", .length = mediaSeconds};
     return waitUntil([&] {
       const auto note = store_.trackRating(identity, player).note;
       return note && note->state == state;
     });
   }
 
-  const QString file_ = Media::shared().files().front();
+  const QString file_ = mediaFiles().front();
   const std::filesystem::path music_ = std::filesystem::path(file_.toStdString()).parent_path();
   const TemporaryFolder home_;
   desktop::RatingsStore store_{home_.path() / "ratings.sqlite"};

@@ -44,19 +44,6 @@ TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
   EXPECT_EQ(asked(), "") << "a player that has quit is not asked";
 }
 
-TEST_F(TrackActions, APressOnTheBarSeeksThere) {
-  show(demo::statePaused);
-  sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
-  EXPECT_EQ(asked(), "pPlS set pPos 112.5 pPlS pPos");
-  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5);
-  sendMouse(platform::NSEventType::leftMouseUp, {160, 3});
-  clock.settle();
-  EXPECT_EQ(panel->contentTimeTextLabel()->text(), "01:52 | 3:45");
-  player.setRefusesWrites(true);
-  click({10, 3});
-  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5) << "as it really is";
-}
-
 TEST_F(TrackActions, LoveAndStarsActOnTheTrackWithOptionOnItsAlbumAndShowAtOnceByTheRuleToo) {
   show(demo::statePaused, demo::trackWithoutCover);
   const auto told = [](std::int64_t rating, bool loved) {

@@ -89,62 +89,12 @@ TEST_F(RatingsFaults, ClicksImportsAndExports) {
       });
 }
 
-TEST_F(RatingsFaults, BackupsAndRestores) {
-  const auto date = [&] { return listOfBackups(file).substr(0, 10); };
-  const auto backUp = [&] {
-    const auto made = backUpRatings(file, today());
-    return made && *made;
-  };
-  expectKept("backup", begin, backUp, [&](bool isDone) {
-    EXPECT_EQ(backupDays(file).size(), isDone ? 1U : 0U);
-    EXPECT_TRUE(!isDone || listOfBackups(file).ends_with("  200 entries\n"));
-  });
-  const fs::path backups = file.parent_path() / "ratings-backups", kept = folder.path() / "kept";
-  makeStore();
-  EXPECT_TRUE(backUp());
-  fs::copy(backups, kept);
-  expectKept(
-      "restore",
-      [&] {
-        makeStore();
-        fs::copy(kept, backups);
-        EXPECT_TRUE(click());
-      },
-      [&] {
-        RatingsStore store(file, messages);
-        return static_cast<bool>(restoreRatings(store, date()));
-      },
-      [&](bool isDone) {
-        const fs::path replaced = file.parent_path() / ("ratings-replaced-" + date() + "-1.sqlite");
-        const bool isReplaced = RatingsStore(replaced, messages).trackMarks(clicked).rating == 60;
-        EXPECT_FALSE(isDone && rating(clicked) == 60);
-        EXPECT_TRUE(isReplaced || rating(clicked) == 60)
-            << "a commit may be reported as failed at its end";
-      });
-}
-
-TEST_F(RatingsFaults, MendingMovingAndComingFromAnEarlierVersion) {
+TEST_F(RatingsFaults, MendingAndComingFromAnEarlierVersion) {
   const auto damage = [&] {
     makeStore();
     overwrite(file, 4096, std::string(4096, '\xFF'));  // the root of the marks
   };
   expectKept("mending", damage, click, expectClicked);
-
-  std::optional<RatingsStore> open;
-  expectKept(
-      "carrying over",
-      [&] {
-        makeStore();
-        open.emplace(file, messages);
-        EXPECT_TRUE(open->setTrackRating(track(0), 40));
-        fs::rename(file, folder.path() / "away");
-      },
-      [&] { return open->setTrackRating(clicked, 60); },
-      [&](bool isDone) {
-        EXPECT_EQ(open->trackMarks(track(confirmed - 1)).rating, 40);
-        EXPECT_TRUE(!isDone || open->trackMarks(clicked).rating == 60);
-        open.reset();
-      });
 
   makeStore();
   const fs::path log = file.native() + "-wal";

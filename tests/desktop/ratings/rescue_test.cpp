@@ -80,6 +80,8 @@ TEST_F(RatingsRescue, EachPageThatIsLostCostsOnlyWhatLiesOnIt) {
     EXPECT_EQ(lostNames, entries);
   }
   EXPECT_GT(rescued(sound.substr(0, sound.size() / 2)).marks.size(), entries / 4) << "cut off";
+  inStore("UPDATE marks SET rating = 101 WHERE rating = 7");
+  EXPECT_LT(rescued(contents(file)).marks.size(), entries) << "rows that make no sense";
 }
 
 TEST_F(RatingsRescue, LongRowsAndOtherPageSizesAreReadWhole) {
