@@ -25,6 +25,11 @@ struct Widget {
   pid_t process = 0;
   FileDescriptor answers = FileDescriptor();
 
+  Widget() = default;
+  Widget(const Widget&) = delete;
+  Widget& operator=(const Widget&) = delete;
+  ~Widget() { kill(); }
+
   /// Two clicks on one track never set the same rating in a row.
   static int ratingOf(int click) { return click % 101; }
 
@@ -48,8 +53,9 @@ struct Widget {
   /// Hears of the next answer; false when the process has ended and all were heard of.
   bool hear() { return ::read(answers.get(), &answered, sizeof answered) == sizeof answered; }
   void kill() {
+    if (process <= 0) return;
     ::kill(process, SIGKILL);
-    ::waitpid(process, nullptr, 0);
+    ::waitpid(std::exchange(process, 0), nullptr, 0);
     while (hear()) {
     }
   }

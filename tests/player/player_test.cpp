@@ -17,6 +17,7 @@ using platform::code;
 using ITunes = tests::WidgetFixture;
 
 TEST_F(ITunes, PlaysInEveryReadableStateButStoppedAndOnlyTheFirstInstanceCounts) {
+  EXPECT_FALSE(vl_toggleTrackLoved()) << "must not wake the player";
   startPlayer();
   for (const auto& [state, plays] :
        {std::pair(code("kPSF"), true), {FourCharCode{}, false}, {demo::stateStopped, false}}) {

@@ -37,6 +37,11 @@ TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
     EXPECT_NE(painted(), shown);
     EXPECT_EQ(panel->contentNameTextLabel()->text(), track);
   }
+  player.clearLog();
+  sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
+  EXPECT_EQ(asked(), "pPlS set pPos 112.5 pPlS pPos") << "half of the bar";
+  EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5);
+  sendMouse(platform::NSEventType::leftMouseUp, {160, 3});
   player.quit();
   player.clearLog();
   for (const std::size_t control : {artwork, next, play, previous, love}) clickControl(control);
@@ -94,16 +99,6 @@ TEST_F(TrackActions, TheArtworkRevealsTheTrackAndWithOptionOpensTheArtistsPageFr
   workers.runAll();
   EXPECT_THAT(http.at(0).request.url, HasSubstr("Marlow+&+Finch"));
   EXPECT_THAT(workspaceBackend.asked, ElementsAre("open itms://store.example/artist/7?at=4p8d27M"));
-}
-
-TEST_F(TrackActions, LiveTheArtworkOpensTheStoreOnceTheArtistIsKnown) {
-  show(demo::statePlaying, demo::liveStation);
-  clickControl(artwork);
-  EXPECT_EQ(workers.count(), 0U) << "no artist, no search";
-  panel->contentBeats1InfoLoader()->trackInfoUpdateForKey_withValue("track artist", "Artist");
-  clickControl(artwork);
-  EXPECT_EQ(workers.count(), 1U);
-  EXPECT_THAT(asked(), Not(HasSubstr("actv")));
 }
 
 }  // namespace

@@ -119,27 +119,5 @@ TEST_F(TrackLive, EachRefreshLeavesOneFreshLoaderUntilAnotherTrackOrHidingEndsIt
   EXPECT_EQ(http.inFlight() + platform_.defaultCenter->registrationCount(), 0U);
 }
 
-TEST_F(TrackLive, TheLoadersNotificationRefreshesWhatTheProgrammeDescribes) {
-  show(demo::statePaused, demo::liveStation);
-  const auto loader = panel->contentBeats1InfoLoader();
-  const auto image = platform::imageWithData(tests::imageBytes("live"));
-  loader->trackInfoUpdateForKey_withValue("track name", "Title");
-  loader->trackInfoUpdateForKey_withValue("track artist", "Artist");
-  loader->trackInfoUpdateForKey_withValue("track artwork", image);
-  loader->postInfoNotification();
-  EXPECT_EQ(panel->contentNameTextLabel()->text(), "Beats 1");
-  clock.settle();
-  EXPECT_EQ(panel->contentNameTextLabel()->text(), "Title");
-  EXPECT_EQ(panel->contentArtistTextLabel()->text(), "Artist");
-  EXPECT_EQ(panel->contentArtworkButton()->image(), image);
-  EXPECT_THAT(player.log(), testing::Not(testing::Contains("get pTrk.pDur")));
-  EXPECT_EQ(panel->contentBeats1InfoLoader(), loader);
-
-  platform_.http = nullptr;
-  EXPECT_FALSE(panel->startBeats1InfoLoader(panel.get()));
-  EXPECT_EQ(panel->contentBeats1InfoLoader(), loader) << "one that cannot start leaves it running";
-  EXPECT_EQ(platform_.defaultCenter->registrationCount(), 1U);
-}
-
 }  // namespace
 }  // namespace virelune
