@@ -8,6 +8,7 @@
 #include "desktop/session/workspace.h"
 #include "platform/platform.h"
 #include "tests/integration/processes.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tests {
 
@@ -72,6 +73,8 @@ class BridgeFixture : public testing::Test {
   }
 
   const PrivateBus bus;
+  const TemporaryFolder folder;
+  desktop::RatingsStore ratings{folder.path() / "ratings.sqlite"};  // outlives the bridge
 
  private:
   platform::Platform platform_;

@@ -7,7 +7,6 @@
 
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tests {
 namespace {
@@ -115,7 +114,7 @@ class LibraryTest : public BridgeFixture {
  protected:
   void open(const char* name, bool writes = true) {
     library = std::make_unique<Library>(bus, name);
-    follow({.ratings = &store, .writesLibraries = writes});
+    follow({.ratings = &ratings, .writesLibraries = writes});
     player = name;
     // The player is in this thread: nothing that waits for it gets an answer.
     EXPECT_TRUE(waitUntil([] { return shown() >= 0 && trackText(code("pnam")); }));
@@ -128,7 +127,7 @@ class LibraryTest : public BridgeFixture {
   static std::int64_t shown() { return rating()->integerValue(); }
   static void click(int stars) { rating()->setTo(stars); }
   std::optional<LibraryNote> noteOf(int number) {
-    return store
+    return ratings
         .trackRating({.address = QString("/music/%1.flac").arg(number).toStdString()}, player)
         .note;
   }
@@ -136,8 +135,6 @@ class LibraryTest : public BridgeFixture {
     return waitUntil([&] { return noteOf(number) && noteOf(number)->state == state; });
   }
 
-  const TemporaryFolder folder;
-  desktop::RatingsStore store{folder.path() / "ratings.sqlite"};
   std::unique_ptr<Library> library;
   std::string player;
 };
@@ -163,7 +160,7 @@ TEST_F(LibraryTest, AStarLandsInEachKindOfLibraryAndAHalfOneStaysOneWhereItIsRou
     library->rate(1.0);
     EXPECT_TRUE(waitForRating(100)) << "also over a rating that was cleared here";
     library.reset();
-    store.setTrackRating({.address = "/music/1.flac"}, 100);
+    ratings.setTrackRating({.address = "/music/1.flac"}, 100);
   }
 }
 

@@ -3,7 +3,6 @@
 
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
-#include "tests/support/temporary_folder.h"
 #include "track/track_view_controller.h"
 
 namespace tests {
@@ -137,8 +136,6 @@ TEST_F(PlayerBridge, AClickOnTheArtworkRaisesThePlayerOnce) {
 }
 
 TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
-  const TemporaryFolder folder;
-  desktop::RatingsStore ratings(folder.path() / "ratings.sqlite");
   const QVariantMap album{{"xesam:artist", "A"}, {"xesam:album", "B"}};
   FakePlayer player(bus, "plain", song("One", album));
   const auto marks = [] {

@@ -4,7 +4,6 @@
 #include "desktop/program/worker_pool.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/mpv.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tests {
 namespace {
@@ -15,9 +14,9 @@ class RealLibrary : public BridgeFixture {
  protected:
   RealLibrary() {
     for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
-      environment_[name] = home_.path().c_str();
+      environment_[name] = folder.path().c_str();
     }
-    follow({.ratings = &store_});
+    follow({.ratings = &ratings});
   }
   QString output(const char* name, const QStringList& arguments) const {
     return outputOf(QString::fromLatin1(name), arguments, environment_);
@@ -32,15 +31,13 @@ class RealLibrary : public BridgeFixture {
     const desktop::TrackIdentity identity{
         .artist = "The Tides", .album = "Harbour", .title = "First Light", .length = mediaSeconds};
     return waitUntil([&] {
-      const auto note = store_.trackRating(identity, player).note;
+      const auto note = ratings.trackRating(identity, player).note;
       return note && note->state == state;
     });
   }
 
   const QString file_ = mediaFiles().front();
   const std::filesystem::path music_ = std::filesystem::path(file_.toStdString()).parent_path();
-  const TemporaryFolder home_;
-  desktop::RatingsStore store_{home_.path() / "ratings.sqlite"};
   Environment environment_ = bus.environment();
 };
 
@@ -55,8 +52,8 @@ class Mpd : public RealLibrary {
 
   /// Plays the first file, which the front tells of.
   void play(bool hasStickers) {
-    const std::string home = home_.path();
-    std::ofstream(home_.path() / "mpd.conf")
+    const std::string home = folder.path();
+    std::ofstream(folder.path() / "mpd.conf")
         << "music_directory \"" << music_.native() << "\"\nbind_to_address \""
         << socket_.toStdString() << "\"\ndb_file \"" << home << "/db\"\n"
         << (hasStickers ? "sticker_file \"" + home + "/stickers\"\n" : "")
@@ -73,7 +70,7 @@ class Mpd : public RealLibrary {
   QString sticker() const { return output("mpc", {"sticker", "1.flac", "get", "rating"}); }
 
  private:
-  const QString socket_ = QString::fromStdString(home_.path() / "socket");
+  const QString socket_ = QString::fromStdString(folder.path() / "socket");
   desktop::WorkerPool workers_;
   std::optional<Program> server_, front_;
 };
@@ -104,8 +101,8 @@ class QuodLibet : public RealLibrary {
 };
 
 TEST_F(QuodLibet, TakesTheStarsIntoItsLibraryAndTheLastHandWins) {
-  std::filesystem::create_directory(home_.path() / "quodlibet");
-  std::ofstream(home_.path() / "quodlibet/config")
+  std::filesystem::create_directory(folder.path() / "quodlibet");
+  std::ofstream(folder.path() / "quodlibet/config")
       << "[settings]\nscan = " << music_.native() << "\n[plugins]\nactive_plugins = mpris\n"
       << "[player]\ngst_pipeline = fakesink sync=true\n";
   const Program player("quodlibet", {"--run"}, environment_);
