@@ -23,7 +23,6 @@ class Filled : public NSView {
     platform::NSRectFillUsingOperation(bounds(), platform::NSCompositeSourceOver);
   }
   void mouseDown(const NSEvent*) override { note('d'); }
-  void mouseDragged(const NSEvent*) override { note('m'); }
   void mouseUp(const NSEvent*) override { note('u'); }
   std::string events;  ///< with the buttons that were pressed then
 
@@ -75,23 +74,6 @@ TEST_F(Views, MarksAreCutToWhatTheParentsShowAndDisplayDrawsOnlyWhatMeetsTheRect
   click({61, 26});
   click({59, 26});
   EXPECT_EQ(view->events, "d1u0") << "where its parent has put it";
-}
-
-TEST_F(Views, PressedViewGetsDragsAndReleaseWhereverThePointerGoesUntilItIsRemoved) {
-  auto left = add<Filled>(NSMakeRect(0, 0, 10, 10));
-  const auto right = add<Filled>(NSMakeRect(50, 0, 10, 10));
-  sendMouse(NSEventType::leftMouseDown, {5, 5});
-  sendMouse(NSEventType::leftMouseDragged, {55, 5});
-  sendMouse(NSEventType::leftMouseUp, {500, 500});
-  EXPECT_EQ(left->events, "d1m1u0");
-  EXPECT_FALSE(platform_.application->currentEvent());
-
-  sendMouse(NSEventType::leftMouseDown, {5, 5});
-  left->removeFromSuperview();
-  left.reset();
-  sendMouse(NSEventType::leftMouseUp, {55, 5});
-  EXPECT_EQ(right->events, "");
-  EXPECT_EQ(NSEvent::pressedMouseButtons(), 0U);
 }
 
 TEST_F(Views, ButtonClicksOnlyWhenReleasedInsideAndItsTargetLives) {
