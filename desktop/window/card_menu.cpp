@@ -58,6 +58,16 @@ CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, Source source)
   setFlags(Qt::Popup | Qt::FramelessWindowHint);
   setTransientParent(&card);
   card_.setMenuHandler([this](QPoint point) { open(point); });
+  card_.installEventFilter(this);
+}
+
+// Under Wayland the keyboard stays with the card while its menu is open.
+bool CardMenu::eventFilter(QObject* object, QEvent* event) {
+  if (!isVisible() || event->type() != QEvent::KeyPress) {
+    return QRasterWindow::eventFilter(object, event);
+  }
+  keyPressEvent(static_cast<QKeyEvent*>(event));
+  return true;
 }
 
 CardMenu::~CardMenu() { card_.setMenuHandler(nullptr); }

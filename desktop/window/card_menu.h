@@ -42,6 +42,7 @@ class CardMenu final : public QRasterWindow {
 
  protected:
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
   void exposeEvent(QExposeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
