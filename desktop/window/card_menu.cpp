@@ -76,7 +76,8 @@ void CardMenu::open(QPoint point) { open(point, source_()); }
 
 void CardMenu::open(QPoint point, std::vector<MenuItem> items) {
   place_ = point;
-  levels_.assign(1, std::move(items));
+  levels_.clear();
+  levels_.push_back(std::move(items));
   pointedItem_.reset();
   fit();
   show();
