@@ -4,7 +4,7 @@
 build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf8proc-dev
   libplist-dev libcurl4-openssl-dev nlohmann-json3-dev libsqlite3-dev libxcb1-dev
   libcpp-httplib-dev libssl-dev libcli11-dev libglib2.0-dev zlib1g-dev
-  libmpdclient-dev)
+  libmpdclient-dev libtag1-dev)
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
   ffmpeg lld)

@@ -64,7 +64,7 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
     : bus_(bus),
       marksSignal_(bus, [this] { scheduleAnnouncement(); }),
       registry_(bus, QString::fromStdString(options.playerName)),
-      artwork_([this] { scheduleAnnouncement(); }),
+      covers_(options.coverReaders, [this] { announcement_.start(milliseconds::zero()); }),
       ratings_(options.ratings),
       lastDesktopEntry_(options.playerName.empty()
                             ? QString::fromStdString(options.lastPlayer)
@@ -111,7 +111,7 @@ std::optional<platform::ScriptingReply> PlayerBridge::send(
 }
 
 FollowedPlayer PlayerBridge::followed(PlayerMirror& chosen) {
-  return {chosen, artwork_, ratings_, moved_ ? &*moved_ : nullptr, library_.get()};
+  return {chosen, covers_, ratings_, moved_ ? &*moved_ : nullptr, library_.get()};
 }
 
 // Controls.

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/player/artwork.h"
+#include "desktop/covers/covers.h"
 #include "desktop/player/controls.h"
 #include "desktop/player/followed_player.h"
 #include "desktop/player/library_writer.h"
@@ -46,6 +46,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
     std::string lastPlayer = {};       ///< the desktop entry of the one that was followed before
     RatingsStore* ratings = nullptr;   ///< null: ratings come from the player alone
     bool writesLibraries = true;       ///< ratings go on into the players' own libraries
+    platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
     std::function<void()> heard = {};  ///< called when there is something new with the player
   };
 
@@ -93,7 +94,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
   QDBusConnection bus_;
   const MarksSignal marksSignal_;
   PlayerRegistry registry_;
-  PlayerArtwork artwork_;
+  Covers covers_;
   RatingsStore* const ratings_;
   std::optional<MovedFiles> moved_;         ///< none without ratings
   std::unique_ptr<LibraryWriter> library_;  ///< null when libraries are not written

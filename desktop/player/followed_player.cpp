@@ -38,11 +38,19 @@ std::optional<platform::PlayerTrack> FollowedPlayer::track() {
 }
 
 bool FollowedPlayer::hasArtwork() {
-  return now() != nullptr && artwork_.exists(now()->artworkAddress);
+  return now() != nullptr && covers_.exists(coverWanted());
 }
 
 platform::Data FollowedPlayer::artwork() {
-  return now() != nullptr ? artwork_.bytes(now()->artworkAddress) : platform::Data();
+  return now() != nullptr ? covers_.bytes(coverWanted()) : platform::Data();
+}
+
+CoverWanted FollowedPlayer::coverWanted() {
+  const std::string address = now()->address.toStdString();
+  const std::string path = address.starts_with('/') ? address : pathOfFileAddress(address);
+  return {.address = now()->artworkAddress,
+          .path = path.starts_with('/') ? path : std::string(),
+          .album = now()->album};
 }
 
 TrackIdentity FollowedPlayer::identity() {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-#include "desktop/player/artwork.h"
+#include "desktop/covers/covers.h"
 #include "desktop/player/controls.h"
 #include "desktop/player/library_writer.h"
 #include "desktop/player/mirror.h"
@@ -20,9 +20,9 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
  public:
   /// Ratings may be null: then they come from the player alone, and `moved` is null as well.
   /// So may the writer: then libraries are not written to.
-  FollowedPlayer(PlayerMirror& mirror, PlayerArtwork& artwork, RatingsStore* ratings,
+  FollowedPlayer(PlayerMirror& mirror, Covers& covers, RatingsStore* ratings,
                  MovedFiles* moved, LibraryWriter* library)
-      : mirror_(mirror), artwork_(artwork), ratings_(ratings), moved_(moved), library_(library) {}
+      : mirror_(mirror), covers_(covers), ratings_(ratings), moved_(moved), library_(library) {}
 
   platform::FourCharCode state() override;
   double position() override { return mirror_.position(); }
@@ -50,6 +50,8 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   /// What the player tells, asked for once so that a request has to do with one track only; null
   /// when it does not answer.
   const PlayerSnapshot* now();
+  /// What its cover is looked for by.
+  CoverWanted coverWanted();
   /// As the store knows tracks, which looks after a file that has moved.
   TrackIdentity identity();
   Marks marks(Marked of);
@@ -57,7 +59,7 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   std::int64_t lastHand(int ours, const std::optional<LibraryNote>& note);
 
   PlayerMirror& mirror_;
-  PlayerArtwork& artwork_;
+  Covers& covers_;
   RatingsStore* const ratings_;
   MovedFiles* const moved_;
   LibraryWriter* const library_;

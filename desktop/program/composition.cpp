@@ -13,9 +13,14 @@ namespace {
 constexpr const char* streamHostKey = "VLStreamHost";
 constexpr const char* storeHostKey = "VLStoreSearchHost";
 
+// A file on a disk that is gone holds its reader for good, and must not hold the others up.
+constexpr int coverReaders = 16;
+constexpr std::chrono::milliseconds coverPatience{200};
+
 }  // namespace
 
-Composition::Composition(Options options) : bundle_(std::move(options.bundle)) {
+Composition::Composition(Options options)
+    : bundle_(std::move(options.bundle)), coverReaders_(coverReaders, coverPatience) {
   driver_.setPass([this] { runLoop_.runPass(); });
   platform_.runLoop = &runLoop_;
   platform_.graphics = &graphics_;
@@ -56,7 +61,8 @@ void Composition::makePlayer(const Options& options) {
                             .lastPlayer = options.lastPlayer,
                             .demoStandsIn = options.demoStandsIn,
                             .ratings = ratings_.get(),
-                            .writesLibraries = options.writesLibraries});
+                            .writesLibraries = options.writesLibraries,
+                            .coverReaders = &coverReaders_});
   workspace_ = std::make_unique<platform::NSWorkspace>(*player_);
   loginItems_ =
       std::make_unique<LoginItems>(LoginItems::Options{.folder = LoginItems::defaultFolder(),

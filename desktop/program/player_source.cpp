@@ -21,7 +21,8 @@ PlayerSource::PlayerSource(Options options)
       playerName_(std::move(options.playerName)),
       lastPlayer_(std::move(options.lastPlayer)),
       ratings_(options.ratings),
-      writesLibraries_(options.writesLibraries) {
+      writesLibraries_(options.writesLibraries),
+      coverReaders_(options.coverReaders) {
   busSeeker_.setInterval(busInterval);
   connect(&busSeeker_, &QTimer::timeout, this, [this] { seekBus(); });
   if (bus_) makeBridge();
@@ -43,6 +44,7 @@ void PlayerSource::makeBridge() {
                                    .lastPlayer = lastPlayer_,
                                    .ratings = ratings_,
                                    .writesLibraries = writesLibraries_,
+                                   .coverReaders = coverReaders_,
                                    .heard = [this] { heard(); }});
   bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,

@@ -37,6 +37,7 @@ class PlayerSource final : public QObject,
     bool demoStandsIn = false;  ///< the demo player plays when none runs and none is installed
     RatingsStore* ratings = nullptr;
     bool writesLibraries = true;
+    platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
   };
   explicit PlayerSource(Options options);
 
@@ -96,6 +97,7 @@ class PlayerSource final : public QObject,
   bool demoGivesWay_ = false;
   RatingsStore* const ratings_;
   bool writesLibraries_;
+  platform::DispatchQueue* const coverReaders_;
   DesktopWorkspace desktop_{this};
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;
