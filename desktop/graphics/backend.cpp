@@ -16,9 +16,11 @@ namespace desktop {
 
 namespace {
 
-// A cover is shown small; in full it is wanted only when it is dragged out.
-constexpr int keptSide = 1024;
-constexpr std::size_t keptDecodings = 3;
+// A cover is shown small, on the largest card of a display of double density too; in full it is
+// wanted only when it is dragged out.
+constexpr int keptSide = 256;
+constexpr std::size_t keptDecodings = 8;
+constexpr std::size_t keptBytes = 8 * 1024 * 1024;  // of the encoded pictures
 constexpr qint64 maximumFileSize = 8 * 1024 * 1024;
 
 platform::Data toData(const QByteArray& bytes) {
@@ -59,8 +61,13 @@ std::shared_ptr<platform::NSImage> QtGraphics::decode(const platform::Data& data
   const std::lock_guard lock(decodedMutex_);
   const auto known = std::find_if(decoded_.begin(), decoded_.end(), isSame);
   if (known != decoded_.end()) return known->image;  // another thread was faster
-  if (decoded_.size() == keptDecodings) decoded_.erase(decoded_.begin());
   decoded_.push_back({data, image});
+  std::size_t bytes = 0;
+  for (const Decoded& one : decoded_) bytes += one.data.length();
+  while (decoded_.size() > keptDecodings || (decoded_.size() > 1 && bytes > keptBytes)) {
+    bytes -= decoded_.front().data.length();
+    decoded_.erase(decoded_.begin());
+  }
   return image;
 }
 

@@ -12,6 +12,7 @@ namespace desktop {
 namespace {
 
 constexpr qint64 maximumPixels = 20'000'000;
+constexpr qint64 maximumReducedPixels = 400'000'000;
 
 using Bytes = std::span<const std::uint8_t>;
 
@@ -30,7 +31,9 @@ std::size_t endOfScan(Bytes bytes, std::size_t position) {
 
 /// The decoder paints what a cut-off JPEG lacks in grey and calls it a success; only the markers
 /// tell that the end is missing.
-bool isWholeJPEG(Bytes bytes) {
+bool isWholeJPEG(Bytes bytes, bool& isSequential) {
+  constexpr std::uint8_t baselineFrame = 0xC0;
+  constexpr std::uint8_t extendedFrame = 0xC1;
   constexpr std::uint8_t startOfScan = 0xDA;
   constexpr std::uint8_t endOfImage = 0xD9;
   bool scanned = false;
@@ -46,6 +49,7 @@ bool isWholeJPEG(Bytes bytes) {
     if (code <= 0x01 || (code >= 0xD0 && code <= 0xD8)) continue;  // these carry no length
     if (position + 2 > bytes.size()) return false;
     position += std::size_t{bytes[position]} << 8 | bytes[position + 1];
+    if (code == baselineFrame || code == extendedFrame) isSequential = true;
     if (code == startOfScan) {
       scanned = true;
       position = endOfScan(bytes, position);
@@ -69,8 +73,9 @@ bool isWholePNG(Bytes bytes) {
   return false;
 }
 
-bool isWhole(const QByteArray& format, Bytes bytes) {
-  if (format == "jpeg") return isWholeJPEG(bytes);
+/// Tells besides whether the decoder holds no more of it at a time than a row.
+bool isWhole(const QByteArray& format, Bytes bytes, bool& isSequential) {
+  if (format == "jpeg") return isWholeJPEG(bytes, isSequential);
   if (format == "png") return isWholePNG(bytes);
   if (format == "gif") return bytes.back() == 0x3B;  // GIF89a, trailer
   return format == "webp";                           // its reader notices by itself
@@ -87,11 +92,13 @@ std::optional<DecodedImage> decodeImage(const platform::Data& data,
   if (!buffer.open(QIODevice::ReadOnly)) return std::nullopt;
   QImageReader reader(&buffer);
   reader.setAutoTransform(true);
-  if (!isWhole(reader.format(), data.bytes())) return std::nullopt;
+  bool isSequential = false;
+  if (!isWhole(reader.format(), data.bytes(), isSequential)) return std::nullopt;
 
   const QSize size = reader.size();
-  if (size.isEmpty() || qint64{size.width()} * size.height() > maximumPixels) return std::nullopt;
   const bool reduced = maximumSide && std::max(size.width(), size.height()) > *maximumSide;
+  const qint64 most = reduced && isSequential ? maximumReducedPixels : maximumPixels;
+  if (size.isEmpty() || qint64{size.width()} * size.height() > most) return std::nullopt;
   if (reduced) {
     reader.setScaledSize(
         size.scaled(*maximumSide, *maximumSide, Qt::KeepAspectRatio).expandedTo({1, 1}));

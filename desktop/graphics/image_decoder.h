@@ -16,7 +16,8 @@ struct DecodedImage {
 
 /// Decodes a PNG (RFC 2083), JPEG (ITU-T T.81), GIF (its first picture) or WebP. Pictures with a
 /// side above maximumSide (pixels; none: no limit) come reduced to it. None when the bytes are
-/// not a whole picture, or one of more than 20 million pixels. Any thread.
+/// not a whole picture, or one of more than 20 million pixels; of 400 million where the decoder
+/// reduces as it goes, a row after the other. Any thread.
 std::optional<DecodedImage> decodeImage(const platform::Data& data,
                                         std::optional<int> maximumSide = std::nullopt);
 

@@ -52,8 +52,15 @@ TEST(QtGraphics, CutOrAbsurdOrOtherBytesMakeNoImage) {
   }
   const qsizetype frame = jpeg.indexOf(QByteArrayLiteral("\xFF\xC0"));
   ASSERT_GT(frame, 0);
-  jpeg.replace(frame + 5, 4, QByteArrayLiteral("\x4E\x20\x4E\x20"));  // 20,000 × 20,000
-  EXPECT_EQ(graphics.decode(data(jpeg)), nullptr);
+  const auto withFrame = [&](const char* code, const char* size) {
+    return data(QByteArray(jpeg).replace(frame, 2, code).replace(frame + 5, 4, size));
+  };
+  // Row after row 20,000 × 20,000 pixels take no more room than what is shown of them.
+  const auto large = graphics.decode(withFrame("\xFF\xC0", "\x4E\x20\x4E\x20"));
+  ASSERT_NE(large, nullptr);
+  EXPECT_EQ(large->size(), (NSSize{20'000, 20'000}));
+  EXPECT_EQ(graphics.decode(withFrame("\xFF\xC0", "\x4E\x21\x4E\x20")), nullptr);
+  EXPECT_EQ(graphics.decode(withFrame("\xFF\xC2", "\x11\x79\x11\x79")), nullptr) << "4,473 × 4,473";
   EXPECT_EQ(graphics.decode(data("<svg xmlns='http://www.w3.org/2000/svg' width='9'/>")), nullptr);
 }
 
