@@ -3,8 +3,8 @@
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QGuiApplication>
 
-// The leak check falls over the thread-local storage of threads that end meanwhile, so it leaves that
-// aside, and with it what GLib alone keeps there.
+// The leak check falls over the thread-local storage of threads that end meanwhile, so it leaves
+// that aside, and with it what GLib alone keeps there.
 extern "C" const char* __lsan_default_options() {  // NOLINT(bugprone-reserved-identifier)
   return "use_tls=0:print_suppressions=0";
 }

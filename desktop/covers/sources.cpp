@@ -107,17 +107,15 @@ QFileInfoList coversIn(const QDir& folder, const QString& album) {
   static const QStringList names{QStringLiteral("cover"), QStringLiteral("folder"),
                                  QStringLiteral("front"), QStringLiteral("album")};
   const QString albumName = plainName(album);
-  QFileInfoList covers =
-      folder.entryInfoList({QStringLiteral("*.jpg"), QStringLiteral("*.jpeg"),
-                            QStringLiteral("*.png"), QStringLiteral("*.webp")},
-                           QDir::Files | QDir::Hidden, QDir::NoSort);
+  QFileInfoList covers = folder.entryInfoList({QStringLiteral("*.jpg"), QStringLiteral("*.jpeg"),
+                                               QStringLiteral("*.png"), QStringLiteral("*.webp")},
+                                              QDir::Files | QDir::Hidden, QDir::NoSort);
   covers.removeIf([&](const QFileInfo& file) {
     const QString name = plainName(file.completeBaseName());
     return !names.contains(name) && (name.isEmpty() || name != albumName);
   });
-  std::stable_sort(covers.begin(), covers.end(), [](const QFileInfo& a, const QFileInfo& b) {
-    return a.size() > b.size();
-  });
+  std::stable_sort(covers.begin(), covers.end(),
+                   [](const QFileInfo& a, const QFileInfo& b) { return a.size() > b.size(); });
   return covers;
 }
 
@@ -155,8 +153,8 @@ bool StandIns::isOne(const Data& picture, const std::string& album) {
   constexpr std::size_t remembered = 64;
   const std::size_t hash = std::hash<std::string_view>()(picture.view());
   const std::lock_guard lock(mutex_);
-  const auto found = std::find_if(seen_.begin(), seen_.end(),
-                                  [&](const Seen& seen) { return seen.hash == hash; });
+  const auto found =
+      std::find_if(seen_.begin(), seen_.end(), [&](const Seen& seen) { return seen.hash == hash; });
   if (found == seen_.end()) {
     if (seen_.size() == remembered) seen_.erase(seen_.begin());
     seen_.push_back({hash, album, false});

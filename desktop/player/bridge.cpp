@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "desktop/player/changes.h"
 #include "platform/application/player_dictionary.h"
 #include "platform/application/workspace.h"
 #include "platform/loop/notification.h"
@@ -64,7 +65,11 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
     : bus_(bus),
       marksSignal_(bus, [this] { scheduleAnnouncement(); }),
       registry_(bus, QString::fromStdString(options.playerName)),
-      covers_(options.coverReaders, [this] { announcement_.start(milliseconds::zero()); }),
+      covers_(options.coverReaders,
+              [this] {
+                hasNews_ = true;
+                announcement_.start(milliseconds::zero());
+              }),
       ratings_(options.ratings),
       lastDesktopEntry_(options.playerName.empty()
                             ? QString::fromStdString(options.lastPlayer)
@@ -81,6 +86,8 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
                      scheduleAnnouncement();
                      if (heard) heard();
                    });
+  QObject::connect(&registry_, &PlayerRegistry::chosenDetailChanged, &announcement_,
+                   [this] { scheduleAnnouncement(false); });
   rememberDesktopEntry();
 }
 
@@ -165,7 +172,8 @@ bool PlayerBridge::raise() {
 
 // Announcing.
 
-void PlayerBridge::scheduleAnnouncement() {
+void PlayerBridge::scheduleAnnouncement(bool isNews) {
+  hasNews_ = hasNews_ || isNews;
   if (announcement_.isActive()) return;
   auto delay = milliseconds::zero();
   if (sinceAnnouncement_.isValid()) {
@@ -176,6 +184,10 @@ void PlayerBridge::scheduleAnnouncement() {
 
 void PlayerBridge::announce() {
   sinceAnnouncement_.start();
+  if (!std::exchange(hasNews_, false)) {
+    return platform::current().distributedCenter->postNotification(
+        platform::NSNotification(playerDetailNotification));
+  }
   const bool isRunningNow = isRunning();
   const bool wasRunning = std::exchange(wasRunning_, isRunningNow);
   platform::NSWorkspace* workspace = platform::NSWorkspace::sharedWorkspace();

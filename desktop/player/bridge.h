@@ -42,10 +42,10 @@ class PlayerBridge final : public platform::ScriptingTransport,
                            public PlayerControls {
  public:
   struct Options {
-    std::string playerName = {};       ///< see PlayerRegistry; empty: whichever plays
-    std::string lastPlayer = {};       ///< the desktop entry of the one that was followed before
-    RatingsStore* ratings = nullptr;   ///< null: ratings come from the player alone
-    bool writesLibraries = true;       ///< ratings go on into the players' own libraries
+    std::string playerName = {};      ///< see PlayerRegistry; empty: whichever plays
+    std::string lastPlayer = {};      ///< the desktop entry of the one that was followed before
+    RatingsStore* ratings = nullptr;  ///< null: ratings come from the player alone
+    bool writesLibraries = true;      ///< ratings go on into the players' own libraries
     platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
     std::function<void()> heard = {};  ///< called when there is something new with the player
   };
@@ -88,7 +88,8 @@ class PlayerBridge final : public platform::ScriptingTransport,
   FollowedPlayer followed(PlayerMirror& chosen);
 
   // Announcing.
-  void scheduleAnnouncement();
+  /// With news for the panel, or with details alone.
+  void scheduleAnnouncement(bool isNews = true);
   void announce();
 
   QDBusConnection bus_;
@@ -102,6 +103,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
 
   QTimer announcement_;
   QElapsedTimer sinceAnnouncement_;
+  bool hasNews_ = false;     ///< for the next announcement
   bool wasRunning_ = false;  ///< what was announced last
 };
 

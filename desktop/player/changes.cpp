@@ -8,8 +8,10 @@ namespace desktop {
 
 std::shared_ptr<PlayerChanges> PlayerChanges::observe(std::function<void()> changed) {
   auto changes = platform::make<PlayerChanges>(std::move(changed));
-  platform::current().distributedCenter->addObserver(changes.get(), &PlayerChanges::received,
-                                                     platform::player::infoNotification);
+  for (const char* name : {platform::player::infoNotification, playerDetailNotification}) {
+    platform::current().distributedCenter->addObserver(changes.get(), &PlayerChanges::received,
+                                                       name);
+  }
   if (auto* workspace = platform::NSWorkspace::sharedWorkspace()) {
     for (const char* name : {platform::NSWorkspaceDidLaunchApplicationNotification,
                              platform::NSWorkspaceDidTerminateApplicationNotification}) {

@@ -10,6 +10,10 @@
 
 namespace desktop {
 
+/// Posted beside the player's own notification, for what no panel shows: the volume, what the
+/// player can do.
+inline constexpr const char* playerDetailNotification = "org.virelune.playerDetail";
+
 /// Calls back at each announcement of the player on the installed platform, while it lives.
 class PlayerChanges final : public platform::NSObject {
  public:

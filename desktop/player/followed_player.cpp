@@ -37,9 +37,7 @@ std::optional<platform::PlayerTrack> FollowedPlayer::track() {
                                .isStream = now()->isStream()};
 }
 
-bool FollowedPlayer::hasArtwork() {
-  return now() != nullptr && covers_.exists(coverWanted());
-}
+bool FollowedPlayer::hasArtwork() { return now() != nullptr && covers_.exists(coverWanted()); }
 
 platform::Data FollowedPlayer::artwork() {
   return now() != nullptr ? covers_.bytes(coverWanted()) : platform::Data();

@@ -20,8 +20,8 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
  public:
   /// Ratings may be null: then they come from the player alone, and `moved` is null as well.
   /// So may the writer: then libraries are not written to.
-  FollowedPlayer(PlayerMirror& mirror, Covers& covers, RatingsStore* ratings,
-                 MovedFiles* moved, LibraryWriter* library)
+  FollowedPlayer(PlayerMirror& mirror, Covers& covers, RatingsStore* ratings, MovedFiles* moved,
+                 LibraryWriter* library)
       : mirror_(mirror), covers_(covers), ratings_(ratings), moved_(moved), library_(library) {}
 
   platform::FourCharCode state() override;

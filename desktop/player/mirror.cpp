@@ -24,6 +24,15 @@ constexpr int latestDescription = 5000;
 /// Some players forget a signal now and then; what they told is not trusted for longer.
 constexpr qint64 longestSnapshotAge = 5000;  // milliseconds
 
+/// Whether these are only what a player can do and how it plays, as no panel shows it.
+bool areDetails(const QVariantMap& values) {
+  static const QStringList details{"Volume",      "Rate",    "MinimumRate",
+                                   "MaximumRate", "Shuffle", "LoopStatus"};
+  return std::all_of(values.keyBegin(), values.keyEnd(), [](const QString& name) {
+    return name.startsWith(QLatin1String("Can")) || details.contains(name);
+  });
+}
+
 /// True when nobody answered; an error is an answer too.
 bool isSilence(const QDBusError& error) {
   const QDBusError::ErrorType type = error.type();
@@ -389,9 +398,14 @@ void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
   const bool isOnlyMetadata = values.size() == 1 && values.contains(QStringLiteral("Metadata"));
   const auto status = values.constFind(QStringLiteral("PlaybackStatus"));
   if (status != values.constEnd()) state_ = stateFromStatus(*status);
+  const QStringList untold = message.arguments().value(2).toStringList();
+  if (snapshot_ && untold.isEmpty() && areDetails(values)) {
+    told_.insert(values);
+    return emit detailChanged();
+  }
   if (snapshot_) {
     // Holds while the player lets one wait for its answer.
-    for (const QString& name : message.arguments().value(2).toStringList()) {
+    for (const QString& name : untold) {
       if (name != QLatin1String("PlaybackStatus")) told_.remove(name);
     }
     told_.insert(values);

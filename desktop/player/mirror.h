@@ -79,7 +79,8 @@ class PlayerMirror final : public QObject {
   void receivedSeeked();
 
  signals:
-  void changed();  ///< there is something new to ask for, or it answers no more or again
+  void changed();        ///< there is something new to ask for, or it answers no more or again
+  void detailChanged();  ///< as changed(), but the track, its state and its position are as before
 
  private slots:  // called by the bus
   void probeAnswered(const QDBusMessage& reply);

@@ -74,6 +74,9 @@ PlayerMirror* PlayerRegistry::add(const QString& name, const QString& owner) {
     choose();
     if (chosen_ == before && chosen_ == added) emit chosenChanged();
   });
+  connect(added, &PlayerMirror::detailChanged, this, [this, added] {
+    if (chosen_ == added) emit chosenDetailChanged();
+  });
   players_.insert(place, Player{std::move(mirror)});
   return added;
 }

@@ -34,7 +34,8 @@ class PlayerRegistry final : public QObject {
   std::vector<const PlayerMirror*> players() const;
 
  signals:
-  void chosenChanged();  ///< another player, or something new with the chosen one
+  void chosenChanged();        ///< another player, or something new with the chosen one
+  void chosenDetailChanged();  ///< see PlayerMirror
 
  private slots:  // called by the bus
   void ownerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);

@@ -1,5 +1,7 @@
 #include "desktop/program/run.h"
 
+#include <malloc.h>
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QGuiApplication>
@@ -174,6 +176,13 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
 
 int runProgram(const CommandLine& commandLine, int argc, char** argv,
                const virelune::WidgetEntry& widget) {
+#ifdef __GLIBC__
+  // A cover that goes gives its memory back. Left to itself the library would keep, from the first
+  // large one on, room for others of its size.
+  constexpr int large = 128 * 1024;
+  ::mallopt(M_MMAP_THRESHOLD, large);
+  ::mallopt(M_TRIM_THRESHOLD, large);
+#endif
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
   QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");

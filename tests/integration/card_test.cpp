@@ -105,7 +105,8 @@ TEST_F(CardOverPlayer, ShowsTheTagsOfEachFileAndItsMarksAgainWhenBothHaveQuit) {
     ASSERT_TRUE(showsTrack("First Light"));
     EXPECT_TRUE(hasLabel("The Tides — Harbour"));
     EXPECT_THAT(labels(), testing::Contains(testing::MatchesRegex("00:[0-9]{2} . 0:40")));
-    EXPECT_TRUE(waitUntil([&] { return artworkWidth() == 96; })) << "the folder's cover, not the placeholder";
+    EXPECT_TRUE(waitUntil([&] { return artworkWidth() == 96; }))
+        << "the folder's cover, not the placeholder";
     EXPECT_EQ(stars().nowValue(), 0);
     EXPECT_FALSE(isLoved());
     click(stars(), 0.6);

@@ -1,6 +1,7 @@
 // The bridge and players that come and go, die, hang, stammer and lie: the interface never stands
 // still for long, and all is well again when the player is.
 
+#include "desktop/player/changes.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
 #include "track/track_view_controller.h"
@@ -97,7 +98,7 @@ TEST_F(PlayerBridge, WritesWhatThePlayerKeepsItselfAndASlowOnesOldAnswerDoesNotU
   ASSERT_TRUE(waitForRating(60));
   app()->propertyWithCode(code("pPos"))->setTo(99.0);
   player.hold();
-  player.signalChange({{"Volume", 1.0}});
+  player.signalChange({{"PlaybackStatus", "Playing"}});
   ASSERT_TRUE(waitUntil([&] { return announced->changes > 0; }));
   state();  // which it is too slow to answer
   rating()->setTo(100);
@@ -123,6 +124,24 @@ TEST_F(PlayerBridge, WhatAPlayerChangesWithoutAWordIsAnnouncedOnceItsLastAnswerI
     return announced->changes > 0;
   }));
   EXPECT_EQ(rating()->integerValue(), 80);
+}
+
+TEST_F(PlayerBridge, WhatNoPanelShowsIsToldToOthersWithoutARefreshOrAQuestion) {
+  FakePlayer player(bus, "loud", song("Song", {{"Volume", 0.5}}));
+  follow();
+  state();
+  const int questions = player.questionCount();
+  int heard = 0;
+  const auto changes = desktop::PlayerChanges::observe([&] { ++heard; });
+  for (int i = 0; i < 3; ++i) player.tell({{"Volume", 0.9}, {"Shuffle", true}, {"CanSeek", false}});
+  EXPECT_TRUE(waitUntil([&] { return heard > 0; }));
+  EXPECT_EQ(announced->changes, 0);
+  EXPECT_EQ(player.questionCount(), questions);
+  EXPECT_EQ(bridge->report()->volume, 0.9);
+  player.tell({{"Volume", 0.1}});
+  player.tell(song("Other"));
+  EXPECT_TRUE(waitUntil([&] { return announced->changes == 1; }));
+  EXPECT_EQ(title(), "Other");
 }
 
 TEST_F(PlayerBridge, AClickOnTheArtworkRaisesThePlayerOnce) {
