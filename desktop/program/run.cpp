@@ -36,6 +36,7 @@ namespace desktop {
 namespace {
 
 constexpr double pictureScale = 2;
+constexpr const char* updateDelay = "QT_QPA_UPDATE_IDLE_TIME";
 constexpr const char* defaultTourFolder = "virelune-tour";
 
 int fail(const std::string& message) {
@@ -197,6 +198,8 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   const auto scale = commandLine.scale ? commandLine.scale : settings->scale();
   if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
   if (!isOffScreen && scale) qputenv("QT_SCALE_FACTOR", QByteArray::number(*scale));
+  // What a player signals is painted at once, and not five milliseconds later.
+  if (!qEnvironmentVariableIsSet(updateDelay)) qputenv(updateDelay, "0");
   LostDisplay display;
   const QGuiApplication application(argc, argv);
   QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
