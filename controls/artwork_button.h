@@ -56,8 +56,6 @@ class VLArtworkButton : public platform::NSButton,
   /// Answers copy, wherever the drag goes.
   platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
       platform::NSDraggingSession* session, platform::NSDraggingContext context) override;
-  std::optional<std::string> draggingSession_fileNameForPromise(
-      platform::NSDraggingSession* session) override;
   /// Puts the PNG bytes, or the address of the file written into the drop's folder, on the item.
   void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
                                           platform::NSPasteboardItem* item,

@@ -63,11 +63,6 @@ platform::NSDragOperation VLArtworkButton::draggingSession_sourceOperationMaskFo
   return platform::NSDragOperationCopy;
 }
 
-std::optional<std::string> VLArtworkButton::draggingSession_fileNameForPromise(
-    platform::NSDraggingSession*) {
-  return fileName(imageName(), NSBitmapImageFileType::jpeg);
-}
-
 // The data
 
 void VLArtworkButton::pasteboard_item_provideDataForType(NSPasteboard* pasteboard,

@@ -9,7 +9,7 @@ run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
   ffmpeg lld)
 thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer1.0-plugins-good python3-dbus
-  qt6-wayland sway at-spi2-core python3-pyatspi)
+  qt6-wayland sway at-spi2-core python3-pyatspi pcmanfm firefox-esr)
 bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
 fuzz_packages=(clang libclang-rt-dev)
 package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc)

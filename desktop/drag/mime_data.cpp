@@ -9,20 +9,15 @@ namespace desktop {
 namespace {
 
 constexpr const char* pictureType = "image/png";
+constexpr const char* addressListType = "text/uri-list";  // RFC 2483
 
 }  // namespace
 
 DragMimeData::DragMimeData(const std::shared_ptr<platform::NSDraggingSession>& session,
-                           const DragFolder& folder, const DirectSave* directSave)
-    : session_(session), folder_(folder), directSave_(directSave) {}
+                           const DragFolder& folder)
+    : session_(session), folder_(folder) {}
 
-QStringList DragMimeData::formats() const {
-  return {pictureType, directSave_ != nullptr ? directSaveType : addressListType};
-}
-
-bool DragMimeData::hasFormat(const QString& type) const {
-  return formats().contains(type) || type == QLatin1String(addressListType);
-}
+QStringList DragMimeData::formats() const { return {pictureType, addressListType}; }
 
 QVariant DragMimeData::retrieveData(const QString& type, QMetaType) const {
   const auto session = session_.lock();
@@ -30,9 +25,6 @@ QVariant DragMimeData::retrieveData(const QString& type, QMetaType) const {
   platform::NSPasteboard& pasteboard = session->draggingPasteboard();
   if (type == QLatin1String(pictureType)) return picture(pasteboard);
   if (type == QLatin1String(addressListType)) return addressList(pasteboard);
-  if (type == QLatin1String(directSaveType) && directSave_ != nullptr) {
-    return directSave_->save(pasteboard);
-  }
   return {};
 }
 

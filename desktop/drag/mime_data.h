@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "desktop/drag/direct_save.h"
 #include "desktop/drag/folder.h"
 #include "platform/view/drag.h"
 
@@ -15,13 +14,12 @@ namespace desktop {
 /// give once the session is gone.
 class DragMimeData final : public QMimeData {
  public:
-  /// The folder, and the direct saving (null where there is none), outlive the session.
+  /// The folder outlives the session.
   DragMimeData(const std::shared_ptr<platform::NSDraggingSession>& session,
-               const DragFolder& folder, const DirectSave* directSave);
+               const DragFolder& folder);
 
   /// What every receiver is offered.
   QStringList formats() const override;
-  bool hasFormat(const QString& type) const override;
 
  protected:
   QVariant retrieveData(const QString& type, QMetaType preferred) const override;
@@ -32,7 +30,6 @@ class DragMimeData final : public QMimeData {
 
   const std::weak_ptr<platform::NSDraggingSession> session_;
   const DragFolder& folder_;
-  const DirectSave* const directSave_;
   mutable std::string file_;  // written for receivers of addresses; empty at first
 };
 

@@ -30,7 +30,7 @@ platform::NSRect pictureRect(const platform::NSDraggingItem& item) {
 }  // namespace
 
 DragSource::DragSource(QWindow& window, QtGraphics& graphics)
-    : window_(&window), graphics_(graphics), directSave_(DirectSave::forApplication()) {}
+    : window_(&window), graphics_(graphics) {}
 
 bool DragSource::begin(std::shared_ptr<platform::NSDraggingSession> session) {
   if (underWay_ || !window_ || session->items().empty()) return false;
@@ -46,7 +46,7 @@ bool DragSource::begin(std::shared_ptr<platform::NSDraggingSession> session) {
 void DragSource::run(const std::shared_ptr<platform::NSDraggingSession>& session) {
   folder_.removeOldFiles();
   const auto entry = sessions_.insert(sessions_.end(), session);
-  auto data = std::make_unique<DragMimeData>(session, folder_, directSave_.get());
+  auto data = std::make_unique<DragMimeData>(session, folder_);
   connect(data.get(), &QObject::destroyed, this, [this, entry] { sessions_.erase(entry); });
 
   const platform::NSDraggingItem& item = *session->items().front();
@@ -58,29 +58,8 @@ void DragSource::run(const std::shared_ptr<platform::NSDraggingSession>& session
   drag->setHotSpot({qRound(location.x - place.minX()), qRound(place.maxY() - location.y)});
   const auto mask = session->source().draggingSession_sourceOperationMaskForDraggingContext(
       session.get(), platform::NSDraggingContext::outsideApplication);
-  if (directSave_) QTimer::singleShot(0, this, [this] { started(); });
   // From here on Qt owns the drag: receivers may ask for its data long after the drop.
   drag.release()->exec(mask == platform::NSDragOperationCopy ? Qt::CopyAction : Qt::IgnoreAction);
-  if (directSave_) directSave_->end();
-  qGuiApp->removeEventFilter(this);
-}
-
-void DragSource::started() {
-  if (!underWay_) return;
-  directSave_->begin();
-  suggestName();
-  qGuiApp->installEventFilter(this);  // it hears of the release before the drag itself
-}
-
-bool DragSource::eventFilter(QObject* watched, QEvent* event) {
-  // The name is that of the drop. The receiver's address takes its place soon after.
-  if (event->type() == QEvent::MouseButtonRelease && underWay_) suggestName();
-  return QObject::eventFilter(watched, event);
-}
-
-void DragSource::suggestName() {
-  const auto name = underWay_->source().draggingSession_fileNameForPromise(underWay_.get());
-  if (name) directSave_->suggestName(*name);
 }
 
 QPixmap DragSource::picture(const platform::NSImage& image, platform::NSSize size) {

@@ -34,7 +34,7 @@ class CardOnBus final : public Remote {
                    reply.errorMessage().toStdString()};
   }
 
-  bool isThere() const { return isThere_; }
+  bool isThere() const override { return isThere_; }
 
  private:
   QDBusMessage call(const QString& member, const QVariantList& arguments) {

@@ -25,10 +25,6 @@ class NSDraggingSource {
   virtual ~NSDraggingSource() = default;
   virtual NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
       NSDraggingSession* session, NSDraggingContext context) = 0;
-  /// The name, with its extension, that a promised file would get at this moment. Receivers that
-  /// choose the file's place want to know it beforehand. None: no file is promised.
-  virtual std::optional<std::string> draggingSession_fileNameForPromise(
-      NSDraggingSession* session) = 0;
 };
 
 /// One thing being dragged: its data, and its picture where it lay in its view.

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QtCore/QSysInfo>
 #include <cstdlib>
 #include <fstream>
 
@@ -21,10 +20,6 @@ class Source final : public platform::NSDraggingSource,
   platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
       platform::NSDraggingSession*, platform::NSDraggingContext) override {
     return platform::NSDragOperationCopy;
-  }
-  std::optional<std::string> draggingSession_fileNameForPromise(
-      platform::NSDraggingSession*) override {
-    return std::nullopt;
   }
   void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
                                           platform::NSPasteboardItem* item,
@@ -55,27 +50,6 @@ class Drag : public testing::Test {
   const fs::path waiting = runtime.path() / "virelune-widget-drops";
   const std::shared_ptr<Source> source = std::make_shared<Source>();
 };
-
-TEST_F(Drag, DirectSavePutsTheFileWhereTheReceiverSaysOrLeavesNone) {
-  const auto dragged = session();
-  const auto save = [&](const std::string& address) {
-    return DirectSave::saveAtAddress(dragged->draggingPasteboard(), address);
-  };
-  const std::string folder = runtime.path().string();
-  const std::string machine = QSysInfo::machineHostName().toUpper().toStdString();
-  fs::create_directory(runtime.path() / "taken");
-  for (const auto& [address, answer] : {std::pair("file://" + folder + "/other%20name.jpg", "S"),
-                                        {"file://" + machine + folder + "/here.jpg", "S"},
-                                        {"file://" + folder + "/ended.jpg" + '\0', "S"},
-                                        {"file://" + folder + "/taken", "E"},
-                                        {"file://elsewhere.example" + folder + "/5.jpg", "F"},
-                                        {"5.jpg", "F"}}) {
-    EXPECT_EQ(save(address), answer) << address;
-  }
-  EXPECT_TRUE(fs::exists(runtime.path() / "other name.jpg"));
-  EXPECT_TRUE(fs::exists(runtime.path() / "ended.jpg"));
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 4) << "with the one here and taken";
-}
 
 TEST_F(Drag, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {
   fs::create_directory(waiting);
