@@ -6,7 +6,7 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf
   libcpp-httplib-dev libssl-dev libcli11-dev libglib2.0-dev zlib1g-dev
   libmpdclient-dev libtag1-dev)
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
-test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils thunar
+test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils x11-xserver-utils thunar
   ffmpeg lld)
 thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer1.0-plugins-good python3-dbus
   qt6-wayland sway at-spi2-core python3-pyatspi pcmanfm firefox-esr)

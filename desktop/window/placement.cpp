@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <utility>
 
 namespace desktop {
 
@@ -85,6 +86,7 @@ void Placement::watch(QScreen* screen) {
 }
 
 void Placement::screensChanging() {
+  hasMoved_ = false;
   saveTimer_.stop();
   changeTimer_.start();
 }
@@ -101,17 +103,20 @@ void Placement::place() {
                       room.y() + firstPlaceMargin);
   const auto remembered = settings_ != nullptr ? settings_->position(layoutName()) : std::nullopt;
   const QPoint beside = QPoint(-cardDistance, cardDistance) * (cardNumber_ - 1);
-  window_.setPosition(
-      positionOnScreens(remembered.value_or(corner) + beside, window_.size(), screens));
+  placed_ = positionOnScreens(remembered.value_or(corner) + beside, window_.size(), screens);
+  window_.setPosition(*placed_);
 }
 
 void Placement::moved() {
-  if (!changeTimer_.isActive()) saveTimer_.start();
+  if (changeTimer_.isActive() || window_.position() == placed_) return;
+  placed_.reset();
+  hasMoved_ = true;
+  saveTimer_.start();
 }
 
 void Placement::save() {
-  if (!saveTimer_.isActive()) return;
   saveTimer_.stop();
+  if (!std::exchange(hasMoved_, false)) return;
   if (settings_ == nullptr || !canChoosePlace() || cardNumber_ > 1) return;
   settings_->setPosition(layoutName(), window_.position());
 }

@@ -8,6 +8,7 @@
 #include <QtCore/QTimer>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
+#include <optional>
 
 #include "desktop/files/settings.h"
 
@@ -40,6 +41,8 @@ class Placement final : public QObject {
   QWindow& window_;
   Settings* const settings_;
   const int cardNumber_;
+  std::optional<QPoint> placed_;  // where it was put last, until the user moves it
+  bool hasMoved_ = false;         // since the place was remembered
   QTimer saveTimer_;
   QTimer changeTimer_;  // runs while screens change
 };

@@ -128,6 +128,32 @@ TEST_F(Session, ASecondStartHandsOnWhatItWantsToTheCardThatRuns) {
   EXPECT_EQ(start()->exitStatus(), 1) << "a card that hangs is not taken for none";
 }
 
+TEST_F(Session, ComesWholeOntoTheScreensThatAreLeftAndBackWhenItsOwnReturns) {
+  open({"--demo"});
+  const auto monitors = [&](std::initializer_list<const char*> commands) {
+    for (const char* command : commands) {
+      outputOf("xrandr", QString(command).split(' '), display->environment());
+    }
+  };
+  const auto waitForPlace = [&](const QString& place) {
+    return waitUntil([&] {
+      return outputOf("xdotool", {"getwindowgeometry", window}, display->environment())
+          .contains("Position: " + place + ' ');
+    });
+  };
+  const char* left = "--setmonitor L 500/300x768/400+0+0 screen";
+  const char* right = "--setmonitor R 524/300x768/400+500+0 none";
+  monitors({left, right});
+  ASSERT_TRUE(waitForPlace("156,24")) << "the corner of the first";
+  move("600 300");
+  EXPECT_TRUE(remembers("Last=600 300")) << "while it runs";
+  monitors({"--delmonitor R"});
+  EXPECT_TRUE(waitForPlace("180,300"));
+  monitors({right});
+  EXPECT_TRUE(waitForPlace("600,300"));
+  EXPECT_TRUE(remembers("Last=600 300")) << "which the user chose";
+}
+
 TEST_F(Session, EndsWithAllThatItHasToKeepWhateverTakesItsGroundAway) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     open();
