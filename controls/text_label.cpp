@@ -1,10 +1,12 @@
 #include "controls/text_label.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "extensions/collections.h"
 #include "platform/foundation/attributed_string.h"
 #include "platform/graphics/canvas.h"
+#include "platform/graphics/graphics.h"
 
 using platform::NSRect;
 
@@ -60,20 +62,36 @@ void VLTextLabel::drawRect(NSRect dirtyRect) {
   drawTextInRect(dirtyRect);
 }
 
+NSRect VLTextLabel::textArea() const {
+  const auto size = bounds().size;
+  const double insetX = insetFraction * size.width;
+  const double insetY = insetFraction * size.height;
+  return platform::NSMakeRect(insetX, insetY, size.width - 2 * insetX, size.height - 2 * insetY);
+}
+
+std::optional<std::string> VLTextLabel::toolTip() const {
+  const auto shown = text();
+  if (!shown) return std::nullopt;
+  const auto heightOf = [this](const std::string& lines) {
+    constexpr double anyHeight = std::numeric_limits<double>::max();
+    return platform::boundingRectWithSize_options_attributes(
+               lines, {textArea().size.width, anyHeight},
+               platform::NSStringDrawingUsesLineFragmentOrigin, textAttributes())
+        .size.height;
+  };
+  const double room = std::max(heightOf("X"), textArea().size.height);
+  return heightOf(*shown) > room ? shown : std::nullopt;
+}
+
 bool VLTextLabel::drawTextInRect(NSRect) {
   const auto shown = text();
   if (!shown || shown->empty()) return false;
   const auto attributes = textAttributes();
   if (attributes.empty()) return false;
 
-  const auto size = bounds().size;
-  const double insetX = insetFraction * size.width;
-  const double insetY = insetFraction * size.height;
-  const NSRect area =
-      platform::NSMakeRect(insetX, insetY, size.width - 2 * insetX, size.height - 2 * insetY);
   if (auto* context = platform::NSGraphicsContext::current()) {
-    platform::drawTextCentredInRect(context->canvas(), {*shown, attributes}, area, drawingOptions,
-                                    std::numeric_limits<double>::max());
+    platform::drawTextCentredInRect(context->canvas(), {*shown, attributes}, textArea(),
+                                    drawingOptions, std::numeric_limits<double>::max());
   }
   return true;
 }

@@ -33,6 +33,8 @@ class VLTextLabel : public VLView {
   /// Font, colour and paragraph style; a missing font or colour leaves no entry.
   platform::Dictionary textAttributes() const;
 
+  /// The whole text, when it does not fit.
+  std::optional<std::string> toolTip() const override;
   platform::NSAccessibilityRole accessibilityRole() const override {
     return platform::NSAccessibilityRole::staticText;
   }
@@ -54,6 +56,8 @@ class VLTextLabel : public VLView {
   void setContentTextFont(std::optional<platform::NSFont> font) { contentTextFont_ = font; }
 
  private:
+  platform::NSRect textArea() const;
+
   std::optional<std::string> contentText_;
   platform::NSTextAlignment contentTextAlignment_ = platform::NSTextAlignment::left;
   std::optional<platform::NSColor> contentTextColor_;

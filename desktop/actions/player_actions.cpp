@@ -117,8 +117,8 @@ Action mute(PlayerControls& player) {
             if (!mutes) return badValue(argument, "on, off or toggle");
             if (*mutes == isMute()) return std::nullopt;
             if (*mutes) *before = volumeOf(player).value_or(0);
-            constexpr double full = 100;
-            return done(player.setVolume(*mutes ? 0 : (*before > 0 ? *before : full) / 100));
+            constexpr double unknown = 50;  // which startles nobody
+            return done(player.setVolume(*mutes ? 0 : (*before > 0 ? *before : unknown) / 100));
           }};
 }
 

@@ -29,6 +29,7 @@
 #include "desktop/remote/service.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/localized.h"
+#include "desktop/window/tool_tip.h"
 #include "platform/application/player_dictionary.h"
 
 namespace desktop {
@@ -136,6 +137,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
       .updateHiding = [&] { hiding.update(); }};
   addPlayerActions(actions, player, widget);
   addCardActions(actions, parts);
+  ToolTip toolTip(window, composition.graphics());
   menu.emplace(window, composition.graphics(), [&] { return menuItems(actions, parts); });
   Keyboard keyboard(window, *composition.card(), actions, player);
   const AccessibleCard accessible(window, *composition.card(), keyboard);

@@ -23,25 +23,17 @@ constexpr double margin = 5;       // above the first item, below the last and b
 constexpr double checkInset = 10;  // between the menu's edge and the check mark
 constexpr double checkSide = 12;
 constexpr double textInset = 26;
-constexpr double textSize = 13;
 constexpr double keyGap = 24;  // between a title and its key
 constexpr double keyOpacity = 0.55;
 constexpr double disabledOpacity = 0.4;
-constexpr double cornerRadius = 8;
 constexpr double itemCornerRadius = 5;
 constexpr const char* checkImage = "CardDone";
-
-platform::Dictionary textAttributes() {
-  return {
-      {platform::NSFontAttributeName, platform::NSFont{textSize, platform::NSFontWeight::regular}},
-      {platform::NSForegroundColorAttributeName, NSColor::labelColor()}};
-}
 
 platform::NSSize textExtent(const std::string& text) {
   constexpr double widest = 600;
   return platform::boundingRectWithSize_options_attributes(
              text, {widest, itemHeight}, platform::NSStringDrawingUsesLineFragmentOrigin,
-             textAttributes())
+             sheetTextAttributes())
       .size;
 }
 
@@ -51,12 +43,7 @@ MenuItem wayBack(const std::string& title) { return {.title = "‹  " + title}; 
 }  // namespace
 
 CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, Source source)
-    : card_(card), graphics_(graphics), source_(std::move(source)) {
-  QSurfaceFormat translucent = format();
-  translucent.setAlphaBufferSize(8);
-  setFormat(translucent);
-  setFlags(Qt::Popup | Qt::FramelessWindowHint);
-  setTransientParent(&card);
+    : Sheet(card, graphics, Qt::Popup), source_(std::move(source)) {
   card_.setMenuHandler([this](QPoint point) { open(point); });
   card_.installEventFilter(this);
 }
@@ -64,7 +51,7 @@ CardMenu::CardMenu(CardSurface& card, QtGraphics& graphics, Source source)
 // Under Wayland the keyboard stays with the card while its menu is open.
 bool CardMenu::eventFilter(QObject* object, QEvent* event) {
   if (!isVisible() || event->type() != QEvent::KeyPress) {
-    return QRasterWindow::eventFilter(object, event);
+    return Sheet::eventFilter(object, event);
   }
   keyPressEvent(static_cast<QKeyEvent*>(event));
   return true;
@@ -80,17 +67,9 @@ void CardMenu::open(QPoint point, std::vector<MenuItem> items) {
   levels_.push_back(std::move(items));
   pointedItem_.reset();
   fit();
-  show();
-  update();
 }
 
-void CardMenu::fit() {
-  const QSize wanted = fittingSize();
-  QList<QRect> screens;
-  if (card_.screen() != nullptr) screens.append(card_.screen()->availableGeometry());
-  setGeometry(QRect(positionOnScreens(place_, wanted, screens), wanted));
-  update();
-}
+void CardMenu::fit() { showAt(place_, fittingSize()); }
 
 void CardMenu::choosePointed() {
   if (!pointedItem_) return;
@@ -161,7 +140,7 @@ void CardMenu::movePointer(bool down) {
 
 bool CardMenu::event(QEvent* event) {
   if (event->type() == QEvent::Leave) point({-1, -1});
-  return QRasterWindow::event(event);
+  return Sheet::event(event);
 }
 
 void CardMenu::exposeEvent(QExposeEvent* event) {
@@ -170,25 +149,10 @@ void CardMenu::exposeEvent(QExposeEvent* event) {
     setMouseGrabEnabled(true);
     setKeyboardGrabEnabled(true);
   }
-  QRasterWindow::exposeEvent(event);
+  Sheet::exposeEvent(event);
 }
 
-void CardMenu::paintEvent(QPaintEvent*) {
-  const platform::Appearance appearance = card_.appearance();
-  graphics_.setDisplay(devicePixelRatio(), appearance);
-  QPainter painter(this);
-  painter.setCompositionMode(QPainter::CompositionMode_Source);
-  painter.fillRect(QRect(QPoint(), size()), Qt::transparent);
-  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  QtCanvas canvas(painter, height(), appearance);
-  const double radius = isScreenComposited() ? cornerRadius : 0;
-  const double line = 1 / devicePixelRatio();
-  const auto whole = NSMakeRect(0, 0, width(), height());
-  const auto inside = NSMakeRect(line, line, width() - 2 * line, height() - 2 * line);
-  const NSColor background = cardColor(appearance).colorWithAlphaComponent(1);
-  canvas.fillRoundedRect(whole, radius, background);
-  canvas.fillRoundedRect(whole, radius, cardBorderColor(appearance));
-  canvas.fillRoundedRect(inside, std::max(0.0, radius - line), background);
+void CardMenu::paintContent(platform::Canvas& canvas) {
   for (std::size_t index = 0; index < items().size(); ++index) paintItem(canvas, index);
 }
 
@@ -211,7 +175,7 @@ void CardMenu::paintItem(platform::Canvas& canvas, std::size_t index) const {
   canvas.save();
   if (!item.isEnabled) canvas.multiplyAlpha(disabledOpacity);
   constexpr unsigned options = platform::NSStringDrawingUsesLineFragmentOrigin;
-  platform::drawTextCentredInRect(canvas, {item.title, textAttributes()},
+  platform::drawTextCentredInRect(canvas, {item.title, sheetTextAttributes()},
                                   NSMakeRect(textInset, bottom, width() - textInset, itemHeight),
                                   options, itemHeight);
   const std::string atEnd = item.children.empty() ? item.key : "›";
@@ -219,7 +183,7 @@ void CardMenu::paintItem(platform::Canvas& canvas, std::size_t index) const {
     canvas.multiplyAlpha(keyOpacity);
     const double keyWidth = textExtent(atEnd).width;
     platform::drawTextCentredInRect(
-        canvas, {atEnd, textAttributes()},
+        canvas, {atEnd, sheetTextAttributes()},
         NSMakeRect(place.right() - checkInset - keyWidth, bottom, keyWidth + 1, itemHeight),
         options, itemHeight);
   }

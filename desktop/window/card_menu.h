@@ -1,13 +1,12 @@
 // The card's context menu.
 #pragma once
 
-#include <QtGui/QRasterWindow>
 #include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "desktop/window/card_surface.h"
+#include "desktop/window/sheet.h"
 
 namespace desktop {
 
@@ -25,7 +24,7 @@ struct MenuItem {
 /// Opens with the right button on the card, or by keyboard. It is chosen from by a click, by
 /// letting go of the button that opened it, or with the arrow keys and Return; a press elsewhere,
 /// or Escape, closes it. A further level takes the place of the one before.
-class CardMenu final : public QRasterWindow {
+class CardMenu final : public Sheet {
  public:
   using Source = std::function<std::vector<MenuItem>()>;
   /// The card and the graphics must outlive the menu. The source is asked whenever it opens.
@@ -44,7 +43,7 @@ class CardMenu final : public QRasterWindow {
   bool event(QEvent* event) override;
   bool eventFilter(QObject* object, QEvent* event) override;
   void exposeEvent(QExposeEvent* event) override;
-  void paintEvent(QPaintEvent* event) override;
+  void paintContent(platform::Canvas& canvas) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
@@ -61,8 +60,6 @@ class CardMenu final : public QRasterWindow {
   void dismiss();
   void paintItem(platform::Canvas& canvas, std::size_t index) const;
 
-  CardSurface& card_;
-  QtGraphics& graphics_;
   const Source source_;
   QPoint place_;
   std::vector<std::vector<MenuItem>> levels_{{}};  ///< never empty; the last one is shown

@@ -228,6 +228,11 @@ platform::NSPoint CardSurface::cardPoint(QPointF position) const {
   return {position.x(), card_.size().height - position.y()};
 }
 
+const platform::NSView* CardSurface::viewAt(QPointF position) const {
+  const auto content = card_.window().contentView();
+  return content ? content->hitTest(cardPoint(position)) : nullptr;
+}
+
 void CardSurface::mousePressEvent(QMouseEvent* event) {
   grip_.reset();
   if (event->button() == Qt::RightButton && menuHandler_) {

@@ -59,6 +59,9 @@ class CardSurface final : public QRasterWindow {
   }
   QAccessibleInterface* accessibleRoot() const override;
 
+  /// The widget's view at a point of the window; null for none.
+  const platform::NSView* viewAt(QPointF position) const;
+
   /// Draws a ring around a part of the card (its window's coordinates); none: none.
   void setFocusRing(std::optional<platform::NSRect> focus);
   /// Shows a short text above the card for a second.

@@ -85,6 +85,9 @@ class NSView : public NSObject {
       std::shared_ptr<NSDraggingSource> source);
 
   // Accessibility, which the keyboard uses as well
+  /// What is told while the pointer rests on the view; none: nothing.
+  virtual std::optional<std::string> toolTip() const { return std::nullopt; }
+
   virtual NSAccessibilityRole accessibilityRole() const { return NSAccessibilityRole::none; }
   /// What it is called, in the user's language; empty for what needs no name.
   virtual std::string accessibilityLabel() const { return accessibilityLabel_; }

@@ -86,6 +86,17 @@ TEST_F(Controls, ALabelCentresItsLinesInTheInsetAreaAndCutsTextThatIsTooHigh) {
   EXPECT_EQ(canvas.steps().back().options, 33U) << "wraps, and cuts the last line";
 }
 
+TEST_F(Controls, ALabelTellsTheWholeOfWhatItCuts) {
+  EXPECT_EQ(label->toolTip(), std::nullopt);
+  label->setText("It fits.");
+  EXPECT_EQ(label->toolTip(), std::nullopt);
+  const std::string text = "It takes two lines, and there is room for one.";
+  label->setText(text);
+  EXPECT_EQ(label->toolTip(), text);
+  label->setFrame(NSMakeRect(0, 0, 100, 80));
+  EXPECT_EQ(label->toolTip(), std::nullopt);
+}
+
 TEST_F(Controls, ALabelNeedsNoFontNorColourButAText) {
   label->setTextAlignment(platform::NSTextAlignment::natural);
   label->setText("plain");
