@@ -34,20 +34,15 @@ ToolTip::~ToolTip() = default;
 
 bool ToolTip::eventFilter(QObject* object, QEvent* event) {
   switch (event->type()) {
-    case QEvent::MouseMove: {
-      const auto* move = static_cast<const QMouseEvent*>(event);
-      const platform::NSView* view = card_.viewAt(move->position());
-      const bool isFree = move->buttons() == Qt::NoButton;
-      pointAt(view != nullptr && isFree ? view->toolTip() : std::nullopt,
-              move->globalPosition().toPoint());
+    case QEvent::MouseMove:
+      pointerMoved(*static_cast<const QMouseEvent*>(event));
       break;
-    }
     case QEvent::Leave:
     case QEvent::MouseButtonPress:
     case QEvent::KeyPress:
     case QEvent::Wheel:
     case QEvent::Hide:
-      pointAt(std::nullopt, {});
+      leave();
       break;
     default:
       break;
@@ -55,22 +50,30 @@ bool ToolTip::eventFilter(QObject* object, QEvent* event) {
   return Sheet::eventFilter(object, event);
 }
 
-void ToolTip::pointAt(std::optional<std::string> text, QPoint place) {
-  place_ = place;
-  if (text_ == text) {
-    if (rest_.isActive()) rest_.start();
-    return;
-  }
-  text_ = std::move(text);
-  hide();
+void ToolTip::pointerMoved(const QMouseEvent& event) {
+  if (event.buttons() != Qt::NoButton) return leave();
+  pointer_ = event.position();
+  place_ = event.globalPosition().toPoint();
+  const void* view = card_.viewAt(pointer_);
+  if (view == view_ && !rest_.isActive()) return;
+  if (view != view_) leave();
+  view_ = view;
+  rest_.start();
+}
+
+void ToolTip::leave() {
+  view_ = nullptr;
   rest_.stop();
-  if (text_) rest_.start();
+  hide();
 }
 
 void ToolTip::appear() {
-  if (!text_) return;
+  const platform::NSView* view = card_.viewAt(pointer_);
+  const auto text = view != nullptr ? view->toolTip() : std::nullopt;
+  if (!text) return;
+  text_ = *text;
   const auto extent = platform::boundingRectWithSize_options_attributes(
-                          *text_, {widest, highest}, options, sheetTextAttributes())
+                          text_, {widest, highest}, options, sheetTextAttributes())
                           .size;
   const QSizeF size(std::ceil(std::min(extent.width, widest)) + 2 * insetX,
                     std::ceil(std::min(extent.height, highest)) + 2 * insetY);
@@ -78,10 +81,9 @@ void ToolTip::appear() {
 }
 
 void ToolTip::paintContent(platform::Canvas& canvas) {
-  if (!text_) return;
   const auto area =
       platform::NSMakeRect(insetX, insetY, width() - 2 * insetX, height() - 2 * insetY);
-  platform::drawTextCentredInRect(canvas, {*text_, sheetTextAttributes()}, area, options, highest);
+  platform::drawTextCentredInRect(canvas, {text_, sheetTextAttributes()}, area, options, highest);
 }
 
 }  // namespace desktop

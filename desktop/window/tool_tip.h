@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QtCore/QTimer>
-#include <optional>
 #include <string>
 
 #include "desktop/window/sheet.h"
@@ -21,12 +20,15 @@ class ToolTip final : public Sheet {
   void paintContent(platform::Canvas& canvas) override;
 
  private:
-  void pointAt(std::optional<std::string> text, QPoint place);
+  void pointerMoved(const QMouseEvent& event);
+  void leave();
   void appear();
 
-  std::optional<std::string> text_;  ///< of the view below the pointer
-  QPoint place_;                     ///< of the pointer on the screen
+  const void* view_ = nullptr;  ///< below the pointer, to tell it from others; null: there is none
+  QPointF pointer_;             ///< in the card
+  QPoint place_;                ///< of the pointer on the screen
   QTimer rest_;
+  std::string text_;
 };
 
 }  // namespace desktop

@@ -86,13 +86,15 @@ TEST_F(Session, ClicksCommandThePlayerAndEdit) {
                                     {"240 87", "SetPosition /track/1 30"}}) {
     EXPECT_TRUE(commands(player, call, place)) << call;
   }
-  const auto waitForWindows = [&](qsizetype count) {
-    return waitUntil([&] {
-      return outputOf("xdotool", {"search", "--onlyvisible", "--class", "virelune-widget"},
-                      display->environment())
-                 .split('\n')
-                 .size() == count;
-    });
+  const auto waitForWindows = [&](qsizetype count, std::chrono::seconds patience) {
+    return waitUntil(
+        [&] {
+          return outputOf("xdotool", {"search", "--onlyvisible", "--class", "virelune-widget"},
+                          display->environment())
+                     .split('\n')
+                     .size() == count;
+        },
+        patience);
   };
   const auto rest = [&](const char* place) {
     display->xdotool(QString("mousemove --window %1 %2").arg(window, place));
@@ -100,11 +102,13 @@ TEST_F(Session, ClicksCommandThePlayerAndEdit) {
   auto titled = song("Playing");
   titled["Metadata"] = QVariantMap{{"xesam:title", QString("Long ").repeated(30)}};
   player.tell(titled);
-  rest("130 33");
-  rest("120 53");
-  EXPECT_TRUE(waitForWindows(2)) << "the whole title below the pointer";
+  EXPECT_TRUE(waitUntil([&] {
+    rest("130 33");
+    rest("120 53");
+    return waitForWindows(2, std::chrono::seconds(2));
+  })) << "the whole title below the pointer";
   rest("280 53");
-  EXPECT_TRUE(waitForWindows(1));
+  EXPECT_TRUE(waitForWindows(1, std::chrono::seconds(10)));
   player.tell(song("Stopped"));
   EXPECT_TRUE(waitForHeight(informationHeight));
   for (const double height : {trackHeight, informationHeight}) {
