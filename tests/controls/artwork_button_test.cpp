@@ -8,18 +8,11 @@
 namespace virelune {
 namespace {
 
-using platform::Array;
-using platform::Dictionary;
-using platform::NSDraggingSession;
-using platform::NSEventType;
-using platform::NSPasteboardTypePNG;
-using platform::NSPasteboardTypePromisedFileURL;
-using platform::Value;
+using namespace platform;
 using testing::ElementsAre;
 using tests::nameOf;
 
-class ArtworkButton : public tests::ControlFixture<VLArtworkButton> {
- protected:
+struct ArtworkButton : tests::ControlFixture<VLArtworkButton> {
   ArtworkButton() : ControlFixture(platform::NSMakeRect(6, 9, 50, 50)) {}
   /// Shows the placeholder and starts a look-up.
   void lookUp(const std::string& artist = "Foo", const std::string& album = "Bar") {
@@ -153,8 +146,7 @@ TEST_F(ArtworkButton, WhatWasSupersededOrDestroyedIsCancelledAndChangesNothing) 
 }
 
 /// A desktop that takes drags, or refuses them, and receives when told.
-class ScriptedDrag final : public platform::DragBackend {
- public:
+struct ScriptedDrag final : platform::DragBackend {
   bool begin(std::shared_ptr<NSDraggingSession> session) override {
     if (refuses) return false;
     sessions.push_back(std::move(session));
@@ -173,8 +165,7 @@ class ScriptedDrag final : public platform::DragBackend {
   std::vector<std::shared_ptr<NSDraggingSession>> sessions;
 };
 
-class ArtworkDrag : public ArtworkButton {
- protected:
+struct ArtworkDrag : ArtworkButton {
   ArtworkDrag() {
     setenv("TZ", "HERE-1", 1);  // one hour ahead of UTC
     tzset();

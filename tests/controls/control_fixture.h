@@ -7,8 +7,7 @@
 namespace tests {
 
 template <class Control>
-class ControlFixture : public WidgetFixture {
- protected:
+struct ControlFixture : WidgetFixture {
   explicit ControlFixture(platform::NSRect frame) : control(platform::make<Control>(frame)) {
     const auto root = platform::make<platform::NSView>(platform::NSMakeRect(0, 0, 400, 64));
     root->addSubview(control);
@@ -23,8 +22,7 @@ class ControlFixture : public WidgetFixture {
 
 /// An indicator, and its value at each of its actions.
 template <class Indicator>
-class IndicatorFixture : public ControlFixture<Indicator> {
- protected:
+struct IndicatorFixture : ControlFixture<Indicator> {
   explicit IndicatorFixture(platform::NSRect frame) : ControlFixture<Indicator>(frame) {
     this->target->onCall = [this] { values.push_back(static_cast<double>(indicator->nowValue())); };
   }

@@ -11,14 +11,10 @@ namespace {
 using demo::statePaused;
 using demo::statePlaying;
 using demo::stateStopped;
-using platform::code;
-using platform::FourCharCode;
-using platform::SBApplication;
-using platform::SBObject;
+using namespace platform;
 using tests::Listener;
 
-class DemoPlayer : public tests::WidgetFixture {
- protected:
+struct DemoPlayer : tests::WidgetFixture {
   DemoPlayer() {
     platform_.distributedCenter->addObserver(listener.get(), &Listener::heard,
                                              platform::player::infoNotification);

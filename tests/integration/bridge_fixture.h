@@ -8,22 +8,11 @@
 #include "desktop/session/workspace.h"
 #include "platform/platform.h"
 #include "tests/integration/processes.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/listener.h"
 
 namespace tests {
 
-/// Counts what the bridge announces.
-class Announcements final : public platform::NSObject {
- public:
-  bool changed(const platform::NSNotification*) { return ++changes > 0; }
-  bool terminated(const platform::NSNotification*) { return ++terminations > 0; }
-
-  int changes = 0;
-  int terminations = 0;
-};
-
-class BridgeFixture : public testing::Test {
- protected:
+struct BridgeFixture : testing::Test {
   BridgeFixture() {
     driver_.setPass([this] { runLoop_.runPass(); });
     platform_.runLoop = &runLoop_;
@@ -37,9 +26,9 @@ class BridgeFixture : public testing::Test {
     platform_.scripting = bridge.get();
     using platform::NSWorkspaceDidTerminateApplicationNotification;
     platform_.distributedCenter->removeObserver(announced.get());
-    platform_.distributedCenter->addObserver(announced.get(), &Announcements::changed,
+    platform_.distributedCenter->addObserver(announced.get(), &Listener::heard,
                                              platform::player::infoNotification);
-    workspace_->notificationCenter().addObserver(announced.get(), &Announcements::terminated,
+    workspace_->notificationCenter().addObserver(terminated.get(), &Listener::heard,
                                                  NSWorkspaceDidTerminateApplicationNotification);
   }
 
@@ -86,7 +75,8 @@ class BridgeFixture : public testing::Test {
 
  protected:
   std::unique_ptr<desktop::PlayerBridge> bridge;
-  const std::shared_ptr<Announcements> announced = platform::make<Announcements>();
+  const std::shared_ptr<Listener> announced = platform::make<Listener>();  ///< of changes
+  const std::shared_ptr<Listener> terminated = platform::make<Listener>();
 };
 
 }  // namespace tests

@@ -28,8 +28,7 @@ void collect(const platform::NSView& from, std::vector<const View*>& found) {
   }
 }
 
-class CardOverPlayer : public testing::Test {
- protected:
+struct CardOverPlayer : testing::Test {
   /// Shows the card; with a stream server, also lets it use the network.
   void show(const std::string& streamHost = {}) {
     desktop::Composition::Options options{.bundle = desktop::openBundle(VIRELUNE_TEST_BUNDLE),

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <future>
 
 #include "tests/integration/loopback_server.h"

@@ -1,8 +1,6 @@
 #include "tests/integration/fake_player.h"
 
 #include <QtCore/QMutexLocker>
-#include <QtDBus/QDBusObjectPath>
-#include <QtDBus/QDBusVariant>
 #include <stdexcept>
 #include <utility>
 

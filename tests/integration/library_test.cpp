@@ -1,8 +1,6 @@
 // Ratings on their way into the players' own libraries and back, with a service that speaks each
 // player's interface.
 
-#include <QtDBus/QDBusMetaType>
-#include <QtDBus/QDBusObjectPath>
 #include <cmath>
 
 #include "tests/integration/bridge_fixture.h"
@@ -110,8 +108,7 @@ class Library final : public QDBusVirtualObject {
   QDBusConnection connection_;
 };
 
-class LibraryTest : public BridgeFixture {
- protected:
+struct LibraryTest : BridgeFixture {
   void open(const char* name, bool writes = true) {
     library = std::make_unique<Library>(bus, name);
     follow({.ratings = &ratings, .writesLibraries = writes});
@@ -120,9 +117,9 @@ class LibraryTest : public BridgeFixture {
     EXPECT_TRUE(waitUntil([] { return shown() >= 0 && trackText(code("pnam")); }));
     // What it offers is asked for meanwhile; a signal after that answer comes after it.
     EXPECT_TRUE(waitUntil([&] { return library->isMet || !writes; }));
-    const int changes = announced->changes;
+    const int changes = announced->count;
     library->signal();
-    EXPECT_TRUE(waitUntil([&] { return announced->changes > changes; }));
+    EXPECT_TRUE(waitUntil([&] { return announced->count > changes; }));
   }
   static std::int64_t shown() { return rating()->integerValue(); }
   static void click(int stars) { rating()->setTo(stars); }

@@ -38,8 +38,6 @@ class LoopbackServer {
   using Handler = std::function<void(Exchange&)>;
   explicit LoopbackServer(Handler handler);
   ~LoopbackServer();
-  LoopbackServer(const LoopbackServer&) = delete;
-  LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   const std::string& host() const { return host_; }
   std::string address(std::string_view target) const {

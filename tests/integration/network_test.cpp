@@ -9,14 +9,12 @@
 #include "platform/network/curl_transport.h"
 #include "radio/beats1_info_loader.h"
 #include "tests/integration/loopback_server.h"
-#include "tests/support/temporary_folder.h"
 #include "tests/support/widget_fixture.h"
 
 namespace tests {
 namespace {
 
-class LiveRadio : public WidgetFixture {
- protected:
+struct LiveRadio : WidgetFixture {
   LiveRadio() { platform_.http = &transport; }
 
   void listenTo(const std::string& host) {
@@ -62,21 +60,6 @@ TEST_F(LiveRadio, FollowsTheDemoStationAlsoAfterStartsAndEndsAtRandomMoments) {
   EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
 }
 
-TEST(SegmentTags, ThatAnEncoderWroteAreRead) {
-  const TemporaryFolder folder;
-  const auto file = folder.path() / "segment.aac";
-  const std::string command =
-      "ffmpeg -v error -f lavfi -i sine -t 1 -f adts -write_id3v2 1 -metadata title='夜の海'"
-      " -metadata artist='Νεφέλη' -metadata artwork=http://a/b.jpg " +
-      file.native();
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  const auto segment = platform::Data::fromText(contents(file));
-  using virelune::VLBeats1InfoLoader;
-  EXPECT_EQ(VLBeats1InfoLoader::trackInfoTextForKey_fromData("TIT2", segment), "夜の海");
-  EXPECT_EQ(VLBeats1InfoLoader::trackInfoTextForKey_fromData("TPE1", segment), "Νεφέλη");
-  EXPECT_EQ(VLBeats1InfoLoader::trackInfoArtworkWebAddressFromData(segment), "http://a/b.jpg");
-}
-
 /// The real transport, watched: when it is idle, all that a look-up asked for has completed.
 class WatchedTransport final : public platform::HTTPTransport {
  public:
@@ -103,8 +86,7 @@ class WatchedTransport final : public platform::HTTPTransport {
   platform::CurlTransport transport_;
 };
 
-class Store : public WidgetFixture {
- protected:
+struct Store : WidgetFixture {
   Store() { platform_.http = &transport; }
 
   void ask(const std::string& host) { bundle->setInfoDictionaryEntry("VLStoreSearchHost", host); }

@@ -45,7 +45,7 @@ TEST_F(PlayerBridge, FollowsTheNamedPlayerElseTheOneThatPlays) {
   // It leaves: the last one is still there, and nothing has terminated.
   first.leaveBus();
   EXPECT_TRUE(waitForTitle("two"));
-  EXPECT_EQ(announced->terminations, 0);
+  EXPECT_EQ(terminated->count, 0);
 
   const auto listing = desktop::PlayerBridge::listPlayers(bus.connection());
   ASSERT_EQ(listing.size(), 2U);
@@ -99,7 +99,7 @@ TEST_F(PlayerBridge, WritesWhatThePlayerKeepsItselfAndASlowOnesOldAnswerDoesNotU
   app()->propertyWithCode(code("pPos"))->setTo(99.0);
   player.hold();
   player.signalChange({{"PlaybackStatus", "Playing"}});
-  ASSERT_TRUE(waitUntil([&] { return announced->changes > 0; }));
+  ASSERT_TRUE(waitUntil([&] { return announced->count > 0; }));
   state();  // which it is too slow to answer
   rating()->setTo(100);
   EXPECT_EQ(rating()->integerValue(), 100) << "the rule reads it";
@@ -121,7 +121,7 @@ TEST_F(PlayerBridge, WhatAPlayerChangesWithoutAWordIsAnnouncedOnceItsLastAnswerI
   player.setProperties(song("Song", {{"xesam:userRating", 0.8}}));
   EXPECT_TRUE(waitUntil([&] {
     position();  // as the panel asks every second
-    return announced->changes > 0;
+    return announced->count > 0;
   }));
   EXPECT_EQ(rating()->integerValue(), 80);
 }
@@ -135,12 +135,12 @@ TEST_F(PlayerBridge, WhatNoPanelShowsIsToldToOthersWithoutARefreshOrAQuestion) {
   const auto changes = desktop::PlayerChanges::observe([&] { ++heard; });
   for (int i = 0; i < 3; ++i) player.tell({{"Volume", 0.9}, {"Shuffle", true}, {"CanSeek", false}});
   EXPECT_TRUE(waitUntil([&] { return heard > 0; }));
-  EXPECT_EQ(announced->changes, 0);
+  EXPECT_EQ(announced->count, 0);
   EXPECT_EQ(player.questionCount(), questions);
   EXPECT_EQ(bridge->report()->volume, 0.9);
   player.tell({{"Volume", 0.1}});
   player.tell(song("Other"));
-  EXPECT_TRUE(waitUntil([&] { return announced->changes == 1; }));
+  EXPECT_TRUE(waitUntil([&] { return announced->count == 1; }));
   EXPECT_EQ(title(), "Other");
 }
 
@@ -179,8 +179,7 @@ TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
 }
 
 /// Asks everything that three full refreshes ask.
-class PlayerFaults : public BridgeFixture {
- protected:
+struct PlayerFaults : BridgeFixture {
   static void refresh() {
     for (int i = 0; i < 3; ++i) {
       state();
@@ -203,7 +202,7 @@ TEST_F(PlayerFaults, APlayerIsWaitedForOnceIsSilentInTheEndAndCountsAgainWhenItA
   player.setProperties(song("Later"));
   player.signalChange(song("Signalled"));
   // One slow answer: what was signalled is shown, and goes on being shown.
-  ASSERT_TRUE(waitUntil([&] { return announced->changes > 0; }));
+  ASSERT_TRUE(waitUntil([&] { return announced->count > 0; }));
   for (int i = 0; i < 5; ++i) {
     command(code("PlPs"));
     refresh();
@@ -252,9 +251,9 @@ TEST_F(PlayerFaults, AFloodOfSignalsIsAnnouncedAFewTimes) {
     });
   };
   ASSERT_TRUE(flood("Once"));  // whatever is made once is made now
-  const int changesBefore = announced->changes;
+  const int changesBefore = announced->count;
   ASSERT_TRUE(flood("Twice"));
-  EXPECT_LT(announced->changes - changesBefore, signalCount / 10);
+  EXPECT_LT(announced->count - changesBefore, signalCount / 10);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcessEnvironment>
-#include <QtCore/QTimer>
-#include <QtDBus/QDBusConnectionInterface>
 #include <stdexcept>
 
 namespace tests {
@@ -92,6 +90,14 @@ QString PrivateBus::playerctl(const QStringList& arguments) const {
 
 bool PrivateBus::hasName(const QString& name) const {
   return connection_.interface()->isServiceRegistered(name).value();
+}
+
+Environment atHome(Environment environment, const TemporaryFolder& home) {
+  for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+    environment[name] = home.path().c_str();
+  }
+  environment["XDG_DATA_DIRS"] = "/none";
+  return environment;
 }
 
 Display::Display(const PrivateBus& bus)

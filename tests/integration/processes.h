@@ -12,6 +12,8 @@
 #include <map>
 #include <string>
 
+#include "tests/support/temporary_folder.h"
+
 namespace tests {
 
 using Environment = std::map<QString, QString>;
@@ -25,8 +27,6 @@ class Program {
  public:
   Program(const QString& name, const QStringList& arguments, const Environment& environment = {});
   ~Program();
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
 
   void send(int signal) const;
   /// Waits for its end; -1 when it does not come, or comes by a signal.
@@ -47,8 +47,6 @@ class PrivateBus {
  public:
   PrivateBus();
   ~PrivateBus();
-  PrivateBus(const PrivateBus&) = delete;
-  PrivateBus& operator=(const PrivateBus&) = delete;
 
   const QString& address() const { return address_; }
   const QDBusConnection& connection() const { return connection_; }
@@ -64,6 +62,9 @@ class PrivateBus {
   const QString connectionName_;
   const QDBusConnection connection_;
 };
+
+/// The same with a home of the test's own, where no player is installed.
+Environment atHome(Environment environment, const TemporaryFolder& home);
 
 /// An X display of the test's own.
 class Display {

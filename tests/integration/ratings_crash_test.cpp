@@ -5,7 +5,6 @@
 #include <array>
 #include <csignal>
 #include <random>
-#include <thread>
 
 #include "desktop/ratings/backups.h"
 #include "desktop/ratings/exchange.h"
@@ -25,9 +24,6 @@ struct Widget {
   pid_t process = 0;
   FileDescriptor answers = FileDescriptor();
 
-  Widget() = default;
-  Widget(const Widget&) = delete;
-  Widget& operator=(const Widget&) = delete;
   ~Widget() { kill(); }
 
   /// Two clicks on one track never set the same rating in a row.

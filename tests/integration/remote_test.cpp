@@ -4,13 +4,7 @@
 #include <csignal>
 #include <fstream>
 
-#include <QtDBus/QDBusMessage>
-#include <QtDBus/QDBusObjectPath>
-#include <QtDBus/QDBusReply>
-
 #include "tests/integration/fake_player.h"
-#include "tests/integration/processes.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tests {
 namespace {
@@ -71,15 +65,7 @@ class FakePortal final : public QObject {
   const QString file_;
 };
 
-class Remote : public testing::Test {
- protected:
-  Remote() : environment_(display_.environment()) {
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
-      environment_[name] = home_.path().c_str();
-    }
-    environment_["XDG_DATA_DIRS"] = "/none";
-  }
-
+struct Remote : testing::Test {
   std::unique_ptr<Program> start(const QStringList& arguments) const {
     return std::make_unique<Program>(VIRELUNE_PROGRAM, arguments, environment_);
   }
@@ -108,7 +94,7 @@ class Remote : public testing::Test {
 
  private:
   const TemporaryFolder home_;
-  Environment environment_;
+  const Environment environment_ = atHome(display_.environment(), home_);
 };
 
 TEST_F(Remote, VerbsDoWithoutACardWhatTheySayAndTellWhyNot) {

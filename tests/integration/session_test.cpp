@@ -4,7 +4,6 @@
 
 #include "desktop/window/card_style.h"
 #include "tests/integration/fake_player.h"
-#include "tests/support/temporary_folder.h"
 
 namespace tests {
 namespace {
@@ -20,15 +19,7 @@ QVariantMap song(const char* status) {
                                    {"mpris:length", qlonglong{40'000'000}}}}};
 }
 
-class Session : public testing::Test {
- protected:
-  Session() : environment_(display->environment()) {
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
-      environment_[name] = home_.path().c_str();
-    }
-    environment_["XDG_DATA_DIRS"] = "/none";  // where no player is installed
-  }
-
+struct Session : testing::Test {
   std::unique_ptr<Program> start(const QStringList& arguments = {}) const {
     return std::make_unique<Program>(VIRELUNE_PROGRAM, QStringList{"--scale=1"} + arguments,
                                      environment_);
@@ -73,7 +64,7 @@ class Session : public testing::Test {
 
  private:
   const TemporaryFolder home_;
-  Environment environment_;
+  const Environment environment_ = atHome(display->environment(), home_);
 };
 
 TEST_F(Session, ClicksCommandThePlayerAndEdit) {

@@ -13,8 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using tests::portrait;
 
-class Panels : public tests::WidgetFixture {
- protected:
+struct Panels : tests::WidgetFixture {
   void install(const char* identifier) {
     workspaceBackend.installed[identifier] = "/apps/it";
     workspaceBackend.icons["/apps/it"] =
@@ -89,8 +88,7 @@ TEST_F(Panels, LeaveOutWhatIsMissingAndWorkWithoutIt) {
   EXPECT_FALSE(information->clickedActionButton(nullptr));
 }
 
-class Link : public tests::WidgetFixture {
- protected:
+struct Link : tests::WidgetFixture {
   /// What the workspace was asked to open for an artist whose search brings this reply.
   std::vector<std::string> openedFor(const std::string& artist, const std::string& reply) {
     workspaceBackend.asked.clear();
@@ -101,7 +99,7 @@ class Link : public tests::WidgetFixture {
   }
 };
 
-TEST_F(Link, SearchKeepsQuerySyntaxAndAsksForAFreshCopy) {
+TEST_F(Link, FirstMatchingArtistsPageOpensAsAStoreLinkOfAFreshSearch) {
   openedFor("a + b&c é", "");
   const auto& request = http.at(0).request;
   EXPECT_EQ(request.url,
@@ -109,9 +107,6 @@ TEST_F(Link, SearchKeepsQuerySyntaxAndAsksForAFreshCopy) {
             "&media=music&attribute=artistTerm&entity=musicArtist");
   EXPECT_EQ(request.timeout, 3);
   EXPECT_THAT(request.headers, testing::Contains(std::pair("Cache-Control", "no-cache")));
-}
-
-TEST_F(Link, FirstMatchingArtistsPageOpensAsAStoreLink) {
   EXPECT_THAT(openedFor("foo", R"({"results":[null,{"artistName":"Foo Fighters","artistLinkUrl":
       "https://x.example/1"},{"artistName":"FOO","artistLinkUrl":"https://x.example/2?uo=4&q=%2B#top",
       "artistViewUrl":"https://x.example/3"},{"artistName":"foo","artistLinkUrl":"https://x/4"}]})"),

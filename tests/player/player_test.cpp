@@ -48,10 +48,8 @@ TEST_F(ITunes, TheLiveStationIsAStreamOfExactlyThatName) {
 
 constexpr platform::FourCharCode unknownKind{};
 
-/// Writes the companion application's preferences, and the requests to the player in short:
-/// "set pRte 80" for the rating of the current track.
-class LoveRating : public tests::WidgetFixture {
- protected:
+/// Writes the companion application's preferences.
+struct LoveRating : tests::WidgetFixture {
   static void writePreferences(const std::string& text) {
     std::ofstream(*vl_applicationPreferencesURLForPlistGeneral()->filePath()) << text;
   }
@@ -65,16 +63,6 @@ class LoveRating : public tests::WidgetFixture {
               "</integer>");
   }
 
-  std::string requests() const {
-    std::string text;
-    for (std::string entry : player.log()) {
-      if (entry == "resolve pTrk") entry = "resolve";
-      if (const auto at = entry.find("pTrk."); at != std::string::npos) entry.erase(at, 5);
-      text += (text.empty() ? "" : ", ") + entry;
-    }
-    return text;
-  }
-
   tests::TemporaryDataHome dataHome;
 };
 
@@ -82,32 +70,32 @@ class LoveRating : public tests::WidgetFixture {
 // user, C: computed, N: not rated; the rating; + loved, - not), the kind of track, the answer, the
 // marks afterwards, and the requests in their order.
 constexpr const char* trackChains = R"(
-off toggle    U60- file   yes 60+  get pLov, set pLov true
+off toggle    U60- file   yes 60+  pLov set pLov true
 off rate=-5   U60+ file   yes 0+   set pRte 0
 off rate=130  U60+ file   yes 100+ set pRte 100
-80  toggle    U80- file   yes 80+  get pLov, set pLov true, get pRtk, get pRte, get pLov
-80  toggle    C99- file   yes 80+  get pLov, set pLov true, get pRtk, get pLov, set pRte 80
-80  toggle    U99+ file   yes 70-  get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
-80  toggle    U70+ file   yes 70-  get pLov, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
-80  toggle    U60+ file   yes 60-  get pLov, set pLov false, get pRtk, get pRte, get pLov
-80  rate=80   N0-  file   yes 80+  set pRte 80, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
-80  rate=75   U99+ file   yes 70-  set pRte 75, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov, set pRte 70
-80  rate=60   U99+ file   yes 60-  set pRte 60, resolve, get pRtk, get pRte, set pLov false, get pRtk, get pRte, get pLov
-80  rate=100  N0-  stream yes 100- set pRte 100, resolve
-80  toggle    N0-  stream yes 80+  get pLov, set pLov true, get pRtk, get pLov, set pRte 80
-80  autolove  C99+ file   yes 99-  resolve, get pRtk, set pLov false, get pRtk, get pLov
-80  autolove  U99- stream no  99-  resolve
-80  autorate  U90+ file   no  90+  get pRtk, get pRte, get pLov
-0   rate=0    U60- file   yes 0+   set pRte 0, resolve, get pRtk, get pRte, set pLov true, get pRtk, get pRte, get pLov
-5   toggle    N0+  file   yes 0-   get pLov, set pLov false, get pRtk, get pLov, set pRte 0
-5   toggle    N0-  file   yes 5+   get pLov, set pLov true, get pRtk, get pLov, set pRte 5
+80  toggle    U80- file   yes 80+  pLov set pLov true pRtk pRte pLov
+80  toggle    C99- file   yes 80+  pLov set pLov true pRtk pLov set pRte 80
+80  toggle    U99+ file   yes 70-  pLov set pLov false pRtk pRte pLov set pRte 70
+80  toggle    U70+ file   yes 70-  pLov set pLov false pRtk pRte pLov set pRte 70
+80  toggle    U60+ file   yes 60-  pLov set pLov false pRtk pRte pLov
+80  rate=80   N0-  file   yes 80+  set pRte 80 resolve pTrk pRtk pRte set pLov true pRtk pRte pLov
+80  rate=75   U99+ file   yes 70-  set pRte 75 resolve pTrk pRtk pRte set pLov false pRtk pRte pLov set pRte 70
+80  rate=60   U99+ file   yes 60-  set pRte 60 resolve pTrk pRtk pRte set pLov false pRtk pRte pLov
+80  rate=100  N0-  stream yes 100- set pRte 100 resolve pTrk
+80  toggle    N0-  stream yes 80+  pLov set pLov true pRtk pLov set pRte 80
+80  autolove  C99+ file   yes 99-  resolve pTrk pRtk set pLov false pRtk pLov
+80  autolove  U99- stream no  99-  resolve pTrk
+80  autorate  U90+ file   no  90+  pRtk pRte pLov
+0   rate=0    U60- file   yes 0+   set pRte 0 resolve pTrk pRtk pRte set pLov true pRtk pRte pLov
+5   toggle    N0+  file   yes 0-   pLov set pLov false pRtk pLov set pRte 0
+5   toggle    N0-  file   yes 5+   pLov set pLov true pRtk pLov set pRte 5
 )";
 constexpr const char* albumChains = R"(
 off rate=130  U60- file   yes 100- set pAlR 100
-80  toggle    C60- file   yes 80+  get pALv, set pALv true, get pARk, get pALv, set pAlR 80
-80  toggle    U99+ file   yes 70-  get pALv, set pALv false, get pARk, get pAlR, get pALv, set pAlR 70
-80  rate=80   N0-  stream yes 80+  set pAlR 80, get pARk, get pAlR, set pALv true, get pARk, get pAlR, get pALv
-80  autorate  U60- file   no  60-  get pARk, get pAlR, get pALv
+80  toggle    C60- file   yes 80+  pALv set pALv true pARk pALv set pAlR 80
+80  toggle    U99+ file   yes 70-  pALv set pALv false pARk pAlR pALv set pAlR 70
+80  rate=80   N0-  stream yes 80+  set pAlR 80 pARk pAlR set pALv true pARk pAlR pALv
+80  autorate  U60- file   no  60-  pARk pAlR pALv
 )";
 
 Marks marksFrom(const std::string& text) {
@@ -146,7 +134,7 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
       album = onAlbum ? marksFrom(before) : untouched;
       player.clearLog();
       EXPECT_EQ(perform(command, onAlbum) ? "yes" : "no", answer);
-      EXPECT_EQ(requests(), requested);
+      EXPECT_EQ(player.asked(), requested);
       const auto told = [](const Marks& marks) {
         return std::to_string(marks.rating) + (marks.loved ? '+' : '-');
       };

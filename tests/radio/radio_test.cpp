@@ -1,23 +1,37 @@
 #include "radio/beats1_info_loader.h"
 
 #include "radio/url_connection.h"
-#include "tests/radio/segments.h"
 #include "tests/support/listener.h"
 #include "tests/support/widget_fixture.h"
 
 using platform::Data;
-using tests::frame;
-using tests::segmentHead;
 using virelune::VLBeats1InfoLoader;
 using namespace std::string_literals;
 
 namespace {
 
+/// An ID3v2 text frame; the content begins with its encoding byte.
+std::string frame(std::string_view identifier, std::string_view content) {
+  std::string bytes(identifier);
+  const auto size = static_cast<std::uint32_t>(content.size());
+  for (const unsigned shift : {24U, 16U, 8U, 0U}) bytes += static_cast<char>(size >> shift & 0xFFU);
+  return bytes.append(2, '\0').append(content);
+}
+
+/// The tag of a segment with all that the station sends.
+std::string segmentHead(std::string_view title, std::string_view artist, std::string_view album,
+                        std::string_view artwork) {
+  const auto text = [](std::string_view words) { return "\3" + std::string(words) + '\0'; };
+  return std::string("ID3\4\0\0\0\0\x02\x01", 10) + frame("TIT2", text(title)) +
+         frame("TPE1", text(artist)) + frame("TALB", text(album)) +
+         frame("WXXX", "\3artworkURL_640x" + std::string(1, '\0') + std::string(artwork)) +
+         std::string(64, '\xFF');
+}
+
 const std::string base = "http://radio.example/streams/hub02/session02/64k/";
 const std::string cover = "http://art.example/cover.jpg";
 
-class LiveProgramme : public tests::WidgetFixture {
- protected:
+struct LiveProgramme : tests::WidgetFixture {
   LiveProgramme() {
     bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example");
     platform_.defaultCenter->addObserver(listener.get(), &tests::Listener::heard,
@@ -49,8 +63,6 @@ class LiveProgramme : public tests::WidgetFixture {
   std::shared_ptr<tests::Listener> listener = platform::make<tests::Listener>();
   std::shared_ptr<VLBeats1InfoLoader> loader = platform::make<VLBeats1InfoLoader>();
 };
-
-}  // namespace
 
 TEST_F(LiveProgramme, FollowsTheStationCycleByCycle) {
   using Headers = std::vector<std::pair<std::string, std::string>>;
@@ -105,7 +117,7 @@ TEST_F(LiveProgramme, EveryFailureEmptiesTheRecordTellsAndTriesAgainFiveSecondsL
       {"<html>404 Not Found</html>"},
       {"a b.aac"},
       {playlist(), ""},
-      {playlist(), tests::frame("TIT2", "\3Title")},  // no artwork address
+      {playlist(), frame("TIT2", "\3Title")},  // no artwork address
       {playlist(), segmentHead("Title", "", "", "http://a b/c.jpg")}};
   for (const auto& answers : failures) {
     titles.clear();
@@ -204,8 +216,6 @@ TEST_F(LiveProgramme, OnlyTheTransferThatIsRecordedNowIsHeardAndWithoutANetworkN
   EXPECT_TRUE(http.last().request.url.starts_with("http://radio.example:8080/streams/"));
 }
 
-namespace {
-
 std::optional<std::string> text(std::string_view identifier, const std::string& bytes) {
   return VLBeats1InfoLoader::trackInfoTextForKey_fromData(identifier, Data::fromText(bytes));
 }
@@ -221,8 +231,6 @@ VLBeats1InfoLoader::BytesRange range(const std::string& bytes) {
 std::optional<std::string> artwork(const std::string& bytes) {
   return VLBeats1InfoLoader::trackInfoArtworkWebAddressFromData(Data::fromText(bytes));
 }
-
-}  // namespace
 
 TEST(SegmentTags, SizesArePlainNumbersOfFourBytesAndWhatTheBytesDoNotHoldIsNotFound) {
   const auto bytes = "..TIT2\0\0\1\5\0\0"s + std::string(260, 'x');
@@ -296,3 +304,5 @@ TEST_F(URLConnection, ABodyCountsWhateverTheStatusAndEverythingElseIsNone) {
   platform_.http = nullptr;
   EXPECT_EQ(virelune::vl_sendSynchronousRequest(request), std::nullopt);
 }
+
+}  // namespace

@@ -10,13 +10,9 @@ class Listener : public platform::NSObject {
  public:
   bool clicked(platform::NSObject*) { return note(); }
   bool fired(platform::NSTimer*) { return note(); }
-  bool heard(const platform::NSNotification* notification) {
-    names.push_back(notification->name());
-    return note();
-  }
+  bool heard(const platform::NSNotification*) { return note(); }
 
   int count = 0;
-  std::vector<std::string> names;  ///< of the notifications
   std::function<void()> onCall;
 
  private:

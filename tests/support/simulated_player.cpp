@@ -39,6 +39,18 @@ std::string text(const ScriptingRequest& request) {
 
 }  // namespace
 
+std::string SimulatedPlayer::asked() const {
+  std::string all;
+  for (std::string entry : log_) {
+    for (const std::string usual : {"get ", "pTrk."}) {
+      const auto at = entry.find(usual);
+      if (at != std::string::npos) entry.erase(at, usual.size());
+    }
+    all += (all.empty() ? "" : " ") + entry;
+  }
+  return all;
+}
+
 std::optional<platform::ScriptingReply> SimulatedPlayer::send(const ScriptingRequest& request) {
   if (request.bundleIdentifier != platform::player::bundleIdentifier) return std::nullopt;
   log_.push_back(text(request));

@@ -20,6 +20,8 @@ class SimulatedPlayer final : public demo::DemoPlayer {
   /// "get pTrk.cArt[0].pRaw", "count pTrk.cArt", "resolve pTrk", "set pPos 12.5",
   /// "command hook/Next", "command pTrk hook/Revl".
   const std::vector<std::string>& log() const { return log_; }
+  /// The same in short: "pnam" for getting the current track's name.
+  std::string asked() const;
   std::size_t requestCount() const { return log_.size(); }
   void clearLog() { log_.clear(); }
 

@@ -88,8 +88,7 @@ class RecordingCanvas final : public platform::Canvas {
 std::string portrait(platform::NSView& view);
 
 /// Every character is half as wide as the font's size; a line is 1.25 times as high as it.
-class TestGraphics final : public platform::Graphics {
- public:
+struct TestGraphics final : platform::Graphics {
   std::shared_ptr<platform::NSImage> decode(const platform::Data& data) override;
   std::shared_ptr<platform::NSImage> imageAtPath(const std::string& path) override;
   /// "PNG of <name>" or "JPEG of <name> at <quality>".

@@ -19,8 +19,7 @@ const char* bundlePath();
 /// Installs the platform on a manual clock, the simulated player (not running at first), a
 /// scripted workspace and network, and graphics without pixels. The bundle is the real one, in
 /// English.
-class WidgetFixture : public testing::Test {
- protected:
+struct WidgetFixture : testing::Test {
   WidgetFixture();
   ~WidgetFixture() override;
 

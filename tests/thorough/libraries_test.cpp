@@ -10,8 +10,7 @@ namespace {
 
 using State = desktop::LibraryNote::State;
 
-class RealLibrary : public BridgeFixture {
- protected:
+struct RealLibrary : BridgeFixture {
   RealLibrary() {
     for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
       environment_[name] = folder.path().c_str();
@@ -41,8 +40,7 @@ class RealLibrary : public BridgeFixture {
   Environment environment_ = bus.environment();
 };
 
-class Mpd : public RealLibrary {
- protected:
+struct Mpd : RealLibrary {
   Mpd() {
     platform::current().globalQueue = &workers_;
     qputenv("MPD_HOST", socket_.toUtf8());
@@ -92,8 +90,7 @@ TEST_F(Mpd, KeepsNoneWithoutAStickerFile) {
   EXPECT_TRUE(isNoted("mpd", State::none));
 }
 
-class QuodLibet : public RealLibrary {
- protected:
+struct QuodLibet : RealLibrary {
   QuodLibet() { environment_.merge(display_.environment()); }
 
  private:

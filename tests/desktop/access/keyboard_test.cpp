@@ -15,8 +15,7 @@ namespace {
 using platform::NSMakeRect;
 
 /// A widget with a button, stars and a bar, which note what is done with them.
-class OperatedWidget : public platform::NSViewController {
- public:
+struct OperatedWidget : platform::NSViewController {
   bool init() override {
     setView(platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64)));
     button = platform::make<platform::NSButton>(NSMakeRect(250, 40, 20, 16));
@@ -27,19 +26,16 @@ class OperatedWidget : public platform::NSViewController {
     bar = platform::make<virelune::VLProgressIndicator>(NSMakeRect(0, -7, 320, 14));
     bar->setMaxValue(100);
     bar->setNowValue(50);
-    for (const auto& [view, label] :
-         {std::pair<platform::NSView*, const char*>(&*stars, "Stars"), {&*bar, "Bar"}}) {
-      view->setAccessibilityLabel(label);
-    }
+    stars->setAccessibilityLabel("Stars");
+    bar->setAccessibilityLabel("Bar");
     stars->setTarget(shared_from_this());
     stars->setAction(&OperatedWidget::rated);
     bar->setTarget(shared_from_this());
     bar->setAction(&OperatedWidget::sought);
     // In another order than they are read in.
-    for (const std::shared_ptr<platform::NSView>& child :
-         {std::shared_ptr<platform::NSView>(bar), {stars}, {button}}) {
-      view()->addSubview(child);
-    }
+    view()->addSubview(bar);
+    view()->addSubview(stars);
+    view()->addSubview(button);
     setPreferredContentSize({320, 64});
     return true;
   }
@@ -63,8 +59,7 @@ class OperatedWidget : public platform::NSViewController {
   std::string done;
 };
 
-class SilentPlayer final : public desktop::PlayerControls {
- public:
+struct SilentPlayer final : desktop::PlayerControls {
   std::optional<desktop::PlayerReport> report() override {
     return desktop::PlayerReport{.volume = 0.5};
   }
@@ -74,8 +69,7 @@ class SilentPlayer final : public desktop::PlayerControls {
   bool setVolume(double) override { return true; }
 };
 
-class KeyboardTest : public testing::Test {
- protected:
+struct KeyboardTest : testing::Test {
   KeyboardTest() {
     platform_.graphics = &graphics_;
     for (const char* name : {"play-pause", "rate", "rate-album", "volume", "seek"}) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace {
 
 TEST(ActionValues, ReadStarsAsPeopleWriteThemAndNothingElse) {

@@ -33,8 +33,7 @@ class Source final : public platform::NSDraggingSource,
   int files = 0;
 };
 
-class Drag : public testing::Test {
- protected:
+struct Drag : testing::Test {
   Drag() { setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1); }
   ~Drag() override { unsetenv("XDG_RUNTIME_DIR"); }
 

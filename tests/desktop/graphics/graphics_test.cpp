@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <QtCore/QBuffer>
-#include <QtGui/QGuiApplication>
 #include <limits>
 
 #include "desktop/graphics/text_block.h"
@@ -11,15 +10,7 @@
 
 namespace {
 
-using platform::Appearance;
-using platform::Canvas;
-using platform::Data;
-using platform::NSAttributedString;
-using platform::NSColor;
-using platform::NSFont;
-using platform::NSMakeRect;
-using platform::NSSize;
-using platform::NSTextAlignment;
+using namespace platform;
 using tests::drawn;
 using tests::ink;
 

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QtDBus/QDBusObjectPath>
-#include <QtDBus/QDBusVariant>
 #include <limits>
 
 namespace desktop {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <future>
-#include <memory>
 
 namespace desktop {
 namespace {

@@ -14,8 +14,7 @@ using std::chrono::days;
 const TrackIdentity song{.title = "song"}, other{.title = "other"};
 const Day first = std::chrono::year(2026) / 1 / 5;  // a Monday
 
-class RatingsBackups : public RatingsFixture {
- protected:
+struct RatingsBackups : RatingsFixture {
   /// A click, then the day's check.
   bool clickOn(Day day, int rating) {
     EXPECT_TRUE(store.setTrackRating(song, rating));

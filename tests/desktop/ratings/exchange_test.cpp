@@ -39,8 +39,7 @@ int rename(const char* from, const char* to) noexcept {
 namespace desktop {
 namespace {
 
-class RatingsExchange : public RatingsFixture {
- protected:
+struct RatingsExchange : RatingsFixture {
   Result<std::string> import(RatingsStore& into, const std::string& text) const {
     return importRatings(into, put(list, text));
   }

@@ -5,14 +5,13 @@
 namespace desktop {
 namespace {
 
-using Fault = tests::FaultyDisk::Fault;
+using tests::faulty::Fault;
 
 constexpr int confirmed = 200;
 
 TrackIdentity track(int number) { return {.title = std::to_string(number)}; }
 
-class RatingsFaults : public RatingsFixture {
- protected:
+struct RatingsFaults : RatingsFixture {
   /// A store with the confirmed entries, made once.
   void makeStore() {
     fs::remove_all(file.parent_path());
@@ -61,7 +60,7 @@ class RatingsFaults : public RatingsFixture {
     EXPECT_TRUE(!isDone || rating(clicked) == 60);
   };
 
-  tests::FaultyDisk disk;
+  tests::faulty::Disk disk;
   std::string sound;
   const TrackIdentity clicked{.title = "clicked"};
 };

@@ -8,8 +8,7 @@
 namespace desktop {
 namespace {
 
-class RatingsMovedFiles : public RatingsFixture {
- protected:
+struct RatingsMovedFiles : RatingsFixture {
   RatingsMovedFiles() {
     platform_.runLoop = &clock.runLoop();
     platform_.globalQueue = &workers;

@@ -15,8 +15,7 @@ namespace desktop {
 namespace fs = std::filesystem;
 using tests::contents;
 
-class RatingsFixture : public testing::Test {
- protected:
+struct RatingsFixture : testing::Test {
   static fs::path put(const fs::path& path, const std::string& bytes) {
     fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << bytes;

@@ -31,8 +31,7 @@ Rescued rescued(const std::string& bytes) {
   return result;
 }
 
-class RatingsRescue : public RatingsFixture {
- protected:
+struct RatingsRescue : RatingsFixture {
   /// The bytes of a store with so many entries.
   std::string store(int entries, std::size_t nameLength, const char* pageSize = "4096") {
     fs::remove(file);

@@ -11,16 +11,7 @@ namespace {
 const TrackIdentity song{
     .address = "/music/a.flac", .artist = "A", .album = "B", .title = "C", .length = 215};
 
-std::unique_ptr<EntryCollection> collected(const std::vector<RatingsRecord>& records) {
-  auto collection = std::make_unique<EntryCollection>();
-  MergeCounts counts;
-  EXPECT_EQ(collection->makeEmpty(), SQLITE_OK);
-  for (const RatingsRecord& each : records) collection->add(each, counts);
-  return collection;
-}
-
-class RatingsStoreTest : public RatingsFixture {
- protected:
+struct RatingsStoreTest : RatingsFixture {
   std::vector<fs::path> damagedFiles() const {
     std::vector<fs::path> found;
     for (const auto& entry : fs::directory_iterator(file.parent_path())) {
@@ -72,34 +63,36 @@ TEST_F(RatingsStoreTest, AClickIsOnTheDiskWithItsDateAlsoWhenItSetsTheSame) {
 TEST_F(RatingsStoreTest, AnImportThatFailsInTheMiddleChangesNothing) {
   rate(song, 60);
   inStore(
-      "CREATE TRIGGER refuse BEFORE INSERT ON marks WHEN new.rating = 13"
-      " BEGIN SELECT RAISE(FAIL, 'unlucky'); END");
-  EXPECT_FALSE(RatingsStore(file, messages)
-                   .merge(*collected({{.identity = {.title = "1"}, .marks = {.rating = 20}},
-                                      {.identity = {.title = "2"}, .marks = {.rating = 13}}})));
+      "CREATE TRIGGER refuse BEFORE INSERT ON marks"
+      " WHEN (SELECT count(*) FROM marks) > 1 BEGIN SELECT RAISE(FAIL, 'unlucky'); END");
+  RatingsStore store(file, messages);
+  EXPECT_FALSE(importRatings(store, listOf(1, 3)));
   EXPECT_EQ(rating({.title = "1"}), -1);
   EXPECT_EQ(rating(song), 60);
 }
 
 TEST_F(RatingsStoreTest, AWriteWhoseFileIsTakenAwayEachTimeIsNotConfirmed) {
-  const auto offered = collected({{.identity = song, .marks = {.rating = 60}},
-                                  {.identity = {.title = "other"}, .marks = {.rating = 20}}});
+  EntryCollection offered;
+  MergeCounts counts;
+  ASSERT_EQ(offered.makeEmpty(), SQLITE_OK);
+  offered.add({.identity = song, .marks = {.rating = 60}}, counts);
+  offered.add({.identity = {.title = "other"}, .marks = {.rating = 20}}, counts);
   int rows = 0;
   std::function<void()> move = [&] {
     // After the first row is written the database does not look again.
     std::error_code error;
     if (++rows % 2 == 0) fs::rename(file, folder.path() / std::to_string(rows), error);
   };
-  sqlite3* const reading = offered->database.handle();
+  sqlite3* const reading = offered.database.handle();
   const auto call = [](unsigned, void* context, void*, void*) {
     return (*static_cast<std::function<void()>*>(context))(), 0;
   };
   sqlite3_trace_v2(reading, SQLITE_TRACE_ROW, call, &move);
   RatingsStore store(file, messages);
-  EXPECT_FALSE(store.merge(*offered));
+  EXPECT_FALSE(store.merge(offered));
   EXPECT_EQ(rows, 6);
   sqlite3_trace_v2(reading, 0, nullptr, nullptr);
-  EXPECT_TRUE(store.merge(*offered));
+  EXPECT_TRUE(store.merge(offered));
   EXPECT_EQ(rating(song), 60);
 }
 

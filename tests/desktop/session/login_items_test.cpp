@@ -15,8 +15,7 @@ namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
 
 /// Login items through the widget's own operations.
-class LoginItemsTest : public testing::Test {
- protected:
+struct LoginItemsTest : testing::Test {
   LoginItemsTest() {
     platform.scripting = &transport;
     platform.mainBundle = &bundle;

@@ -6,8 +6,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
-#include <QtGui/QImage>
-#include <thread>
 
 #include "platform/application/player_dictionary.h"
 #include "tests/support/temporary_folder.h"

@@ -3,10 +3,7 @@
 #include <gtest/gtest.h>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEventLoop>
-#include <QtCore/QTimer>
 #include <QtGui/QMouseEvent>
-#include <filesystem>
-#include <vector>
 
 #include "desktop/window/card_menu.h"
 #include "desktop/window/card_style.h"
@@ -17,14 +14,10 @@
 
 namespace {
 
-using platform::NSEventType;
-using platform::NSMakeRect;
-using platform::NSPoint;
-using platform::NSRect;
+using namespace platform;
 
 /// Notes how often it is drawn, and its mouse events.
-class NotingView : public platform::NSView {
- public:
+struct NotingView : platform::NSView {
   using NSView::NSView;
   void drawRect(NSRect) override { ++drawings; }
   void mouseDown(const platform::NSEvent* event) override { events.push_back(*event); }
@@ -67,8 +60,7 @@ class FakeWidget : public platform::NSViewController, public platform::NCWidgetP
   std::vector<bool> editing;
 };
 
-class CardTest : public testing::Test {
- protected:
+struct CardTest : testing::Test {
   CardTest() { platform_.graphics = &graphics_; }
 
   void click(NSPoint point) {
@@ -107,8 +99,7 @@ TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
   EXPECT_TRUE(desktop::Card(fixed, "Name").header().isHandle(editControl_));
 }
 
-class CardWindowTest : public CardTest {
- protected:
+struct CardWindowTest : CardTest {
   CardWindowTest() {
     window_.setPaintObserver([this](const QRegion& region) {
       painted_ += region;
@@ -218,8 +209,7 @@ TEST(CardArea, IsRoundedOutwardsToWholePixelsAtEveryScale) {
   EXPECT_EQ(desktop::areaOfWholePixels({-0.5, 0, 1, 1}, 1.5), QRect(-2, 0, 4, 2));
 }
 
-class CardMenuTest : public CardTest {
- protected:
+struct CardMenuTest : CardTest {
   static void send(QWindow& window, QEvent::Type type, QPointF place, Qt::MouseButton button) {
     QMouseEvent event(type, place, window.mapToGlobal(place), button, Qt::NoButton, {});
     QCoreApplication::sendEvent(&window, &event);

@@ -16,8 +16,7 @@ constexpr ScriptingStep track{code("pTrk"), {}}, name{code("pnam"), {}}, rating{
 
 ScriptingStep artwork(std::int64_t index) { return {code("cArt"), index}; }
 
-class PlayerInterpreter : public tests::WidgetFixture {
- protected:
+struct PlayerInterpreter : tests::WidgetFixture {
   Reply get(const ScriptingPath& path) {
     return interpret({"COM.apple.itunes", Kind::get, path}, player);
   }

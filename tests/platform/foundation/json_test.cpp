@@ -5,7 +5,6 @@
 #include "platform/foundation/date_formatter.h"
 
 using namespace std::string_literals;
-using platform::Dictionary;
 using platform::Value;
 
 namespace {

@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 using namespace std::string_literals;
-using platform::Array;
-using platform::Dictionary;
-using platform::Value;
+using namespace platform;
 
 namespace {
 

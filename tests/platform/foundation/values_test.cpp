@@ -8,6 +8,13 @@ namespace tests {
 namespace {
 
 using platform::URL;
+using namespace std::string_literals;
+
+std::string repeated(const std::string& text, std::size_t count) {
+  std::string all;
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
 
 TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
   EXPECT_TRUE(platform::caseInsensitiveEqual("BEATS 1", "beats 1"));
@@ -25,6 +32,66 @@ TEST(Texts, DisplayableTextIsWholeCharactersWithoutControls) {
   EXPECT_EQ(platform::displayableText("\xC3(", 100), "\xEF\xBF\xBD(");
   EXPECT_EQ(platform::displayableText(std::string(1'000'000, 'x'), 4000).size(), 4000U);
   EXPECT_EQ(platform::repairedUTF8("ok\xE2\x82"), "ok\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(Texts, BeginningIsCutBetweenCharactersAsAReaderSeesThem) {
+  const std::string acute = "\u0301";
+  const std::string family = "👩‍👧";  // two people and what joins them, of 4, 3 and 4 bytes
+  const std::string denmark = "🇩🇰";
+  struct Case {
+    std::string text;
+    std::size_t bound;
+    std::string beginning;
+  };
+  for (const Case& c : {Case{"abc", 3, "abc"},
+                        {"abcd", 3, "abc"},
+                        {"abc", 0, ""},
+                        {"", 0, ""},
+                        {"日本語", 8, "日本"},
+                        {"abe" + acute, 5, "abe" + acute},
+                        {"abe" + acute, 4, "ab"},
+                        {"abe" + acute + acute, 6, "ab"},
+                        {"abe" + acute + "x", 5, "abe" + acute},
+                        {"a" + family, 12, "a" + family},
+                        {"a" + family, 11, "a"},
+                        {"a" + family, 8, "a"},
+                        {denmark + denmark, 12, denmark},
+                        {"a\r\nb", 2, "a"},
+                        {"ab\xFF\xFE"s, 3, "ab\xFF"s},
+                        {"a\xE2\x82"s, 2, "a\xE2"s},
+                        {"\xFF"s + acute + "x", 2, "\xFF"s},
+                        // One character that is too long by itself.
+                        {family + "x", 10, "👩‍"},
+                        {"e" + repeated(acute, 5000), 4096, "e" + repeated(acute, 2047)}}) {
+    EXPECT_EQ(platform::beginningOfText(c.text, c.bound), c.beginning)
+        << c.text.substr(0, 20) << c.bound;
+  }
+}
+
+TEST(Texts, MarksComeInOneOrderHoweverManyThereAre) {
+  const std::string above = "\u0301";
+  const std::string below = "\u0323";
+  const std::string ring = "\u030A";
+  EXPECT_TRUE(platform::caseInsensitiveEqual("\u1E69", "S\u0307" + below));
+  EXPECT_TRUE(platform::caseInsensitiveEqual("a" + above + below, "A" + below + above));
+  EXPECT_FALSE(platform::caseInsensitiveEqual("a" + above + ring, "a" + ring + above))
+      << "of one class";
+  EXPECT_TRUE(platform::caseInsensitiveEqual("a" + below + "b" + above, "A" + below + "B" + above));
+  EXPECT_FALSE(platform::caseInsensitiveEqual("a" + below + "b", "ab" + below));
+  // Worked on mark by mark against all marks before, these would not come to an end today.
+  constexpr std::size_t many = 50'000;
+  EXPECT_TRUE(platform::caseInsensitiveEqual("A" + repeated(above + below, many),
+                                             "a" + repeated(below, many) + repeated(above, many)));
+}
+
+TEST(Texts, ComparisonLeavesAloneWhatIsTooLongToBeEqual) {
+  // No character becomes more than three times longer or shorter.
+  EXPECT_TRUE(platform::caseInsensitiveEqual("\u0390", "\u03B9\u0308\u0301"));
+  EXPECT_TRUE(platform::caseInsensitiveEqual("k", "\u212A"));
+  // Read to its end each time, this would not come to an end today.
+  const std::string endless(50'000'000, 'x');  // NOLINT: long on purpose
+  for (int i = 0; i < 100'000; ++i)
+    ASSERT_FALSE(platform::caseInsensitiveEqual(endless, "Beats 1"));
 }
 
 TEST(Addresses, AreTakenOnlyWhenWellFormed) {
@@ -73,7 +140,7 @@ TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
   for (const auto& [before, after] : table) EXPECT_EQ(afterAppendingItem(before), after) << before;
 }
 
-TEST(Text, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
+TEST(Texts, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
   EXPECT_TRUE(platform::caseInsensitiveContains("STRASSE 7", "straße"));
   EXPECT_TRUE(platform::caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
   EXPECT_FALSE(platform::caseInsensitiveContains("cafe\u0301", "cafe"));
@@ -83,8 +150,7 @@ TEST(Text, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
   EXPECT_FALSE(platform::caseInsensitiveContains("bar", ""));
 }
 
-class Bundles : public WidgetFixture {
- protected:
+struct Bundles : WidgetFixture {
   std::string text(std::vector<std::string> languages, const std::string& key) {
     const auto other = platform::NSBundle::bundleWithPath(bundlePath(), std::move(languages));
     return other->localizedStringForKey_table(key, std::nullopt);

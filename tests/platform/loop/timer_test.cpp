@@ -8,17 +8,14 @@ namespace {
 
 using platform::NSTimer;
 
-class Timers : public WidgetFixture {
- protected:
-  std::shared_ptr<Listener> first = platform::make<Listener>();
-  std::shared_ptr<Listener> second = platform::make<Listener>();
-};
+using Timers = WidgetFixture;
 
 TEST_F(Timers, AnyFiresOnceAtItsTimeUnlessInvalidatedOrItsTargetIsGone) {
   const auto timer = [](const auto& target) {
     return NSTimer::timerWithTimeInterval(1, target.get(), &Listener::fired);
   };
   auto& loop = clock.runLoop();
+  auto first = platform::make<Listener>(), second = platform::make<Listener>();
   const auto fires = timer(first);
   const auto sameMoment = timer(first);
   loop.addTimer(fires);

@@ -7,11 +7,7 @@
 namespace tests {
 namespace {
 
-using platform::NSEvent;
-using platform::NSEventType;
-using platform::NSMakeRect;
-using platform::NSRect;
-using platform::NSView;
+using namespace platform;
 using testing::ElementsAre;
 
 /// Writes down its mouse events.
@@ -30,8 +26,7 @@ class Filled : public NSView {
   void note(char event) { events += event + std::to_string(NSEvent::pressedMouseButtons()); }
 };
 
-class Views : public WidgetFixture {
- protected:
+struct Views : WidgetFixture {
   Views() { window->setContentView(root); }
   template <class View>
   std::shared_ptr<View> add(NSRect frame) {
