@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace desktop {
 
@@ -10,6 +11,9 @@ std::filesystem::path programFile();
 
 /// Where the program's resources lie.
 std::filesystem::path resourceFolder();
+
+/// Where a file of the program's own modules lies.
+std::filesystem::path moduleFile(const std::string& name);
 
 /// A function that a module exports, to be cast to what it is; null, after a line on the standard
 /// error, when the module cannot be loaded. A module stays loaded. Any thread.

@@ -17,6 +17,7 @@ const auto playerKey = QStringLiteral("Player/Followed");
 const auto lastPlayerKey = QStringLiteral("Player/Last");
 const auto onTopKey = QStringLiteral("Card/OnTop");
 const auto hidesWhenIdleKey = QStringLiteral("Card/HideWhenIdle");
+const auto statusIconKey = QStringLiteral("Card/StatusIcon");
 const auto writesLibrariesKey = QStringLiteral("Ratings/WriteLibraries");
 const auto scaleKey = QStringLiteral("Card/Scale");
 const auto lastPlaceKey = QStringLiteral("Place/Last");
@@ -121,6 +122,9 @@ void Settings::setOnTop(bool onTop) { setTrue(onTopKey, onTop); }
 
 bool Settings::hidesWhenIdle() const { return isTrue(hidesWhenIdleKey, false); }
 void Settings::setHidesWhenIdle(bool hides) { setTrue(hidesWhenIdleKey, hides); }
+
+bool Settings::showsStatusIcon() const { return isTrue(statusIconKey, false); }
+void Settings::setShowsStatusIcon(bool shows) { setTrue(statusIconKey, shows); }
 
 bool Settings::writesLibraries() const { return isTrue(writesLibrariesKey, true); }
 void Settings::setWritesLibraries(bool writes) { setTrue(writesLibrariesKey, writes); }

@@ -40,6 +40,8 @@ class Settings {
   void setScale(double scale);
   bool hidesWhenIdle() const;  ///< the card hides while nothing plays
   void setHidesWhenIdle(bool hides);
+  bool showsStatusIcon() const;  ///< in the desktop's status area
+  void setShowsStatusIcon(bool shows);
   bool writesLibraries() const;  ///< ratings go into players' libraries; true unless set otherwise
   void setWritesLibraries(bool writes);
 

@@ -141,7 +141,7 @@ void addCardActions(Actions& actions, const CardParts& parts) {
       "hide-when-idle", "0003.0011", [parts] { return parts.settings.hidesWhenIdle(); },
       [parts](bool hides) {
         parts.settings.setHidesWhenIdle(hides);
-        parts.updateHiding();
+        parts.showing.update();
         return true;
       }));
   actions.add(toggle("launch-at-login", "0003.0001", parts.widget.isLaunchingAtLogin,
@@ -168,9 +168,24 @@ void addCardActions(Actions& actions, const CardParts& parts) {
         parts.card.setEditing(editing);
         return true;
       }));
+  actions.add(toggle(
+      "status-icon", "0003.0018", [parts] { return parts.tray.isWanted(); },
+      [parts](bool shows) {
+        parts.settings.setShowsStatusIcon(shows);
+        parts.tray.setWanted(shows);
+        return true;
+      },
+      [parts] { return parts.tray.hasStatusArea(); }));
+  actions.add(toggle(
+      "show", "0003.0020", [parts] { return parts.showing.isShown(); },
+      [parts](bool shows) {
+        parts.showing.setHiddenByHand(!shows);
+        return parts.showing.isShown() == shows;
+      }));
   actions.add(plain("menu", "0003.0019", [parts] { parts.surface.openMenu(); }));
   actions.add(plain("keys", "0003.0017", parts.showKeys));
   actions.add(plain("close", "0003.0003", [parts] { parts.surface.close(); }));
+  actions.add(plain("quit", "0003.0021", [] { QCoreApplication::quit(); }));
 }
 
 namespace {
@@ -195,10 +210,13 @@ class MenuBuilder {
       // What this desktop never lets a program do is not shown.
       if (actions_.find(name)->isPossible()) items.push_back(item(name));
     }
+    items.push_back(item("status-icon"));
+    if (!items.back().isEnabled) items.back().title = localizedString("0003.0022");
     items.push_back(item("keys"));
     items.back().beginsGroup = true;
     items.push_back(item("about"));
     items.push_back(item("close"));
+    if (parts_.tray.isShown()) items.push_back(item("quit"));
     return items;
   }
 

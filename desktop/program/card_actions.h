@@ -7,7 +7,9 @@
 
 #include "desktop/actions/action.h"
 #include "desktop/files/settings.h"
+#include "desktop/program/card_showing.h"
 #include "desktop/program/player_source.h"
+#include "desktop/program/tray_program.h"
 #include "desktop/session/file_chooser.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/card_surface.h"
@@ -25,12 +27,14 @@ struct CardParts {
   FileChooser& files;
   std::function<void()> restart;  ///< begins the program anew, as a new size asks for
   std::function<void()> showKeys;
-  std::function<void()> updateHiding;  ///< hides the card or brings it back, as is set up
+  CardShowing& showing;
+  TrayProgram& tray;
 };
 
 /// Adds them: "follow" (a player's name, "any", "demo"), "size" (per cent), "love-rule" ("off" or a
 /// number of stars), and without argument "about", "hide-when-idle", "launch-at-login", "on-top",
-/// "write-library", "export-ratings", "import-ratings", "menu", "keys" and "close".
+/// "write-library", "export-ratings", "import-ratings", "status-icon", "show", "menu", "keys",
+/// "close" and "quit".
 void addCardActions(Actions& actions, const CardParts& parts);
 
 /// The context menu, as things are now.

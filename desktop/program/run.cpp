@@ -18,19 +18,19 @@
 #include "desktop/files/module.h"
 #include "desktop/files/settings.h"
 #include "desktop/graphics/qt_image.h"
-#include "desktop/player/changes.h"
 #include "desktop/program/card_actions.h"
+#include "desktop/program/card_showing.h"
 #include "desktop/program/composition.h"
 #include "desktop/program/daily_backup.h"
 #include "desktop/program/ending.h"
 #include "desktop/program/hand_on.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
+#include "desktop/program/tray_program.h"
 #include "desktop/remote/service.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/localized.h"
 #include "desktop/window/tool_tip.h"
-#include "platform/application/player_dictionary.h"
 
 namespace desktop {
 
@@ -73,37 +73,6 @@ void setWindowIcon() {
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
 }
 
-/// Hides the card while nothing plays, where the user wants it so, and brings it back.
-class IdleHiding {
- public:
-  IdleHiding(CardSurface& window, const Settings& settings, PlayerControls& player)
-      : window_(window),
-        settings_(settings),
-        player_(player),
-        changes_(PlayerChanges::observe([this] { update(); })) {}
-
-  void update() {
-    const auto report = player_.report();
-    const bool isIdle = !report || report->state == platform::player::stateStopped ||
-                        report->state == platform::FourCharCode{};
-    const bool hides = isIdle && settings_.hidesWhenIdle();
-    if (hides == isHidden_) return;
-    isHidden_ = hides;
-    if (hides) {
-      window_.hide();
-    } else {
-      window_.open();
-    }
-  }
-
- private:
-  CardSurface& window_;
-  const Settings& settings_;
-  PlayerControls& player_;
-  bool isHidden_ = false;
-  const std::shared_ptr<PlayerChanges> changes_;
-};
-
 int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
                Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
   PlayerSource& player = composition.player();
@@ -116,11 +85,16 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
                       .onTop = onTop,
                       .settings = &settings,
                       .cardNumber = instance.number()});
-  IdleHiding hiding(window, settings, player);
+  CardShowing showing(window, settings, player);
   Actions actions;
   bool restarts = false;
   std::optional<CardMenu> menu;
   FileChooser files(QDBusConnection::sessionBus());
+  TrayProgram tray(QDBusConnection::sessionBus(), [&showing] { showing.setHiddenByHand(false); });
+  window.setCloseHandler([&] {
+    if (tray.isShown()) showing.setHiddenByHand(true);
+    return tray.isShown();
+  });
   const CardParts parts{
       .surface = window,
       .card = *composition.card(),
@@ -134,7 +108,8 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
             QGuiApplication::quit();
           },
       .showKeys = [&] { menu->open(window.geometry().center(), keyItems(actions)); },
-      .updateHiding = [&] { hiding.update(); }};
+      .showing = showing,
+      .tray = tray};
   addPlayerActions(actions, player, widget);
   addCardActions(actions, parts);
   ToolTip toolTip(window, composition.graphics());
@@ -154,6 +129,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
       player.followPlayer(*request.player);
     }
     if (request.onTop) window.setOnTop(true);
+    showing.setHiddenByHand(false);
     window.bringToFront(request.activationToken);
   });
   QObject::connect(&player, &PlayerSource::playerHeard, &window, [&settings, &player] {
@@ -169,7 +145,8 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   const DailyBackup backup(RatingsStore::defaultFile());
   display.setLastAct([&window] { window.rememberPlace(); });
   window.open();
-  hiding.update();
+  showing.update();
+  tray.setWanted(settings.showsStatusIcon());
   const int status = QGuiApplication::exec();
   instance.setHandler(nullptr);
   return restarts ? restartStatus : status;

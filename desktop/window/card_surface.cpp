@@ -60,6 +60,7 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
   card_.header().setCloseHandler([this] { close(); });
   colorScheme_.setChangeHandler([this] { update(); });
   connect(this, &QWindow::windowStateChanged, this, [this] { updateVisibility(); });
+  qGuiApp->installEventFilter(this);
   fitCard();
 }
 
@@ -108,6 +109,11 @@ void CardSurface::fitCard() {
   updateCompositing();
 }
 
+bool CardSurface::eventFilter(QObject* object, QEvent* event) {
+  if (event->type() == QEvent::Quit) isQuitting_ = true;
+  return QRasterWindow::eventFilter(object, event);
+}
+
 void CardSurface::updateCompositing() {
   const bool isComposited = isScreenComposited();
   card_.setTranslucent(isComposited);
@@ -131,7 +137,9 @@ bool CardSurface::event(QEvent* event) {
       break;
     case QEvent::Close:
       placement_.save();
-      break;
+      if (isQuitting_ || !closeHandler_ || !closeHandler_()) break;
+      event->ignore();
+      return true;
     default:
       break;
   }

@@ -41,6 +41,8 @@ class CardSurface final : public QRasterWindow {
   void bringToFront(const std::string& activationToken);
   platform::Appearance appearance() const { return colorScheme_.appearance(); }
 
+  /// Asked when the user closes the card: true when that has hidden it, and the program goes on.
+  void setCloseHandler(std::function<bool()> handler) { closeHandler_ = std::move(handler); }
   /// Called with the place on the screen where the user asks for the context menu.
   void setMenuHandler(std::function<void(QPoint)> handler) { menuHandler_ = std::move(handler); }
   /// Asks for the context menu as the keyboard does, in the middle of the card.
@@ -75,6 +77,7 @@ class CardSurface final : public QRasterWindow {
 
  protected:
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
   void exposeEvent(QExposeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
@@ -100,6 +103,8 @@ class CardSurface final : public QRasterWindow {
   std::optional<QPointF> grip_;  // where in the window the user took hold of it
   Settings* const settings_;
   Placement placement_;
+  std::function<bool()> closeHandler_;
+  bool isQuitting_ = false;  ///< the program, which closes its windows
   std::function<void(QPoint)> menuHandler_;
   std::function<bool(const QKeyEvent&)> keyHandler_;
   std::function<void(const QWheelEvent&)> wheelHandler_;
