@@ -23,3 +23,5 @@ void MarksSignal::send(const QDBusConnection& bus) {
 }
 
 }  // namespace desktop
+
+#include "moc_marks_signal.cpp"

@@ -428,3 +428,5 @@ void PlayerMirror::receivedSeeked() {
 }
 
 }  // namespace desktop
+
+#include "moc_mirror.cpp"

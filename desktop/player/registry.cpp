@@ -147,3 +147,5 @@ void PlayerRegistry::seeked(const QDBusMessage& message) {
 }
 
 }  // namespace desktop
+
+#include "moc_registry.cpp"

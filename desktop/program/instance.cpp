@@ -33,3 +33,5 @@ void Instance::Show(const QVariantMap& request) {
 }
 
 }  // namespace desktop
+
+#include "moc_instance.cpp"

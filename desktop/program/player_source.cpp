@@ -206,3 +206,5 @@ void PlayerSource::launchApplication(const std::string& bundleIdentifier) {
 void PlayerSource::openURL(const platform::URL& url) { desktop_.openURL(url); }
 
 }  // namespace desktop
+
+#include "moc_player_source.cpp"

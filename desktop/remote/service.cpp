@@ -175,3 +175,5 @@ void Service::SetMarks(const QVariantMap& track, const QVariantMap& marks,
 }
 
 }  // namespace desktop
+
+#include "moc_service.cpp"

@@ -64,3 +64,5 @@ void FileChooser::responded(uint response, const QVariantMap& results) {
 }
 
 }  // namespace desktop
+
+#include "moc_file_chooser.cpp"

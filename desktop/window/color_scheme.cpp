@@ -84,3 +84,5 @@ void ColorScheme::report() {
 }
 
 }  // namespace desktop
+
+#include "moc_color_scheme.cpp"
