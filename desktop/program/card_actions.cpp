@@ -1,5 +1,6 @@
 #include "desktop/program/card_actions.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QProcess>
 #include <algorithm>
 #include <array>
