@@ -80,22 +80,19 @@ TEST(PlayerSnapshot, OnlyFiniteNumbersAreNumbers) {
 }
 
 TEST(PlayerSnapshot, ATrackWithoutATitleGoesByItsFileAndAStreamIsElsewhereWithoutALength) {
-  struct Case {
-    const char* address;
-    qlonglong length;
-    const char* title;
-    bool isStream;
-  };
-  for (const Case& c : {Case{"file:///music/A%20%C3%BC.flac", 0, "A ü.flac", false},
-                        Case{"/music/plain name.flac", 0, "plain name.flac", false},
-                        Case{"http://radio.example/", 0, "radio.example", true},
-                        Case{"rtsp://radio.example/live", -1, "live", true},
-                        Case{"https://radio.example/song", 1, "song", false},
-                        Case{"file://host/song", 0, "song", false}, Case{"", 0, "", false}}) {
+  for (const auto& [address, length, title, isStream] :
+       std::vector<std::tuple<const char*, qlonglong, const char*, bool>>{
+           {"file:///music/A%20%C3%BC.flac", 0, "A ü.flac", false},
+           {"/music/plain name.flac", 0, "plain name.flac", false},
+           {"http://radio.example/", 0, "radio.example", true},
+           {"rtsp://radio.example/live", -1, "live", true},
+           {"https://radio.example/song", 1, "song", false},
+           {"file://host/song", 0, "song", false},
+           {"", 0, "", false}}) {
     const auto snapshot =
-        withMetadata({{"xesam:url", QString::fromUtf8(c.address)}, {"mpris:length", c.length}});
-    EXPECT_EQ(snapshot.title, c.title) << c.address;
-    EXPECT_EQ(snapshot.isStream(), c.isStream) << c.address;
+        withMetadata({{"xesam:url", QString::fromUtf8(address)}, {"mpris:length", length}});
+    EXPECT_EQ(snapshot.title, title) << address;
+    EXPECT_EQ(snapshot.isStream(), isStream) << address;
   }
 }
 

@@ -38,33 +38,29 @@ TEST(Texts, BeginningIsCutBetweenCharactersAsAReaderSeesThem) {
   const std::string acute = "\u0301";
   const std::string family = "👩‍👧";  // two people and what joins them, of 4, 3 and 4 bytes
   const std::string denmark = "🇩🇰";
-  struct Case {
-    std::string text;
-    std::size_t bound;
-    std::string beginning;
-  };
-  for (const Case& c : {Case{"abc", 3, "abc"},
-                        {"abcd", 3, "abc"},
-                        {"abc", 0, ""},
-                        {"", 0, ""},
-                        {"日本語", 8, "日本"},
-                        {"abe" + acute, 5, "abe" + acute},
-                        {"abe" + acute, 4, "ab"},
-                        {"abe" + acute + acute, 6, "ab"},
-                        {"abe" + acute + "x", 5, "abe" + acute},
-                        {"a" + family, 12, "a" + family},
-                        {"a" + family, 11, "a"},
-                        {"a" + family, 8, "a"},
-                        {denmark + denmark, 12, denmark},
-                        {"a\r\nb", 2, "a"},
-                        {"ab\xFF\xFE"s, 3, "ab\xFF"s},
-                        {"a\xE2\x82"s, 2, "a\xE2"s},
-                        {"\xFF"s + acute + "x", 2, "\xFF"s},
-                        // One character that is too long by itself.
-                        {family + "x", 10, "👩‍"},
-                        {"e" + repeated(acute, 5000), 4096, "e" + repeated(acute, 2047)}}) {
-    EXPECT_EQ(platform::beginningOfText(c.text, c.bound), c.beginning)
-        << c.text.substr(0, 20) << c.bound;
+  for (const auto& [text, bound, beginning] :
+       std::vector<std::tuple<std::string, std::size_t, std::string>>{
+           {"abc", 3, "abc"},
+           {"abcd", 3, "abc"},
+           {"abc", 0, ""},
+           {"", 0, ""},
+           {"日本語", 8, "日本"},
+           {"abe" + acute, 5, "abe" + acute},
+           {"abe" + acute, 4, "ab"},
+           {"abe" + acute + acute, 6, "ab"},
+           {"abe" + acute + "x", 5, "abe" + acute},
+           {"a" + family, 12, "a" + family},
+           {"a" + family, 11, "a"},
+           {"a" + family, 8, "a"},
+           {denmark + denmark, 12, denmark},
+           {"a\r\nb", 2, "a"},
+           {"ab\xFF\xFE"s, 3, "ab\xFF"s},
+           {"a\xE2\x82"s, 2, "a\xE2"s},
+           {"\xFF"s + acute + "x", 2, "\xFF"s},
+           // One character that is too long by itself.
+           {family + "x", 10, "👩‍"},
+           {"e" + repeated(acute, 5000), 4096, "e" + repeated(acute, 2047)}}) {
+    EXPECT_EQ(platform::beginningOfText(text, bound), beginning) << text.substr(0, 20) << bound;
   }
 }
 
