@@ -146,7 +146,8 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   display.setLastAct([&window] { window.rememberPlace(); });
   window.open();
   showing.update();
-  tray.setWanted(settings.showsStatusIcon());
+  // The icon is the first card's, which is the one that other programs reach.
+  tray.setWanted(settings.showsStatusIcon() && instance.number() == 1);
   const int status = QGuiApplication::exec();
   instance.setHandler(nullptr);
   return restarts ? restartStatus : status;
