@@ -6,7 +6,8 @@
 // The leak check reads tables of thread-local storage, of plug-ins and of threads, that the C
 // library has moved or freed meanwhile, and falls over them. So tests among threads of real
 // components leave it to the programs that they start.
-extern "C" const char* __asan_default_options() {  // NOLINT(bugprone-reserved-identifier)
+extern "C" [[gnu::visibility("default")]] const char*
+__asan_default_options() {  // NOLINT(bugprone-reserved-identifier)
 #ifdef VIRELUNE_PROGRAM
   return "detect_leaks=0";
 #else
