@@ -5,6 +5,10 @@ build_packages=(g++ cmake ninja-build pkg-config qt6-base-dev qt6-svg-dev libutf
   libplist-dev libcurl4-openssl-dev nlohmann-json3-dev libsqlite3-dev libxcb1-dev
   libcpp-httplib-dev libssl-dev libcli11-dev libglib2.0-dev zlib1g-dev
   libmpdclient-dev libtag1-dev)
+# Debian 12 has LayerShellQt for Qt 5 only.
+if [[ $(. /etc/os-release && echo "${VERSION_ID-}") != 12 ]]; then
+  build_packages+=(liblayershellqtinterface-dev libwayland-bin libwayland-dev wayland-protocols)
+fi
 run_packages=(qt6-wayland xdg-utils ca-certificates dbus fonts-dejavu-core fonts-vlgothic)
 test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x11-utils x11-xserver-utils thunar
   ffmpeg lld)

@@ -153,7 +153,7 @@ void addCardActions(Actions& actions, const CardParts& parts) {
         parts.surface.setOnTop(onTop);
         return true;
       },
-      [] { return canChoosePlace(); }));
+      [parts] { return parts.surface.canStayOnTop(); }));
   actions.add(toggle(
       "write-library", "0003.0014", [parts] { return parts.player.writesLibraries(); },
       [parts](bool writes) {

@@ -77,14 +77,14 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
                Instance& instance, LostDisplay& display, const virelune::WidgetEntry& widget) {
   PlayerSource& player = composition.player();
   const bool onTop = commandLine.onTop || settings.isOnTop();
-  if (commandLine.onTop && !canChoosePlace()) {
-    std::cerr << "virelune-widget: this desktop does not let programs stay on top" << std::endl;
-  }
   CardSurface window(*composition.card(), composition.graphics(),
                      {.title = QString::fromStdString(composition.displayName()),
                       .onTop = onTop,
                       .settings = &settings,
                       .cardNumber = instance.number()});
+  if (commandLine.onTop && !window.canStayOnTop()) {
+    std::cerr << "virelune-widget: this desktop does not let programs stay on top" << std::endl;
+  }
   CardShowing showing(window, settings, player);
   Actions actions;
   bool restarts = false;

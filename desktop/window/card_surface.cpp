@@ -47,7 +47,7 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
   translucent.setAlphaBufferSize(8);
   setFormat(translucent);
   setFlag(Qt::FramelessWindowHint);
-  setFlag(Qt::WindowStaysOnTopHint, options.onTop && canChoosePlace());
+  if (options.onTop) placement_.setOnTop(true);
   setTitle(options.title);
 
   card_.window().setMarkHandler([this](platform::NSRect rect) { mark(rect); });
@@ -85,8 +85,10 @@ void CardSurface::open() {
 }
 
 void CardSurface::setOnTop(bool onTop) {
-  setFlag(Qt::WindowStaysOnTopHint, onTop && canChoosePlace());
+  const bool wasShown = isVisible();
+  placement_.setOnTop(onTop);
   if (settings_ != nullptr) settings_->setOnTop(onTop);
+  if (wasShown && !isVisible()) open();
 }
 
 void CardSurface::bringToFront(const std::string& activationToken) {
@@ -224,7 +226,7 @@ void CardSurface::showNotice(const std::string& text) {
 QRect CardSurface::placeOnScreen(platform::NSRect rect) const {
   const QRectF place(rect.minX(), card_.size().height - rect.maxY(), rect.size.width,
                      rect.size.height);
-  return place.translated(position()).toAlignedRect();
+  return place.translated(placement_.position()).toAlignedRect();
 }
 
 void CardSurface::moveEvent(QMoveEvent* event) {
@@ -265,6 +267,7 @@ void CardSurface::mouseMoveEvent(QMouseEvent* event) {
 
 void CardSurface::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) grip_.reset();
+  placement_.letGo();
   mouse_.release(*event, card_.size().height);
 }
 
@@ -274,7 +277,7 @@ void CardSurface::moveCard(const QMouseEvent& event) {
     return;
   }
   // The window manager moves it best, with its snapping and its edges; without one we do.
-  if (startSystemMove()) {
+  if (placement_.take(event.position() - *grip_) || startSystemMove()) {
     grip_.reset();
   } else {
     setPosition((event.globalPosition() - *grip_).toPoint());

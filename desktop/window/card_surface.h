@@ -32,9 +32,13 @@ class CardSurface final : public QRasterWindow {
   /// Shows the window, where it was last time when the desktop lets windows choose.
   void open();
 
-  bool isOnTop() const { return flags().testFlag(Qt::WindowStaysOnTopHint); }
+  bool canStayOnTop() const { return placement_.canStayOnTop(); }
+  bool isOnTop() const { return placement_.isOnTop(); }
   /// Remembered, and done where the desktop lets windows choose.
   void setOnTop(bool onTop);
+  /// What is to be added to places by Qt's account for those on the screens: nothing, but where the
+  /// compositor alone knows of the card's place.
+  QPoint unknownToQt() const { return placement_.position() - position(); }
   void rememberPlace() { placement_.save(); }
   /// Shows the window above the others and lets the user type there. The token is the one that
   /// another program was given for it (XDG Activation); empty for none.

@@ -15,9 +15,20 @@ using std::chrono::milliseconds;
 
 constexpr int firstPlaceMargin = 24;       // from the screen's upper right corner
 constexpr int cardDistance = 28;           // between the places of two cards, either way
+constexpr int barHeight = 24;              // of a bar at the top, which Wayland does not tell of
 constexpr milliseconds moveDuration{500};  // a move is a series of places
 // Screens change one after the other, and window managers move windows a moment after.
 constexpr milliseconds changeDuration{500};
+
+bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+
+QList<QRect> screenAreas() {
+  QList<QRect> areas;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    areas.append(screen->availableGeometry());
+  }
+  return areas;
+}
 
 QPoint positionWithin(QPoint wanted, QSize size, const QRect& screen) {
   const auto fitted = [](int value, int length, int start, int room) {
@@ -44,10 +55,6 @@ QString layoutName() {
 }
 
 }  // namespace
-
-bool canChoosePlace() {
-  return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
-}
 
 QPoint positionOnScreens(QPoint wanted, QSize size, const QList<QRect>& screens) {
   QPoint best = wanted;
@@ -94,21 +101,30 @@ void Placement::screensChanging() {
 void Placement::place() {
   const QScreen* first = QGuiApplication::primaryScreen();
   if (!canChoosePlace() || first == nullptr) return;
-  QList<QRect> screens;
-  for (const QScreen* screen : QGuiApplication::screens()) {
-    screens.append(screen->availableGeometry());
-  }
   const QRect room = first->availableGeometry();
+  const int bar = isWayland() ? barHeight : 0;
   const QPoint corner(room.x() + room.width() - window_.width() - firstPlaceMargin,
-                      room.y() + firstPlaceMargin);
+                      room.y() + bar + firstPlaceMargin);
   const auto remembered = settings_ != nullptr ? settings_->position(layoutName()) : std::nullopt;
   const QPoint beside = QPoint(-cardDistance, cardDistance) * (cardNumber_ - 1);
-  placed_ = positionOnScreens(remembered.value_or(corner) + beside, window_.size(), screens);
-  window_.setPosition(*placed_);
+  put(remembered.value_or(corner) + beside);
+}
+
+QPoint Placement::position() const {
+  return isWayland() ? placed_.value_or(window_.position()) : window_.position();
+}
+
+void Placement::put(QPoint wanted) {
+  placed_ = positionOnScreens(wanted, window_.size(), screenAreas());
+  if (isWayland()) {
+    layer()->setPlace(*placed_);
+  } else {
+    window_.setPosition(*placed_);
+  }
 }
 
 void Placement::moved() {
-  if (changeTimer_.isActive() || window_.position() == placed_) return;
+  if (isWayland() || changeTimer_.isActive() || window_.position() == placed_) return;
   placed_.reset();
   hasMoved_ = true;
   saveTimer_.start();
@@ -118,7 +134,42 @@ void Placement::save() {
   saveTimer_.stop();
   if (!std::exchange(hasMoved_, false)) return;
   if (settings_ == nullptr || !canChoosePlace() || cardNumber_ > 1) return;
-  settings_->setPosition(layoutName(), window_.position());
+  settings_->setPosition(layoutName(), position());
+}
+
+LayerSurface* Placement::layer() const {
+  if (!layer_) layer_ = makeLayerSurface(window_);
+  return layer_->get();
+}
+
+bool Placement::canStayOnTop() const { return !isWayland() || layer() != nullptr; }
+
+bool Placement::isOnTop() const { return window_.flags().testFlag(Qt::WindowStaysOnTopHint); }
+
+bool Placement::canChoosePlace() const { return !isWayland() || isOnTop(); }
+
+void Placement::setOnTop(bool onTop) {
+  if (onTop == isOnTop() || !canStayOnTop()) return;
+  window_.setFlag(Qt::WindowStaysOnTopHint, onTop);
+  if (!isWayland()) return;
+  placed_.reset();
+  layer()->setOnTop(onTop);
+  layer()->setPointerHandler([this](QPointF way) { drag(way); });
+}
+
+bool Placement::take(QPointF way) {
+  if (!isWayland() || !isOnTop() || !placed_) return false;
+  dragged_ = *placed_;
+  drag(way);
+  return true;
+}
+
+void Placement::drag(QPointF way) {
+  if (!dragged_) return;
+  *dragged_ += way;
+  put(dragged_->toPoint());
+  hasMoved_ = true;
+  saveTimer_.start();
 }
 
 }  // namespace desktop

@@ -30,7 +30,8 @@ Sheet::Sheet(CardSurface& card, QtGraphics& graphics, Qt::WindowFlags flags)
 void Sheet::showAt(QPoint place, QSize size) {
   QList<QRect> screens;
   if (card_.screen() != nullptr) screens.append(card_.screen()->availableGeometry());
-  setGeometry(QRect(positionOnScreens(place, size, screens), size));
+  const QPoint offset = card_.unknownToQt();
+  setGeometry(QRect(positionOnScreens(place + offset, size, screens) - offset, size));
   show();
   update();
 }

@@ -9,6 +9,8 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QRect>
 #include <QtCore/QRegularExpression>
+#include <fstream>
+#include <sstream>
 
 #include "tests/integration/fake_player.h"
 #include "tests/support/temporary_folder.h"
@@ -124,7 +126,7 @@ TEST_F(Wayland, TheCardIsOperatedMovedRaisedAndClosed) {
   EXPECT_EQ(program->exitStatus(), 0);
   EXPECT_TRUE(card().isEmpty());
 
-  const auto again = start({"--on-top"});
+  const auto again = start();
   ASSERT_TRUE(waitUntil([&] { return !card().isEmpty(); }));
   EXPECT_TRUE(waitUntil([&] {
     point({160, 44}, "click 3");
@@ -159,6 +161,46 @@ TEST_F(Wayland, TheArtworkIsDraggedIntoAFileManager) {
     point(inside, "mouseup 1");
     return waitUntil([&] { return !std::filesystem::is_empty(target); }, std::chrono::seconds(3));
   }));
+}
+
+TEST_F(Wayland, OnTopTheCardIsPutWhereItWasAndMovedByItsHeader) {
+  FakePlayer player(bus, "player",
+                    {{"PlaybackStatus", "Playing"},
+                     {"Metadata", QVariantMap{{"xesam:title", "Song"}, {"mpris:trackid", "/1"}}}});
+  const auto file = folder_.path() / "virelune-widget" / "settings.ini";
+  std::filesystem::create_directory(file.parent_path());
+  std::ofstream(file) << "[Place]\nLast=100 400\n";
+  const auto at = [&](int x, int y, const QString& action) {
+    display_.xdotool(QString("mousemove %1 %2 %3").arg(x).arg(y).arg(action).trimmed());
+  };
+  const auto plays = [&](int x, int y) {
+    const auto calls = player.calls().size();
+    return waitUntil([&] {
+      at(x + 300, y + 53, "click 1");
+      return player.calls().size() > calls;
+    });
+  };
+  const auto program = start({"--on-top"});
+  const auto modules = std::filesystem::path(VIRELUNE_PROGRAM).parent_path() / "../lib";
+  if (!std::filesystem::exists(modules / "virelune-widget" / "layer-shell.so")) {
+    EXPECT_TRUE(waitUntil([&] { return !card().isEmpty(); })) << "a window like others";
+    GTEST_SKIP() << "built without LayerShellQt";
+  }
+  EXPECT_TRUE(plays(100, 400));
+  at(140, 412, "mousedown 1");
+  // As far as the screen goes: the pointer takes it along from where it turns.
+  for (const int y : {380, 300, 200, 80, 5}) at(200, y, "");
+  at(240, 5, "mouseup 1");
+  EXPECT_TRUE(plays(200, 0));
+  EXPECT_TRUE(card().isEmpty()) << "a window like others";
+  at(300, 40, "click 3");
+  press("Up Up Up Up Up Return");
+  EXPECT_TRUE(waitUntil([&] { return card().size() == QSize(320, 88); })) << "no longer on top";
+  point({305, 12}, "click 1");
+  EXPECT_EQ(program->exitStatus(), 0);
+  std::stringstream text;
+  text << std::ifstream(file).rdbuf();
+  EXPECT_THAT(text.str(), testing::HasSubstr("Last=200 0"));
 }
 
 TEST_F(Wayland, HidesWhileNothingPlays) {
