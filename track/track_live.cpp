@@ -51,9 +51,12 @@ bool VLTrackViewController::updateBeats1Info() {
   return true;
 }
 
-bool VLTrackViewController::showsLiveProgramme() const {
-  const auto& loader = contentBeats1InfoLoader();
-  return loader && loader->infoTrackName() && loader->infoTrackArtwork();
+std::optional<LiveProgramme> VLTrackViewController::liveProgramme() const {
+  const auto title = infoBeats1TrackName();
+  if (!title) return std::nullopt;
+  return LiveProgramme{.title = *title,
+                       .artist = infoBeats1TrackArtist().value_or(""),
+                       .album = infoBeats1TrackAlbum().value_or("")};
 }
 
 }  // namespace virelune

@@ -155,7 +155,7 @@ class VLTrackViewController : public VLViewController {
   bool stopBeats1InfoLoaderNotificationObserver();
   bool receivedBeats1InfoLoaderNotification(const platform::NSNotification* notification);
   bool updateBeats1Info();  ///< what the programme describes
-  bool showsLiveProgramme() const override;
+  std::optional<LiveProgramme> liveProgramme() const override;
 
   // Fields
 

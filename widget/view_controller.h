@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/foundation/color.h"
 #include "platform/foundation/geometry.h"
 #include "platform/loop/notification.h"
 #include "platform/view/view_controller.h"
+#include "widget/live_programme.h"
 
 namespace virelune {
 
@@ -32,8 +34,8 @@ class VLViewController : public platform::NSViewController {
 
   /// Hook: refreshes what the controller shows.
   virtual bool update(platform::NSObject* sender);
-  /// Hook: true while the live station is shown and it is known what is on air.
-  virtual bool showsLiveProgramme() const { return false; }
+  /// Hook: what is on air while the live station is shown; none while that is not known.
+  virtual std::optional<LiveProgramme> liveProgramme() const { return std::nullopt; }
 
   // The player's process starting and ending. Each start begins with its stop, so nothing is
   // ever registered twice.

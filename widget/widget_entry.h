@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/application/extension.h"
+#include "widget/live_programme.h"
 
 namespace virelune {
 
@@ -24,8 +25,11 @@ struct WidgetEntry {
   std::function<std::optional<std::int64_t>()> loveRule;
   /// False when it cannot be kept.
   std::function<bool(std::optional<std::int64_t> from)> setLoveRule;
-  /// True while the controller made last shows the live station and knows what is on air.
-  std::function<bool()> showsLiveProgramme;
+  /// What is on air while the controller made last shows the live station; none while it does not
+  /// know.
+  std::function<std::optional<LiveProgramme>()> liveProgramme;
+  /// The handler is called when that may have changed, until another takes its place.
+  std::function<void(std::function<void()>)> setLiveProgrammeHandler;
 };
 WidgetEntry widgetEntry();
 

@@ -90,8 +90,8 @@ bool VLWidgetViewController::setSubview(const std::shared_ptr<platform::NSView>&
   return true;
 }
 
-bool VLWidgetViewController::showsLiveProgramme() const {
-  return contentViewController() && contentViewController()->showsLiveProgramme();
+std::optional<LiveProgramme> VLWidgetViewController::liveProgramme() const {
+  return contentViewController() ? contentViewController()->liveProgramme() : std::nullopt;
 }
 
 bool VLWidgetViewController::isAboutViewControllerVisible() const {

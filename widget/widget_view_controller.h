@@ -38,7 +38,7 @@ class VLWidgetViewController : public VLViewController, public platform::NCWidge
   bool showInfoViewController(platform::NSObject* sender);
   bool showTrackViewController(platform::NSObject* sender);
 
-  bool showsLiveProgramme() const override;
+  std::optional<LiveProgramme> liveProgramme() const override;
 
   // Replacing the panel
 

@@ -26,6 +26,7 @@
 #include "desktop/ratings/backups.h"
 #include "desktop/ratings/exchange.h"
 #include "desktop/ratings/listing.h"
+#include "desktop/remote/card_programme.h"
 #include "desktop/remote/names.h"
 #include "desktop/remote/service.h"
 #include "desktop/remote/status.h"
@@ -115,14 +116,16 @@ std::string playerWanted(const Verb& verb) {
   return verb.player ? *verb.player : Settings(Settings::defaultFile()).player();
 }
 
-int followStatus(const Verb& verb, Headless& headless) {
+int followStatus(const Verb& verb, const QDBusConnection& bus, Headless& headless) {
   std::optional<QString> last;
   int status = EXIT_SUCCESS;
+  std::optional<CardProgramme> card;
   const auto write = [&] {
     const auto report = headless.bridge().report();
     // A player that has just come has nothing to tell yet.
     if (report && !report->track && report->state == platform::FourCharCode{}) return;
     QVariantMap now = statusOf(report);
+    if (card && report) addProgramme(now, card->programmeOf(report->player));
     const auto line = lineOf(verb, now);
     if (!line) {
       status = refuse({badValueStatus, line.problem().text});
@@ -136,6 +139,7 @@ int followStatus(const Verb& verb, Headless& headless) {
     std::cout << line->toStdString() << std::endl;
   };
   const auto changes = PlayerChanges::observe(write);
+  card.emplace(bus, write);
   QTimer heartbeat;
   QObject::connect(&heartbeat, &QTimer::timeout, &heartbeat, write);
   constexpr int second = 1000;  // milliseconds
@@ -152,7 +156,7 @@ int runOnPlayer(const Verb& verb, const virelune::WidgetEntry& widget) {
   const auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return refuse({.text = "there is no session bus"});
   Headless headless(bus, playerWanted(verb), widget);
-  if (verb.follow) return followStatus(verb, headless);
+  if (verb.follow) return followStatus(verb, bus, headless);
   if (verb.player && !headless.bridge().follows(*verb.player)) {
     return refuse({.text = "no player \"" + *verb.player + "\" is on the session bus; " +
                            "\"players\" names those that are"});

@@ -47,11 +47,14 @@ int fail(const std::string& message) {
 
 int tour(const CommandLine& commandLine, Composition& composition,
          const virelune::WidgetEntry& widget) {
+  bool isOnAir = false;
+  widget.setLiveProgrammeHandler([&] { isOnAir = widget.liveProgramme().has_value(); });
   const auto taken = takeTour({.folder = commandLine.tour.value_or(defaultTourFolder),
                                .scale = commandLine.scale.value_or(pictureScale),
                                .appearance = ColorScheme().appearance(),
-                               .showsLiveProgramme = widget.showsLiveProgramme},
+                               .showsLiveProgramme = [&isOnAir] { return isOnAir; }},
                               *composition.card(), *composition.player().demoPlayer(), std::cout);
+  widget.setLiveProgrammeHandler(nullptr);
   return taken ? EXIT_SUCCESS : fail(taken.problem().text);
 }
 
@@ -119,7 +122,9 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   Service service(&instance, {.actions = actions,
                               .player = player,
                               .ratings = composition.ratings(),
-                              .label = localizedString});
+                              .label = localizedString,
+                              .programme = widget.liveProgramme});
+  widget.setLiveProgrammeHandler([&service] { service.update(); });
   composition.useDrag(window);
   setWindowIcon();
   instance.setHandler([&](const CardRequest& request) {
@@ -150,6 +155,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   tray.setWanted(settings.showsStatusIcon() && instance.number() == 1);
   const int status = QGuiApplication::exec();
   instance.setHandler(nullptr);
+  widget.setLiveProgrammeHandler(nullptr);
   return restarts ? restartStatus : status;
 }
 

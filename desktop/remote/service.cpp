@@ -16,8 +16,10 @@ namespace desktop {
 namespace {
 
 constexpr double ratingPerStar = 20;
-constexpr std::array properties{"player", "state", "title",       "artist",     "album", "address",
-                                "rating", "loved", "albumRating", "albumLoved", "volume"};
+constexpr std::array properties{"player",          "state",         "title",  "artist",
+                                "album",           "address",       "rating", "loved",
+                                "albumRating",     "albumLoved",    "volume", "programme",
+                                "programmeArtist", "programmeAlbum"};
 
 QString propertyName(const QString& key) { return key.left(1).toUpper() + key.mid(1); }
 
@@ -88,7 +90,10 @@ Service::Service(QObject* parent, Options options)
 
 void Service::setBus(const QDBusConnection& bus) { bus_ = bus; }
 
-void Service::readStatus() { status_ = statusOf(options_.player.report()); }
+void Service::readStatus() {
+  status_ = statusOf(options_.player.report());
+  if (options_.programme) addProgramme(status_, options_.programme());
+}
 
 void Service::update() {
   const QVariantMap before = status_;

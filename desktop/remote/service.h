@@ -7,11 +7,13 @@
 #include <QtDBus/QDBusMessage>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "desktop/actions/action.h"
 #include "desktop/player/changes.h"
 #include "desktop/player/controls.h"
 #include "desktop/ratings/store.h"
+#include "widget/live_programme.h"
 
 namespace desktop {
 
@@ -32,6 +34,9 @@ class Service final : public QDBusAbstractAdaptor {
   Q_PROPERTY(double AlbumRating READ albumRating)
   Q_PROPERTY(bool AlbumLoved READ albumLoved)
   Q_PROPERTY(double Volume READ volume)
+  Q_PROPERTY(QString Programme READ programme)
+  Q_PROPERTY(QString ProgrammeArtist READ programmeArtist)
+  Q_PROPERTY(QString ProgrammeAlbum READ programmeAlbum)
 
  public:
   struct Options {
@@ -40,12 +45,15 @@ class Service final : public QDBusAbstractAdaptor {
     RatingsStore* ratings = nullptr;  ///< null: marks of named tracks are not known
     std::function<std::string(const std::string& key)> label = {};  ///< of an action, by its key
     std::function<void()> called = {};                              ///< before each call
+    std::function<std::optional<virelune::LiveProgramme>()> programme = {};
   };
   /// The parent is the object that is found on the bus.
   Service(QObject* parent, Options options);
 
   /// The bus to speak on from now on.
   void setBus(const QDBusConnection& bus);
+  /// Tells what has changed of the status.
+  void update();
 
   QString player() const { return text("player"); }
   QString state() const { return text("state"); }
@@ -58,6 +66,9 @@ class Service final : public QDBusAbstractAdaptor {
   double albumRating() const { return number("albumRating"); }
   bool albumLoved() const { return status_.value(QStringLiteral("albumLoved")).toBool(); }
   double volume() const { return number("volume"); }
+  QString programme() const { return text("programme"); }
+  QString programmeArtist() const { return text("programmeArtist"); }
+  QString programmeAlbum() const { return text("programmeAlbum"); }
 
  public slots:  // called by the bus
   /// See statusOf().
@@ -78,7 +89,6 @@ class Service final : public QDBusAbstractAdaptor {
   double number(const char* key) const { return status_.value(QLatin1String(key)).toDouble(); }
   void refuse(const QDBusMessage& message, const QString& error, const std::string& why);
   void readStatus();
-  void update();
 
   const Options options_;
   QDBusConnection bus_;

@@ -56,4 +56,11 @@ QVariantMap statusOf(const std::optional<PlayerReport>& report) {
   return status;
 }
 
+void addProgramme(QVariantMap& status, const std::optional<virelune::LiveProgramme>& programme) {
+  if (!programme || !status.value(QStringLiteral("stream")).toBool()) return;
+  add(status, "programme", programme->title);
+  add(status, "programmeArtist", programme->artist);
+  add(status, "programmeAlbum", programme->album);
+}
+
 }  // namespace desktop

@@ -164,10 +164,14 @@ QString waybarLine(const QVariantMap& status) {
   const auto text = [&status](const char* key) {
     return status.value(QLatin1String(key)).toString();
   };
-  QStringList parts{text("artist"), text("title")};
+  const bool isLive = status.contains(QStringLiteral("programme"));
+  QStringList parts{text(isLive ? "programmeArtist" : "artist"),
+                    text(isLive ? "programme" : "title")};
   parts.removeAll(QString());
   const double rating = status.value(QStringLiteral("rating")).toDouble();
-  QStringList tooltip{text("title"), text("artist"), text("album"), stars(rating)};
+  QStringList tooltip{text("programme"), text("programmeArtist"), text("programmeAlbum"),
+                      text("title"),     text("artist"),          text("album"),
+                      stars(rating)};
   tooltip.removeAll(QString());
   const QString state = status.isEmpty() ? QStringLiteral("none") : text("state");
   const double length = status.value(QStringLiteral("length")).toDouble();

@@ -88,8 +88,9 @@ Result<QString> lineOf(const Verb& verb, const QVariantMap& status) {
   if (verb.format == "json") return jsonLine(status);
   if (verb.format == "waybar") return waybarLine(status);
   if (status.isEmpty()) return QString();
-  const auto usual =
-      QStringLiteral("{{status}}: {{artist}} – {{title}}  {{duration(position)}}  {{stars}}");
+  const auto usual = QStringLiteral(
+      "{{status}}: {{default(programmeArtist, artist)}} – {{default(programme, title)}}  "
+      "{{duration(position)}}  {{stars}}");
   return filledTemplate(verb.format ? QString::fromStdString(*verb.format) : usual, status);
 }
 
