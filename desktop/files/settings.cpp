@@ -20,6 +20,7 @@ const auto hidesWhenIdleKey = QStringLiteral("Card/HideWhenIdle");
 const auto statusIconKey = QStringLiteral("Card/StatusIcon");
 const auto writesLibrariesKey = QStringLiteral("Ratings/WriteLibraries");
 const auto scaleKey = QStringLiteral("Card/Scale");
+const auto textScaleKey = QStringLiteral("Desktop/TextScale");
 const auto lastPlaceKey = QStringLiteral("Place/Last");
 
 // No desktop reaches farther (X11 coordinates have 16 bits).
@@ -131,9 +132,14 @@ void Settings::setWritesLibraries(bool writes) { setTrue(writesLibrariesKey, wri
 
 void Settings::setScale(double scale) { set(scaleKey, QString::number(scale)); }
 
-std::optional<double> Settings::scale() const {
+std::optional<double> Settings::scale() const { return scaleAt(scaleKey); }
+
+void Settings::setTextScale(double scale) { set(textScaleKey, QString::number(scale)); }
+std::optional<double> Settings::textScale() const { return scaleAt(textScaleKey); }
+
+std::optional<double> Settings::scaleAt(const QString& key) const {
   bool isNumber = false;
-  const double scale = value(scaleKey).toString().toDouble(&isNumber);
+  const double scale = value(key).toString().toDouble(&isNumber);
   return isNumber && scale >= 1 && scale <= 4 ? std::optional(scale) : std::nullopt;
 }
 

@@ -38,6 +38,9 @@ class Settings {
   void setOnTop(bool onTop);
   std::optional<double> scale() const;  ///< pixels per point, from 1 to 4
   void setScale(double scale);
+  /// How large the desktop wanted texts last, from 1 (usual) to 4.
+  std::optional<double> textScale() const;
+  void setTextScale(double scale);
   bool hidesWhenIdle() const;  ///< the card hides while nothing plays
   void setHidesWhenIdle(bool hides);
   bool showsStatusIcon() const;  ///< in the desktop's status area
@@ -48,6 +51,7 @@ class Settings {
  private:
   QVariant value(const QString& key) const;
   std::string text(const QString& key) const;
+  std::optional<double> scaleAt(const QString& key) const;
   void set(const QString& key, const QVariant& value);
   bool isTrue(const QString& key, bool otherwise) const;
   void setTrue(const QString& key, bool isTrue);

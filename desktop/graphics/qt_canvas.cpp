@@ -57,7 +57,9 @@ void QtCanvas::clip(platform::NSRect rect, double cornerRadius) {
   }
 }
 
-void QtCanvas::multiplyAlpha(double alpha) { painter_.setOpacity(painter_.opacity() * alpha); }
+void QtCanvas::multiplyAlpha(double alpha) {
+  painter_.setOpacity(painter_.opacity() * platform::visibleAlpha(alpha, appearance_));
+}
 
 void QtCanvas::fillRect(platform::NSRect rect, platform::NSColor color) {
   if (rect.isEmpty() || color.alpha() <= 0) return;
@@ -74,7 +76,7 @@ void QtCanvas::drawImage(const platform::NSImage& image, platform::NSRect rect, 
   const auto* picture = dynamic_cast<const QtImage*>(&image);
   if (picture == nullptr || rect.isEmpty()) return;
   const double opacity = painter_.opacity();
-  painter_.setOpacity(opacity * fraction);
+  painter_.setOpacity(opacity * platform::visibleAlpha(fraction, appearance_));
   picture->paint(painter_, painterRect(rect), appearance_);
   painter_.setOpacity(opacity);
 }

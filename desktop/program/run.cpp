@@ -7,6 +7,7 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
 #include <QtGui/QPixmap>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -51,7 +52,7 @@ int tour(const CommandLine& commandLine, Composition& composition,
   widget.setLiveProgrammeHandler([&] { isOnAir = widget.liveProgramme().has_value(); });
   const auto taken = takeTour({.folder = commandLine.tour.value_or(defaultTourFolder),
                                .scale = commandLine.scale.value_or(pictureScale),
-                               .appearance = ColorScheme().appearance(),
+                               .appearance = DesktopStyle().appearance(),
                                .showsLiveProgramme = [&isOnAir] { return isOnAir; }},
                               *composition.card(), *composition.player().demoPlayer(), std::cout);
   widget.setLiveProgrammeHandler(nullptr);
@@ -60,12 +61,11 @@ int tour(const CommandLine& commandLine, Composition& composition,
 
 int snapshot(const CommandLine& commandLine, Card& card) {
   constexpr int patience = 600;  // milliseconds, for artwork and the colour scheme
-  const ColorScheme colorScheme;
+  const DesktopStyle style;
   card.window().setVisible(true);
   settle(patience);
-  const bool isWritten =
-      writePicture(card, *commandLine.snapshot, commandLine.scale.value_or(pictureScale),
-                   colorScheme.appearance());
+  const bool isWritten = writePicture(card, *commandLine.snapshot,
+                                      commandLine.scale.value_or(pictureScale), style.appearance());
   return isWritten ? EXIT_SUCCESS : fail("cannot write " + *commandLine.snapshot);
 }
 
@@ -74,6 +74,23 @@ void setWindowIcon() {
   const auto icon = std::dynamic_pointer_cast<QtImage>(
       platform::imageNamed(platform::NSImageNameApplicationIcon));
   if (icon) QGuiApplication::setWindowIcon(QIcon(QPixmap::fromImage(icon->pixels())));
+}
+
+/// Pixels per point: as the user set them, else as large as the desktop wants texts.
+std::optional<double> wantedScale(const CommandLine& commandLine, const Settings& settings) {
+  if (commandLine.scale) return commandLine.scale;
+  return settings.scale() ? settings.scale() : settings.textScale();
+}
+
+/// Remembers how large the desktop wants texts. True when the card is to be another size for that.
+bool changesSize(double textScale, const CommandLine& commandLine, Settings& settings) {
+  const auto before = wantedScale(commandLine, settings);
+  const double wanted = std::clamp(textScale, 1.0, 4.0);
+  if (settings.textScale().value_or(1) == wanted) return false;
+  settings.setTextScale(wanted);
+  // What cannot be kept would not be known after a new start either.
+  const Settings kept(Settings::defaultFile());
+  return kept.textScale() == wanted && wantedScale(commandLine, settings) != before;
 }
 
 int showWindow(const CommandLine& commandLine, Composition& composition, Settings& settings,
@@ -152,6 +169,9 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   window.open();
   showing.update();
   // The icon is the first card's, which is the one that other programs reach.
+  window.setTextScaleHandler([&](double scale) {
+    if (changesSize(scale, commandLine, settings)) parts.restart();
+  });
   tray.setWanted(settings.showsStatusIcon() && instance.number() == 1);
   const int status = QGuiApplication::exec();
   instance.setHandler(nullptr);
@@ -181,7 +201,7 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   const bool isOffScreen = takesTour || commandLine.snapshot;
   std::optional<Settings> settings;
   settings.emplace(isOffScreen ? std::filesystem::path() : Settings::defaultFile());
-  const auto scale = commandLine.scale ? commandLine.scale : settings->scale();
+  const auto scale = wantedScale(commandLine, *settings);
   if (isOffScreen) qputenv("QT_QPA_PLATFORM", "offscreen");
   if (!isOffScreen && scale) qputenv("QT_SCALE_FACTOR", QByteArray::number(*scale));
   // What a player signals is painted at once, and not five milliseconds later.

@@ -58,7 +58,10 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
   });
   card_.setSizeHandler([this](platform::NSSize) { fitCard(); });
   card_.header().setCloseHandler([this] { close(); });
-  colorScheme_.setChangeHandler([this] { update(); });
+  style_.setChangeHandler([this] {
+    update();
+    if (textScaleHandler_ && style_.textScale()) textScaleHandler_(*style_.textScale());
+  });
   connect(this, &QWindow::windowStateChanged, this, [this] { updateVisibility(); });
   qGuiApp->installEventFilter(this);
   fitCard();
@@ -66,7 +69,7 @@ CardSurface::CardSurface(Card& card, QtGraphics& graphics, const Options& option
 
 CardSurface::~CardSurface() {
   placement_.save();
-  colorScheme_.setChangeHandler(nullptr);
+  style_.setChangeHandler(nullptr);
   card_.header().setCloseHandler(nullptr);
   card_.setSizeHandler(nullptr);
   card_.window().setMarkHandler(nullptr);
@@ -132,7 +135,7 @@ bool CardSurface::event(QEvent* event) {
   switch (event->type()) {
     case QEvent::ApplicationPaletteChange:
     case QEvent::ThemeChange:
-      colorScheme_.paletteChanged();
+      style_.paletteChanged();
       break;
     case QEvent::Leave:
       card_.header().pointerMoved(std::nullopt);
@@ -156,7 +159,7 @@ void CardSurface::exposeEvent(QExposeEvent* event) {
 }
 
 void CardSurface::paintEvent(QPaintEvent* event) {
-  const platform::Appearance appearance = colorScheme_.appearance();
+  const platform::Appearance appearance = style_.appearance();
   graphics_.setDisplay(devicePixelRatio(), appearance);
   {
     QPainter painter(this);

@@ -9,7 +9,7 @@
 
 #include "desktop/graphics/backend.h"
 #include "desktop/window/card.h"
-#include "desktop/window/color_scheme.h"
+#include "desktop/window/desktop_style.h"
 #include "desktop/window/mouse_input.h"
 #include "desktop/window/placement.h"
 
@@ -43,7 +43,11 @@ class CardSurface final : public QRasterWindow {
   /// Shows the window above the others and lets the user type there. The token is the one that
   /// another program was given for it (XDG Activation); empty for none.
   void bringToFront(const std::string& activationToken);
-  platform::Appearance appearance() const { return colorScheme_.appearance(); }
+  platform::Appearance appearance() const { return style_.appearance(); }
+  /// Called with the size of texts that the desktop wants, whenever it tells one (1 is usual).
+  void setTextScaleHandler(std::function<void(double)> handler) {
+    textScaleHandler_ = std::move(handler);
+  }
 
   /// Asked when the user closes the card: true when that has hidden it, and the program goes on.
   void setCloseHandler(std::function<bool()> handler) { closeHandler_ = std::move(handler); }
@@ -102,11 +106,12 @@ class CardSurface final : public QRasterWindow {
 
   Card& card_;
   QtGraphics& graphics_;
-  ColorScheme colorScheme_;
+  DesktopStyle style_;
   MouseInput mouse_;
   std::optional<QPointF> grip_;  // where in the window the user took hold of it
   Settings* const settings_;
   Placement placement_;
+  std::function<void(double)> textScaleHandler_;
   std::function<bool()> closeHandler_;
   bool isQuitting_ = false;  ///< the program, which closes its windows
   std::function<void(QPoint)> menuHandler_;

@@ -1,9 +1,24 @@
 // Colours: fixed ones, and those that follow the light or dark appearance when they are drawn.
 #pragma once
 
+#include <algorithm>
+
 namespace platform {
 
-enum class Appearance { light, dark };
+enum class Appearance { light, dark, highContrastLight, highContrastDark };
+
+constexpr bool isDark(Appearance appearance) {
+  return appearance == Appearance::dark || appearance == Appearance::highContrastDark;
+}
+constexpr bool hasHighContrast(Appearance appearance) {
+  return appearance == Appearance::highContrastLight || appearance == Appearance::highContrastDark;
+}
+
+/// What becomes of a translucent part's alpha under an appearance: where contrast is wanted, it is
+/// less so.
+constexpr double visibleAlpha(double alpha, Appearance appearance) {
+  return hasHighContrast(appearance) ? std::min(1.0, 2 * alpha) : alpha;
+}
 
 /// A colour, either fixed or the appearance's own label colour. Components lie in 0…1.
 class NSColor {
@@ -32,8 +47,8 @@ class NSColor {
   /// The fixed colour that is drawn under an appearance.
   constexpr NSColor resolved(Appearance appearance) const {
     if (!followsAppearance_) return *this;
-    const double level = appearance == Appearance::dark ? 1.0 : 0.0;
-    return {level, level, level, alpha_ * 0.85};
+    const double level = isDark(appearance) ? 1.0 : 0.0;
+    return {level, level, level, visibleAlpha(alpha_ * 0.85, appearance)};
   }
 
   constexpr double red() const { return red_; }

@@ -1,6 +1,9 @@
 // The program as scripts and other programs use it: verbs with a card and without, and the bus.
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+#include <QtDBus/QDBusMetaType>
+#include <QtGui/QImage>
 #include <csignal>
 #include <fstream>
 
@@ -63,6 +66,31 @@ class FakePortal final : public QObject {
  private:
   QDBusConnection bus_;
   const QString file_;
+};
+
+using SettingGroups = QMap<QString, QVariantMap>;
+
+/// A desktop that says how things are to look.
+class FakeSettings final : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+ public:
+  FakeSettings(QDBusConnection bus, SettingGroups groups) : groups_(std::move(groups)) {
+    qDBusRegisterMetaType<SettingGroups>();
+    bus.registerObject("/org/freedesktop/portal/desktop", this, QDBusConnection::ExportAllSlots);
+    bus.registerService("org.freedesktop.portal.Desktop");
+  }
+
+ public slots:
+  tests::SettingGroups ReadAll(const QStringList& names) const {
+    SettingGroups groups;
+    for (const QString& name : names) groups[name] = groups_.value(name);
+    return groups;
+  }
+
+ private:
+  const SettingGroups groups_;
 };
 
 /// A card that shows a live station.
@@ -239,6 +267,26 @@ TEST_F(Remote, TheBusAnswersWithoutAWindowUntilACardTakesOverAndRatingsShowEvery
   EXPECT_EQ(run({"rate", "9"}), 2);
   EXPECT_EQ(run({"next"}), 1);
   EXPECT_EQ(run({"follow", "any"}), 0);
+}
+
+TEST_F(Remote, TheCardHasTheContrastAndTheSizeOfTextThatTheDesktopWants) {
+  const FakeSettings settings(
+      bus_.connection(),
+      {{"org.freedesktop.appearance", {{"color-scheme", 1U}, {"contrast", 1U}}},
+       {"org.gnome.desktop.interface", {{"text-scaling-factor", 1.5}, {"clock-format", "24h"}}}});
+  const TemporaryFolder folder;
+  const QString picture = (folder.path() / "card.png").c_str();
+  const auto snapshot = start({"--demo", "--snapshot", picture});
+  EXPECT_TRUE(waitUntil([&] { return QFile::exists(picture); }));
+  EXPECT_EQ(snapshot->exitStatus(), 0);
+  EXPECT_EQ(QImage(picture).pixelColor(400, 10), QColor(Qt::black));
+  for (const char* size : {"480x132", "320x88"}) {
+    const auto card = start(size[0] == '4' ? QStringList{} : QStringList{"--scale", "1"});
+    EXPECT_TRUE(waitUntil([&] {
+      const QString window = display_.window("virelune-widget");
+      return display_.xdotool("getwindowgeometry " + window).endsWith(size);
+    })) << size;
+  }
 }
 
 TEST_F(Remote, RatingsGoToTheFileThatTheDesktopsDialogChoseAndComeFromIt) {
