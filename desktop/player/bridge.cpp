@@ -56,6 +56,7 @@ std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus)
   for (const PlayerMirror* player : registry.players()) {
     listing.push_back({.name = player->shortName().toStdString(),
                        .identity = player->identity().toStdString(),
+                       .desktopEntry = player->desktopEntry().toStdString(),
                        .status = statusFromState(player->state())});
   }
   return listing;

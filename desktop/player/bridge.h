@@ -27,9 +27,10 @@ namespace desktop {
 
 /// A player found on the bus.
 struct PlayerListing {
-  std::string name;      ///< bus name without "org.mpris.MediaPlayer2."
-  std::string identity;  ///< name to show; may be empty
-  std::string status;    ///< "Playing", "Paused", "Stopped"; empty when it does not answer
+  std::string name;          ///< bus name without "org.mpris.MediaPlayer2."
+  std::string identity;      ///< name to show; may be empty
+  std::string desktopEntry;  ///< its identifier; empty when the player does not tell
+  std::string status;        ///< "Playing", "Paused", "Stopped"; empty when it does not answer
 };
 
 /// Follows one player at a time: the one that was named, else the one that plays, else the one

@@ -254,6 +254,10 @@ class MenuBuilder {
       items.push_back(titled("follow", player.name,
                              player.identity.empty() ? player.name : player.identity,
                              !isDemo && player.name == wanted));
+      items.back().icon = [&source = parts_.player, entry = player.desktopEntry] {
+        const auto path = entry.empty() ? std::nullopt : source.applicationPath(entry);
+        return path ? source.icon(*path) : nullptr;
+      };
     }
     items.push_back(titled("follow", "demo", localizedString("0003.0006"), isDemo));
     items.back().beginsGroup = true;

@@ -23,6 +23,8 @@ constexpr double margin = 5;       // above the first item, below the last and b
 constexpr double checkInset = 10;  // between the menu's edge and the check mark
 constexpr double checkSide = 12;
 constexpr double textInset = 26;
+constexpr double iconSide = 16;
+constexpr double iconGap = 8;  // between an icon and its title
 constexpr double keyGap = 24;  // between a title and its key
 constexpr double keyOpacity = 0.55;
 constexpr double disabledOpacity = 0.4;
@@ -69,7 +71,18 @@ void CardMenu::open(QPoint point, std::vector<MenuItem> items) {
   fit();
 }
 
-void CardMenu::fit() { showAt(place_, fittingSize()); }
+void CardMenu::fit() {
+  icons_.clear();
+  for (const MenuItem& item : items()) icons_.push_back(item.icon ? item.icon() : nullptr);
+  if (std::none_of(icons_.begin(), icons_.end(), [](const auto& icon) { return icon; })) {
+    icons_.clear();
+  }
+  showAt(place_, fittingSize());
+}
+
+double CardMenu::textStart() const {
+  return icons_.empty() ? textInset : textInset + iconSide + iconGap;
+}
 
 void CardMenu::choosePointed() {
   if (!pointedItem_) return;
@@ -107,7 +120,7 @@ QSize CardMenu::fittingSize() const {
     const double key = item.key.empty() ? 0 : keyGap + textExtent(item.key).width;
     width = std::max(width, textExtent(item.title).width + key);
   }
-  return QSizeF(std::ceil(textInset + width + textInset),
+  return QSizeF(std::ceil(textStart() + width + textInset),
                 2 * margin + itemHeight * static_cast<double>(items().size()))
       .toSize();
 }
@@ -174,10 +187,14 @@ void CardMenu::paintItem(platform::Canvas& canvas, std::size_t index) const {
   }
   canvas.save();
   if (!item.isEnabled) canvas.multiplyAlpha(disabledOpacity);
+  if (const auto icon = icons_.empty() ? nullptr : icons_[index]) {
+    const double y = bottom + (itemHeight - iconSide) / 2;
+    canvas.drawImage(*icon, NSMakeRect(textInset, y, iconSide, iconSide), 1);
+  }
   constexpr unsigned options = platform::NSStringDrawingUsesLineFragmentOrigin;
-  platform::drawTextCentredInRect(canvas, {item.title, sheetTextAttributes()},
-                                  NSMakeRect(textInset, bottom, width() - textInset, itemHeight),
-                                  options, itemHeight);
+  platform::drawTextCentredInRect(
+      canvas, {item.title, sheetTextAttributes()},
+      NSMakeRect(textStart(), bottom, width() - textStart(), itemHeight), options, itemHeight);
   const std::string atEnd = item.children.empty() ? item.key : "›";
   if (!atEnd.empty()) {
     canvas.multiplyAlpha(keyOpacity);

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "desktop/window/sheet.h"
+#include "platform/foundation/image.h"
 
 namespace desktop {
 
@@ -19,6 +21,8 @@ struct MenuItem {
   bool beginsGroup = false;  ///< a line above it
   std::function<void()> choose = {};
   std::vector<MenuItem> children = {};  ///< of a further level, in the place of choosing
+  /// Asked when its level is shown; null for none.
+  std::function<std::shared_ptr<platform::NSImage>()> icon = {};
 };
 
 /// Opens with the right button on the card, or by keyboard. It is chosen from by a click, by
@@ -51,6 +55,7 @@ class CardMenu final : public Sheet {
 
  private:
   QSize fittingSize() const;
+  double textStart() const;
   void fit();
   void point(QPointF position);  ///< at an item, or at none
   void pointAt(std::optional<std::size_t> index);
@@ -63,6 +68,8 @@ class CardMenu final : public Sheet {
   const Source source_;
   QPoint place_;
   std::vector<std::vector<MenuItem>> levels_{{}};  ///< never empty; the last one is shown
+  std::vector<std::shared_ptr<platform::NSImage>>
+      icons_;  ///< of that level; empty when it has none
   std::optional<std::size_t> pointedItem_;
 };
 

@@ -5,6 +5,7 @@
 #include <QtCore/QEventLoop>
 #include <QtGui/QMouseEvent>
 
+#include "desktop/graphics/qt_image.h"
 #include "desktop/window/card_menu.h"
 #include "desktop/window/card_style.h"
 #include "desktop/window/card_surface.h"
@@ -236,9 +237,16 @@ struct CardMenuTest : CardTest {
       window_, graphics_, [this] {
         auto never = choice("c");
         never.isEnabled = false;
+        auto pictured = choice("y");
+        pictured.icon = [this] {
+          ++iconsAsked_;
+          return platform::make<desktop::BitmapImage>(QImage(16, 16, QImage::Format_RGB32),
+                                                      platform::NSSize{16, 16});
+        };
         return std::vector<desktop::MenuItem>{
-            choice("a"), {.title = "b", .children = {choice("x"), choice("y")}}, never};
+            choice("a"), {.title = "b", .children = {choice("x"), pictured}}, never};
       }};
+  int iconsAsked_ = 0;
 };
 
 TEST_F(CardMenuTest, IsChosenFromByClicksAndByKeysOnEveryLevel) {
@@ -246,13 +254,16 @@ TEST_F(CardMenuTest, IsChosenFromByClicksAndByKeysOnEveryLevel) {
   openMenu();
   clickItem(2);
   EXPECT_TRUE(menu_.isVisible()) << "what cannot be done is not chosen";
-  const int width = menu_.height();
+  EXPECT_EQ(iconsAsked_, 0) << "looking for icons takes time";
+  const QSize size = menu_.size();
   clickItem(1);
   EXPECT_TRUE(menu_.isVisible());
+  EXPECT_EQ(iconsAsked_, 1);
+  EXPECT_GE(menu_.width(), size.width() + 20) << "room for the icon";
   ASSERT_EQ(menu_.items().size(), 3u) << "the way back and two more";
   clickItem(0);
   EXPECT_EQ(menu_.items()[0].title, "a");
-  EXPECT_EQ(menu_.height(), width);
+  EXPECT_EQ(menu_.size(), size);
   clickItem(1);
   clickItem(2);
   EXPECT_FALSE(menu_.isVisible());
