@@ -51,7 +51,7 @@ MprisCommand mprisCommand(PlayerCommand command) {
 }  // namespace
 
 std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus) {
-  const PlayerRegistry registry(bus, QString());
+  const PlayerRegistry registry(bus, QString(), PlayerRegistry::Watch::once);
   std::vector<PlayerListing> listing;
   for (const PlayerMirror* player : registry.players()) {
     listing.push_back({.name = player->shortName().toStdString(),
@@ -64,8 +64,7 @@ std::vector<PlayerListing> PlayerBridge::listPlayers(const QDBusConnection& bus)
 
 PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
     : bus_(bus),
-      marksSignal_(bus, [this] { scheduleAnnouncement(); }),
-      registry_(bus, QString::fromStdString(options.playerName)),
+      registry_(bus, QString::fromStdString(options.playerName), options.watch),
       covers_(options.coverReaders,
               [this] {
                 hasNews_ = true;
@@ -76,6 +75,9 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
                             ? QString::fromStdString(options.lastPlayer)
                             : firstComponent(QString::fromStdString(options.playerName))),
       wasRunning_(registry_.chosen() != nullptr) {
+  if (options.watch == PlayerRegistry::Watch::always) {
+    marksSignal_.emplace(bus, [this] { scheduleAnnouncement(); });
+  }
   if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
   setWritesLibraries(options.writesLibraries);
   announcement_.setSingleShot(true);

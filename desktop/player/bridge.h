@@ -49,6 +49,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
     bool writesLibraries = true;      ///< ratings go on into the players' own libraries
     platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
     std::function<void()> heard = {};  ///< called when there is something new with the player
+    PlayerRegistry::Watch watch = PlayerRegistry::Watch::always;
   };
 
   /// The players on the bus, in the order of their names. Waits a quarter of a second at most.
@@ -94,7 +95,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
   void announce();
 
   QDBusConnection bus_;
-  const MarksSignal marksSignal_;
+  std::optional<MarksSignal> marksSignal_;  ///< none where nothing is watched
   PlayerRegistry registry_;
   Covers covers_;
   RatingsStore* const ratings_;

@@ -30,21 +30,25 @@ bool answersTo(const PlayerMirror& player, const QString& name) {
                              isEqual(name, player.identity()));
 }
 
-PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName)
-    : bus_(bus),
-      wantedName_(std::move(wantedName)),
-      watcher_(QLatin1String(playerNamePrefix).chopped(1) + QLatin1Char('*'), bus,
-               QDBusServiceWatcher::WatchForOwnerChange) {
+PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName, Watch watch)
+    : bus_(bus), wantedName_(std::move(wantedName)) {
+  if (watch == Watch::always) listen();
+  findPlayers();
+  choose();
+}
+
+void PlayerRegistry::listen() {
+  watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+  watcher_.setConnection(bus_);
+  watcher_.addWatchedService(QLatin1String(playerNamePrefix).chopped(1) + QLatin1Char('*'));
   connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
           &PlayerRegistry::ownerChanged);
-  QDBusConnection connection = bus;
+  QDBusConnection connection = bus_;
   connection.connect(QString(), QLatin1String(playerPath), QLatin1String(propertiesInterface),
                      QStringLiteral("PropertiesChanged"), this,
                      SLOT(propertiesChanged(QDBusMessage)));
   connection.connect(QString(), QLatin1String(playerPath), QLatin1String(playerInterface),
                      QStringLiteral("Seeked"), this, SLOT(seeked(QDBusMessage)));
-  findPlayers();
-  choose();
 }
 
 void PlayerRegistry::findPlayers() {

@@ -23,8 +23,10 @@ class PlayerRegistry final : public QObject {
   Q_OBJECT
 
  public:
+  /// Players as they are now, or as they come, change and go.
+  enum class Watch { once, always };
   /// A player that answers to the name is chosen while there is one; empty: whichever plays.
-  PlayerRegistry(const QDBusConnection& bus, QString wantedName);
+  PlayerRegistry(const QDBusConnection& bus, QString wantedName, Watch watch);
   void setWantedName(const QString& name);
 
   /// The chosen player: the wanted one, else the one that plays, else the one last heard from; null
@@ -48,6 +50,7 @@ class PlayerRegistry final : public QObject {
     std::uint64_t lastHeard = 0;  ///< a count of signals, 0 before the first
   };
 
+  void listen();
   void findPlayers();
   PlayerMirror* add(const QString& name, const QString& owner);
   template <class Tell>

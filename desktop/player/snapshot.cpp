@@ -1,6 +1,5 @@
 #include "desktop/player/snapshot.h"
 
-#include <QtCore/QRegularExpression>
 #include <QtCore/QSequentialIterable>
 #include <QtCore/QStringList>
 #include <QtCore/QUrl>
@@ -61,9 +60,16 @@ QString beginningOf(const QString& text) {
   return QString::fromUtf8(beginning.data(), static_cast<qsizetype>(beginning.size()));
 }
 
+/// (D-Bus, "Valid Object Paths")
 bool isObjectPath(const QString& text) {
-  static const QRegularExpression pattern(QStringLiteral("^(/|(/[A-Za-z0-9_]+)+)$"));
-  return pattern.match(text).hasMatch();
+  if (text == QLatin1String("/")) return true;
+  if (!text.startsWith('/') || text.endsWith('/') || text.contains(QLatin1String("//"))) {
+    return false;
+  }
+  return std::all_of(text.begin(), text.end(), [](QChar character) {
+    const char ascii = character.toLatin1();
+    return ascii == '/' || ascii == '_' || (character.unicode() < 0x80 && std::isalnum(ascii) != 0);
+  });
 }
 
 /// Object paths and texts alike: many players send the track's id as a text.

@@ -8,6 +8,7 @@
 #include <QtDBus/QDBusConnectionInterface>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -58,9 +59,9 @@ class PlayerOnly final : public platform::WorkspaceBackend {
 class Headless final : public Remote {
  public:
   Headless(const QDBusConnection& bus, const std::string& player,
-           const virelune::WidgetEntry& widget)
+           const virelune::WidgetEntry& widget, PlayerRegistry::Watch watch)
       : bundle_(openBundle(resourceFolder())),
-        bridge_(bus, {.playerName = player, .ratings = &ratings_}) {
+        bridge_(bus, {.playerName = player, .ratings = &ratings_, .watch = watch}) {
     ratings_.setChangeHandler([bus] { MarksSignal::send(bus); });
     driver_.setPass([this] { runLoop_.runPass(); });
     platform_.mainBundle = bundle_.get();
@@ -155,7 +156,8 @@ int followStatus(const Verb& verb, const QDBusConnection& bus, Headless& headles
 int runOnPlayer(const Verb& verb, const virelune::WidgetEntry& widget) {
   const auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return refuse({.text = "there is no session bus"});
-  Headless headless(bus, playerWanted(verb), widget);
+  using Watch = PlayerRegistry::Watch;
+  Headless headless(bus, playerWanted(verb), widget, verb.follow ? Watch::always : Watch::once);
   if (verb.follow) return followStatus(verb, bus, headless);
   if (verb.player && !headless.bridge().follows(*verb.player)) {
     return refuse({.text = "no player \"" + *verb.player + "\" is on the session bus; " +
@@ -163,8 +165,11 @@ int runOnPlayer(const Verb& verb, const virelune::WidgetEntry& widget) {
   }
   if (verb.name == "follow") return refuse({.text = "no card runs"});
   const int status = runVerb(verb, headless).value_or(impossibleStatus);
-  finish(bus, headless.bridge());
-  return status;
+  if (verb.name != "status") finish(bus, headless.bridge());
+  // What the program holds goes with it. To take leave of each part of the bus, one by one, would
+  // take a good part of the time that a verb takes.
+  std::cout.flush();
+  std::_Exit(status);
 }
 
 // Without a player.
@@ -222,8 +227,7 @@ int exchange(const Verb& verb, RatingsStore& ratings) {
 
 }  // namespace
 
-int runHeadless(const Verb& verb, int argc, char** argv, const virelune::WidgetEntry& widget) {
-  const QCoreApplication application(argc, argv);
+int runHeadless(const Verb& verb, const virelune::WidgetEntry& widget) {
   if (verb.name == "players") return listPlayers();
   RatingsStore ratings(RatingsStore::defaultFile());
   if (verb.name == "list") return list(verb, ratings);
@@ -240,7 +244,8 @@ int runService(int argc, char** argv, const virelune::WidgetEntry& widget) {
   const QCoreApplication application(argc, argv);
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return refuse({.text = "there is no session bus"});
-  Headless headless(bus, Settings(Settings::defaultFile()).player(), widget);
+  Headless headless(bus, Settings(Settings::defaultFile()).player(), widget,
+                    PlayerRegistry::Watch::always);
   QTimer rest;
   rest.setSingleShot(true);
   QObject::connect(&rest, &QTimer::timeout, &rest, [] { QCoreApplication::quit(); });

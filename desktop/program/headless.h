@@ -6,8 +6,8 @@
 
 namespace desktop {
 
-/// Does a verb and answers its exit status.
-int runHeadless(const Verb& verb, int argc, char** argv, const virelune::WidgetEntry& widget);
+/// Does a verb and answers its exit status. Needs a QCoreApplication, which the service makes.
+int runHeadless(const Verb& verb, const virelune::WidgetEntry& widget);
 
 /// Answers on the bus in the place of a card, until one comes or nobody has asked for a minute.
 int runService(int argc, char** argv, const virelune::WidgetEntry& widget);

@@ -1,6 +1,8 @@
 // What every start does first; what needs more is loaded.
 #include <unistd.h>
 
+#include <QtCore/QCoreApplication>
+#include <QtDBus/QDBusConnection>
 #include <cstdlib>
 #include <iostream>
 #include <span>
@@ -48,10 +50,10 @@ int doVerb(const desktop::Result<desktop::Verb>& verb, int argc, char** argv) {
   if (!verb) {
     return desktop::refuse({desktop::badValueStatus, verb.problem().text + "; see --help"});
   }
+  const QCoreApplication application(argc, argv);
   if (desktop::isForCard(*verb)) {
-    const auto status = desktop::askEarly(argc, argv, [&verb](const QDBusConnection& bus) {
-      return desktop::runVerbOnCard(*verb, bus);
-    });
+    const auto bus = QDBusConnection::sessionBus();
+    const auto status = bus.isConnected() ? desktop::runVerbOnCard(*verb, bus) : std::nullopt;
     if (status) return *status;
   }
   return runHeadless(&*verb, argc, argv);
