@@ -38,6 +38,7 @@ TEST_F(ArtworkButton, CoverArrivesInTheLargeSizeOfTheAlbumAskedFor) {
   EXPECT_EQ(http.last().request.url,
             "https://itunes.apple.com/search?term=A+&+B+=+C+D+50%25+%22%C3%9C%22+%231+"
             "%F0%9F%91%8B+e%CC%81&entity=album");
+  EXPECT_EQ(http.last().request.timeout, 60);
   lookUp();
   http.answer(1, reply("https://img.example/100x100/a-100x100.jpg"));
   ASSERT_EQ(http.count(), 3U);
@@ -168,14 +169,12 @@ struct ScriptedDrag final : platform::DragBackend {
 struct ArtworkDrag : ArtworkButton {
   ArtworkDrag() {
     setenv("TZ", "HERE-1", 1);  // one hour ahead of UTC
-    tzset();
     platform_.drag = &desktop;
     control->setImage(image("cover"));
   }
   ~ArtworkDrag() override {
     platform_.drag = nullptr;
     unsetenv("TZ");
-    tzset();
   }
   void drag() {
     sendMouse(NSEventType::leftMouseDown, {30, 30});

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <sstream>
 
 namespace tests {
 
@@ -24,56 +23,45 @@ void RecordingCanvas::clip(platform::NSRect rect, double cornerRadius) {
 
 void RecordingCanvas::drawText(const platform::NSAttributedString& text, platform::NSRect rect,
                                unsigned options) {
-  DrawingStep& step = add(rect, text.text);
-  step.options = options;
+  add(text.text, rect);
   for (const auto& [key, value] : text.attributes) {
-    if (const auto* color = value.get<platform::NSColor>()) step.color = *color;
-    if (const auto* font = value.get<platform::NSFont>()) step.font = *font;
-    if (const auto* style = value.get<platform::NSParagraphStyle>())
-      step.alignment = style->alignment;
+    if (const auto* color = value.get<platform::NSColor>()) tell(*color);
+    if (const auto* font = value.get<platform::NSFont>()) {
+      text_ << " size " << font->size << (font->monospacedDigits ? " equal digits" : "");
+    }
+    constexpr const char* alignments[] = {" left", " right", " centred", " justified", ""};
+    if (const auto* style = value.get<platform::NSParagraphStyle>()) {
+      text_ << alignments[static_cast<std::size_t>(style->alignment)];
+    }
   }
+  constexpr unsigned usual = platform::NSStringDrawingUsesLineFragmentOrigin |
+                             platform::NSStringDrawingTruncatesLastVisibleLine;
+  if (options != usual) text_ << " options " << options;
 }
 
-std::vector<std::string> RecordingCanvas::names() const {
-  std::vector<std::string> found;
-  for (const auto& step : steps_) {
-    if (!step.name.empty()) found.push_back(step.name);
-  }
-  return found;
-}
-
-DrawingStep& RecordingCanvas::add(platform::NSRect rect, std::string name) {
+void RecordingCanvas::add(const std::string& name, platform::NSRect rect, double fraction) {
   rect = platform::NSOffsetRect(rect, state_.origin.x, state_.origin.y);
   const auto visible = state_.clip ? platform::NSIntersectionRect(rect, *state_.clip) : rect;
-  return steps_.emplace_back(
-      DrawingStep{rect, visible, state_.cornerRadius, state_.alpha, std::move(name)});
-}
-
-std::string portrait(platform::NSView& view) {
-  RecordingCanvas canvas;
-  view.displayRect(canvas, view.bounds());
-  std::ostringstream text;
-  const auto told = [](const platform::NSRect& rect) {
+  const auto told = [](const platform::NSRect& area) {
     std::ostringstream figures;
-    figures << ' ' << rect.minX() << ' ' << rect.minY() << ' ' << rect.size.width << ' '
-            << rect.size.height;
+    figures << ' ' << area.minX() << ' ' << area.minY() << ' ' << area.size.width << ' '
+            << area.size.height;
     return figures.str();
   };
-  constexpr const char* alignments[] = {" left", " right", " centred", " justified", ""};
-  for (const DrawingStep& step : canvas.steps()) {
-    text << '\n' << (step.name.empty() ? "fill" : step.name) << told(step.rect);
-    if (told(step.visible) != told(step.rect)) text << told(step.visible);
-    if (step.cornerRadius != 0) text << " round " << step.cornerRadius;
-    if (step.alpha != 1) text << " alpha " << step.alpha;
-    if (const auto color = step.color) {
-      const bool isLabel = color == platform::NSColor::labelColor();
-      isLabel ? text << " label" : text << " grey " << color->red() << '/' << color->alpha();
-    }
-    if (step.font) text << " size " << step.font->size;
-    if (step.font && step.font->monospacedDigits) text << " equal digits";
-    if (step.alignment) text << alignments[static_cast<std::size_t>(*step.alignment)];
-  }
-  return text.str();
+  text_ << '\n' << name << told(rect) << (told(visible) != told(rect) ? told(visible) : "");
+  if (state_.cornerRadius != 0) text_ << " round " << state_.cornerRadius;
+  if (state_.alpha * fraction != 1) text_ << " alpha " << state_.alpha * fraction;
+}
+
+void RecordingCanvas::tell(platform::NSColor color) {
+  const bool isLabel = color == platform::NSColor::labelColor();
+  isLabel ? text_ << " label" : text_ << " grey " << color.red() << '/' << color.alpha();
+}
+
+std::string portrait(platform::NSView& view, std::optional<platform::NSRect> rect) {
+  RecordingCanvas canvas;
+  view.displayRect(canvas, rect.value_or(view.bounds()));
+  return canvas.text();
 }
 
 std::shared_ptr<platform::NSImage> TestGraphics::decode(const Data& data) {

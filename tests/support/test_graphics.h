@@ -2,6 +2,8 @@
 // that writes down what is drawn.
 #pragma once
 
+#include <sstream>
+
 #include "platform/graphics/canvas.h"
 #include "platform/graphics/graphics.h"
 #include "platform/view/view.h"
@@ -26,19 +28,9 @@ std::string nameOf(const std::shared_ptr<platform::NSImage>& image);
 /// Bytes that decode to a test image of that name, 100 × 100 points.
 platform::Data imageBytes(const std::string& name);
 
-/// One drawing step, in the coordinates of the canvas.
-struct DrawingStep {
-  platform::NSRect rect;
-  platform::NSRect visible;  ///< of the rectangle, what the clips let through
-  double cornerRadius = 0;   ///< of the innermost clip
-  double alpha = 1;          ///< product of all opacities at work
-  std::string name;          ///< of the image, or the text; empty for a fill
-  std::optional<platform::NSColor> color = std::nullopt;
-  std::optional<platform::NSFont> font = std::nullopt;
-  std::optional<platform::NSTextAlignment> alignment = std::nullopt;
-  unsigned options = 0;
-};
-
+/// Writes down what is drawn, one step a line: the name of the image, the text or "fill", then x y
+/// width height, and of what differs from the usual the part that is not cut off, "round 3",
+/// "alpha 0.5", colour, "size 12", "equal digits", the alignment and the options of a text.
 class RecordingCanvas final : public platform::Canvas {
  public:
   void save() override { stack_.push_back(state_); }
@@ -52,20 +44,20 @@ class RecordingCanvas final : public platform::Canvas {
   void clip(platform::NSRect rect, double cornerRadius) override;
   void multiplyAlpha(double alpha) override { state_.alpha *= alpha; }
   void fillRect(platform::NSRect rect, platform::NSColor color) override {
-    if (!rect.isEmpty()) add(rect).color = color;
+    if (rect.isEmpty()) return;
+    add("fill", rect);
+    tell(color);
   }
   void fillRoundedRect(platform::NSRect rect, double, platform::NSColor color) override {
     fillRect(rect, color);
   }
   void drawImage(const platform::NSImage& image, platform::NSRect rect, double fraction) override {
-    add(rect, dynamic_cast<const TestImage&>(image).name()).alpha *= fraction;
+    add(dynamic_cast<const TestImage&>(image).name(), rect, fraction);
   }
   void drawText(const platform::NSAttributedString& text, platform::NSRect rect,
                 unsigned options) override;
 
-  const std::vector<DrawingStep>& steps() const { return steps_; }
-  /// The texts and the names of the images drawn, in order.
-  std::vector<std::string> names() const;
+  std::string text() const { return text_.str(); }
   bool isBalanced() const { return stack_.empty(); }
 
  private:
@@ -75,17 +67,16 @@ class RecordingCanvas final : public platform::Canvas {
     std::optional<platform::NSRect> clip;
     double cornerRadius = 0;
   };
-  DrawingStep& add(platform::NSRect rect, std::string name = "");
+  void add(const std::string& name, platform::NSRect rect, double fraction = 1);
+  void tell(platform::NSColor color);
 
   State state_;
   std::vector<State> stack_;
-  std::vector<DrawingStep> steps_;
+  std::ostringstream text_;
 };
 
-/// What a view draws, one step a line: the name, x y width height, and of what differs from the
-/// usual the part that is cut off, "round 3", "alpha 0.5", colour, "size 12", "equal digits" and
-/// the alignment.
-std::string portrait(platform::NSView& view);
+/// What a view draws, or what of it shows in a rectangle.
+std::string portrait(platform::NSView& view, std::optional<platform::NSRect> rect = std::nullopt);
 
 /// Every character is half as wide as the font's size; a line is 1.25 times as high as it.
 struct TestGraphics final : platform::Graphics {

@@ -24,22 +24,13 @@ TEST(ActionValues, ReadStarsAsPeopleWriteThemAndNothingElse) {
 }
 
 TEST(ActionValues, ReadPlacesOnAScaleFromItsBeginningFromNowAndInParts) {
-  for (const auto& [text, whole, expected] :
-       std::vector<std::tuple<const char*, double, std::optional<double>>>{{"30", 200, 30},
-                                                                           {"+5", 200, 45},
-                                                                           {"-5.5", 200, 34.5},
-                                                                           {"-50", 200, 0},
-                                                                           {"50%", 200, 100},
-                                                                           {"+10%", 200, 60},
-                                                                           {"-10%", 200, 20},
-                                                                           {"300", 200, 300},
-                                                                           {"50%", 0, {}},
-                                                                           {"%", 200, {}},
-                                                                           {"--5", 200, {}},
-                                                                           {"5 ", 200, {}},
-                                                                           {"", 200, {}},
-                                                                           {"inf", 200, {}},
-                                                                           {"+", 200, {}}}) {
+  using Amount = std::optional<double>;
+  const std::tuple<const char*, double, Amount> amounts[] = {
+      {"30", 200, 30},   {"+5", 200, 45},   {"-5.5", 200, 34.5}, {"-50", 200, 0},
+      {"50%", 200, 100}, {"+10%", 200, 60}, {"-10%", 200, 20},   {"300", 200, 300},
+      {"50%", 0, {}},    {"%", 200, {}},    {"--5", 200, {}},    {"5 ", 200, {}},
+      {"", 200, {}},     {"inf", 200, {}},  {"+", 200, {}}};
+  for (const auto& [text, whole, expected] : amounts) {
     EXPECT_EQ(desktop::amountFromText(text, 40, whole), expected) << text;
   }
   EXPECT_EQ(desktop::switchFromText("", true), false);

@@ -4,8 +4,6 @@
 #include <fstream>
 
 #include "desktop/drag/folder.h"
-#include "desktop/drag/mime_data.h"
-#include "platform/foundation/file_manager.h"
 #include "tests/support/temporary_folder.h"
 
 namespace desktop {
@@ -13,44 +11,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Writes a file of the next number wherever it is told to.
-class Source final : public platform::NSDraggingSource,
-                     public platform::NSPasteboardItemDataProvider {
- public:
-  platform::NSDragOperation draggingSession_sourceOperationMaskForDraggingContext(
-      platform::NSDraggingSession*, platform::NSDraggingContext) override {
-    return platform::NSDragOperationCopy;
-  }
-  void pasteboard_item_provideDataForType(platform::NSPasteboard* pasteboard,
-                                          platform::NSPasteboardItem* item,
-                                          const std::string& type) override {
-    if (type == platform::NSPasteboardTypePNG) return item->setString_forType("PNG", type);
-    const std::string path = *pasteboard->pasteLocation() + "/" + std::to_string(++files) + ".jpg";
-    platform::writeToFileAtomically(path, "JPEG");
-    item->setString_forType(platform::URL::fileURLWithPath(path)->absoluteString(), type);
-  }
-
-  int files = 0;
-};
-
-struct Drag : testing::Test {
-  Drag() { setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1); }
-  ~Drag() override { unsetenv("XDG_RUNTIME_DIR"); }
-
-  std::shared_ptr<platform::NSDraggingSession> session() {
-    const auto item = platform::make<platform::NSPasteboardItem>();
-    item->setDataProvider_forTypes(
-        source, {platform::NSPasteboardTypePNG, platform::NSPasteboardTypePromisedFileURL});
-    return platform::make<platform::NSDraggingSession>(
-        std::vector{platform::make<platform::NSDraggingItem>(item)}, source, platform::NSPoint{});
-  }
-
+TEST(DragFolder, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {
   const tests::TemporaryFolder runtime;
+  setenv("XDG_RUNTIME_DIR", runtime.path().c_str(), 1);
   const fs::path waiting = runtime.path() / "virelune-widget-drops";
-  const std::shared_ptr<Source> source = std::make_shared<Source>();
-};
-
-TEST_F(Drag, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {
   fs::create_directory(waiting);
   fs::permissions(waiting, fs::perms::owner_all);
   const auto now = fs::file_time_type::clock::now();
@@ -71,6 +35,7 @@ TEST_F(Drag, FilesWaitAnHourInAFolderOfTheUserAloneOrNowhere) {
   EXPECT_EQ(folder.path(), std::nullopt);
   setenv("XDG_RUNTIME_DIR", "relative", 1);
   EXPECT_EQ(DragFolder().path(), std::nullopt);
+  unsetenv("XDG_RUNTIME_DIR");
 }
 
 }  // namespace

@@ -102,12 +102,12 @@ TEST(CommandLine, TheManualAndTheCompletionsKnowEveryVerbAndEveryOptionAndNoOthe
 TEST(WindowPlacement, KeepsTheWholeCardOnTheNearestScreen) {
   const QList<QRect> screens{QRect(0, 30, 1920, 1050), QRect(1920, 0, 1280, 1024)};
   const QSize card(320, 88);
-  for (const auto& [wanted, expected] :
-       std::vector<std::pair<QPoint, QPoint>>{{{100, 200}, {100, 200}},
+  const std::pair<QPoint, QPoint> places[] = {{{100, 200}, {100, 200}},
                                               {{-50, 0}, {0, 30}},
                                               {{3100, 500}, {2880, 500}},
                                               {{1800, 1060}, {1920, 936}},
-                                              {{-9000, -9000}, {0, 30}}}) {
+                                              {{-9000, -9000}, {0, 30}}};
+  for (const auto& [wanted, expected] : places) {
     EXPECT_EQ(desktop::positionOnScreens(wanted, card, screens), expected);
   }
   EXPECT_EQ(desktop::positionOnScreens({7, 8}, card, {}), QPoint(7, 8));

@@ -49,18 +49,6 @@ TEST(DateFormatter, ReadsDatesThatCarryTheirZone) {
   }
 }
 
-TEST(DateFormatter, WritesInTheTimeZoneThatTheSystemHasNow) {
-  platform::NSDateFormatter formatter;
-  formatter.setDateFormat("yyyy-MM-dd HH-mm-ss");
-  for (const auto& [zone, text] :
-       {std::pair("UTC0", "1970-01-01 00-00-59"), std::pair("EAST-9", "1970-01-01 09-00-59"),
-        std::pair("WEST+3", "1969-12-31 21-00-59")}) {
-    ::setenv("TZ", zone, 1);
-    EXPECT_EQ(formatter.stringFromDate({59.9}), text);
-  }
-  ::unsetenv("TZ");
-}
-
 std::optional<Value> read(const std::string& bytes) {
   return platform::propertyListFromData(platform::Data::fromText(bytes));
 }
