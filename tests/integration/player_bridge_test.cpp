@@ -154,30 +154,6 @@ TEST_F(PlayerBridge, AClickOnTheArtworkRaisesThePlayerOnce) {
   EXPECT_THAT(player.calls(), testing::ElementsAre("Raise", "Next"));
 }
 
-TEST_F(PlayerBridge, KeepsRatingsAndLoveForPlayersThatHaveNone) {
-  const QVariantMap album{{"xesam:artist", "A"}, {"xesam:album", "B"}};
-  FakePlayer player(bus, "plain", song("One", album));
-  const auto marks = [] {
-    std::string all;
-    for (const auto property : {code("pRte"), code("pLov"), code("pAlR"), code("pALv")}) {
-      all += std::to_string(track()->propertyWithCode(property)->integerValue()) + ' ';
-    }
-    return all + textFromCode(track()->propertyWithCode(code("pRtk"))->enumCodeValue());
-  };
-  follow({.ratings = &ratings});
-  EXPECT_EQ(track()->propertyWithCode(code("pRtk"))->enumCodeValue(), platform::FourCharCode{});
-  rating()->setTo(100);
-  track()->propertyWithCode(code("pLov"))->setTo(true);
-  track()->propertyWithCode(code("pAlR"))->setTo(40);
-  track()->propertyWithCode(code("pALv"))->setTo(true);
-  follow({.ratings = &ratings});
-  EXPECT_EQ(marks(), "100 1 40 1 kRtU");
-  // The next track of the album has the album's marks and none of its own.
-  player.tell(song("Two", album));
-  ASSERT_TRUE(waitForTitle("Two"));
-  EXPECT_THAT(marks(), testing::StartsWith("0 0 40 1 "));
-}
-
 /// Asks everything that three full refreshes ask.
 struct PlayerFaults : BridgeFixture {
   static void refresh() {

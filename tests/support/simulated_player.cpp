@@ -21,39 +21,26 @@ std::string text(const platform::Value& value) {
 }
 
 std::string text(const ScriptingRequest& request) {
-  static constexpr const char* verbs[] = {"get",  "set",    "count",  "resolve",
-                                          "make", "remove", "command"};
-  std::string result = verbs[static_cast<int>(request.kind)];
-  const char* separator = " ";
+  static constexpr const char* verbs[] = {"",      "set ",    "count ",  "resolve ",
+                                          "make ", "remove ", "command "};
+  std::string path;
   for (const auto& step : request.path) {
-    result += separator + textFromCode(step.code);
-    if (step.index) result += '[' + std::to_string(*step.index) + ']';
-    separator = ".";
+    path += (path.empty() ? "" : ".") + textFromCode(step.code);
+    if (step.index) path += '[' + std::to_string(*step.index) + ']';
   }
+  if (path.starts_with("pTrk.")) path.erase(0, 5);
+  std::string result = verbs[static_cast<int>(request.kind)] + path;
   if (request.kind == Kind::set) result += ' ' + text(request.value);
-  if (request.kind == Kind::command) {
-    result += ' ' + textFromCode(request.eventClass) + '/' + textFromCode(request.eventIdentifier);
-  }
-  return result;
+  if (request.kind != Kind::command) return result;
+  return result + (path.empty() ? "" : " ") + textFromCode(request.eventClass) + '/' +
+         textFromCode(request.eventIdentifier);
 }
 
 }  // namespace
 
-std::string SimulatedPlayer::asked() const {
-  std::string all;
-  for (std::string entry : log_) {
-    for (const std::string usual : {"get ", "pTrk."}) {
-      const auto at = entry.find(usual);
-      if (at != std::string::npos) entry.erase(at, usual.size());
-    }
-    all += (all.empty() ? "" : " ") + entry;
-  }
-  return all;
-}
-
 std::optional<platform::ScriptingReply> SimulatedPlayer::send(const ScriptingRequest& request) {
   if (request.bundleIdentifier != platform::player::bundleIdentifier) return std::nullopt;
-  log_.push_back(text(request));
+  log_ += (requestCount_++ == 0 ? "" : " ") + text(request);
   if (const auto hook = requestHook_) hook(request);
   if (silent_ || (refusesWrites_ && request.kind == Kind::set)) return std::nullopt;
   const bool asks = request.kind != Kind::set && request.kind != Kind::command;

@@ -16,14 +16,15 @@ class SimulatedPlayer final : public demo::DemoPlayer {
 
   std::optional<platform::ScriptingReply> send(const platform::ScriptingRequest& request) override;
 
-  /// The requests since the last clearLog() as text, such as "get pTrk.pnam",
-  /// "get pTrk.cArt[0].pRaw", "count pTrk.cArt", "resolve pTrk", "set pPos 12.5",
+  /// The requests since the last clearLog(), each after a blank but the first: "pnam" for getting
+  /// the current track's name, "cArt[0].pRaw", "count cArt", "resolve pTrk", "set pPos 12.5",
   /// "command hook/Next", "command pTrk hook/Revl".
-  const std::vector<std::string>& log() const { return log_; }
-  /// The same in short: "pnam" for getting the current track's name.
-  std::string asked() const;
-  std::size_t requestCount() const { return log_.size(); }
-  void clearLog() { log_.clear(); }
+  const std::string& asked() const { return log_; }
+  std::size_t requestCount() const { return requestCount_; }
+  void clearLog() {
+    log_.clear();
+    requestCount_ = 0;
+  }
 
   /// Runs, but answers nothing and does nothing.
   void setSilent(bool silent) { silent_ = silent; }
@@ -39,7 +40,8 @@ class SimulatedPlayer final : public demo::DemoPlayer {
   }
 
  private:
-  std::vector<std::string> log_;
+  std::string log_;
+  std::size_t requestCount_ = 0;
   bool silent_ = false;
   bool refusesWrites_ = false;
   std::map<platform::FourCharCode, std::optional<platform::ScriptingReply>> replies_;

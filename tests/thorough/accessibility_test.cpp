@@ -20,10 +20,7 @@ TEST(Accessibility, EveryControlIsNamedOperatedAndToldOfOnce) {
   const PrivateBus bus;
   const Display display(bus);
   const TemporaryFolder home;
-  Environment environment = display.environment();
-  for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
-    environment[name] = home.path().c_str();
-  }
+  Environment environment = atHome(display.environment(), home);
   environment["LANGUAGE"] = "en";
   environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
   const Program accessibilityBus("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"},

@@ -18,26 +18,26 @@ using platform::NSMakeRect;
 struct OperatedWidget : platform::NSViewController {
   bool init() override {
     setView(platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64)));
-    button = platform::make<platform::NSButton>(NSMakeRect(250, 40, 20, 16));
-    button->setAccessibilityLabel("Next");
-    button->setTarget(shared_from_this());
-    button->setAction(&OperatedWidget::pressed);
-    stars = platform::make<virelune::VLRatingIndicator>(NSMakeRect(79, 10, 65, 12));
-    bar = platform::make<virelune::VLProgressIndicator>(NSMakeRect(0, -7, 320, 14));
+    // In another order than they are read in.
+    bar = add<virelune::VLProgressIndicator>(NSMakeRect(0, -7, 320, 14), "Bar",
+                                             &OperatedWidget::sought);
     bar->setMaxValue(100);
     bar->setNowValue(50);
-    stars->setAccessibilityLabel("Stars");
-    bar->setAccessibilityLabel("Bar");
-    stars->setTarget(shared_from_this());
-    stars->setAction(&OperatedWidget::rated);
-    bar->setTarget(shared_from_this());
-    bar->setAction(&OperatedWidget::sought);
-    // In another order than they are read in.
-    view()->addSubview(bar);
-    view()->addSubview(stars);
-    view()->addSubview(button);
+    stars = add<virelune::VLRatingIndicator>(NSMakeRect(79, 10, 65, 12), "Stars",
+                                             &OperatedWidget::rated);
+    button = add<platform::NSButton>(NSMakeRect(250, 40, 20, 16), "Next", &OperatedWidget::pressed);
     setPreferredContentSize({320, 64});
     return true;
+  }
+  template <class Control>
+  std::shared_ptr<Control> add(platform::NSRect frame, const char* label,
+                               bool (OperatedWidget::*action)(platform::NSObject*)) {
+    auto control = platform::make<Control>(frame);
+    control->setAccessibilityLabel(label);
+    control->setTarget(shared_from_this());
+    control->setAction(action);
+    view()->addSubview(control);
+    return control;
   }
   bool pressed(platform::NSObject*) {
     const auto& event = platform::current().application->currentEvent();
@@ -89,6 +89,9 @@ struct KeyboardTest : testing::Test {
     QKeyEvent event(QEvent::KeyPress, key, modifiers);
     QCoreApplication::sendEvent(&window_, &event);
   }
+  void press(std::initializer_list<Qt::Key> keys) {
+    for (const Qt::Key key : keys) press(key);
+  }
   std::string focus() {
     const auto control = keyboard_.focus();
     return control ? control->accessibilityLabel() : "";
@@ -118,15 +121,10 @@ TEST_F(KeyboardTest, TabWalksTheControlsInReadingOrderAndTheyUseTheirKeys) {
   EXPECT_EQ(walk, "0003.0003 Next Stars Bar 0003.0003 ");
   press(Qt::Key_Backtab, Qt::ShiftModifier);
   EXPECT_EQ(focus(), "Bar");
-  for (const Qt::Key key :
-       {Qt::Key_Left, Qt::Key_Up, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown}) {
-    press(key);
-  }
+  press({Qt::Key_Left, Qt::Key_Up, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End, Qt::Key_PageDown});
   EXPECT_EQ(done(), "s45s50s80s0s99s69");
   press(Qt::Key_Backtab, Qt::ShiftModifier);
-  for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Up, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left}) {
-    press(key);
-  }
+  press({Qt::Key_Right, Qt::Key_Up, Qt::Key_Left, Qt::Key_Left, Qt::Key_Left});
   EXPECT_EQ(done(), "r10r20r10r0r0");
   press(Qt::Key_Backtab, Qt::ShiftModifier);
   press(Qt::Key_Return);
@@ -139,8 +137,7 @@ TEST_F(KeyboardTest, TabWalksTheControlsInReadingOrderAndTheyUseTheirKeys) {
 }
 
 TEST_F(KeyboardTest, AControlThatHasGoneDoesNotKeepTheKeyboard) {
-  press(Qt::Key_Tab);
-  press(Qt::Key_Tab);
+  press({Qt::Key_Tab, Qt::Key_Tab});
   widget_->button->removeFromSuperview();
   press(Qt::Key_Space);
   EXPECT_EQ(done(), "play-pause()");

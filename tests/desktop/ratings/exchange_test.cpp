@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 
+#include <list>
+
 #include "desktop/ratings/pickle.h"
 #include "tests/desktop/ratings/ratings_fixture.h"
 
@@ -226,45 +228,38 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
       <keyword/><unknown><title>no</title></unknown></entry>
     <entry type="song"><title>unrated</title><location>file:///music/b.mp3</location></entry>
     <entry type="iradio"><rating>5</rating></entry></rhythmdb>)";
-  const auto database = [this](const char* column, const char* address) {
-    const std::string path = folder.path() / column;
-    Database songs = opened(path);
-    const std::string rows = std::string("CREATE TABLE songs (artist, album, albumartist, title,") +
-                             column +
-                             ", length, rating); INSERT INTO songs VALUES ('A', 'B', '',"
-                             " 'T', CAST('" +
-                             address + "' AS BLOB), 61029000000, 0.55)," +
-                             "('A', 'B', '', 'T', 'file:///music/b.mp3', 1, -1)";
-    EXPECT_EQ(songs.execute(rows.c_str()), SQLITE_OK);
-    // The player holds it, in the middle of a change.
-    EXPECT_EQ(songs.execute("BEGIN EXCLUSIVE; UPDATE songs SET rating = 0.1"), SQLITE_OK);
-    const auto report =
-        importRatings(store, (column == std::string("url") ? "strawberry:" : "clementine:") + path);
-    EXPECT_TRUE(report) << report.problem().text;
-    EXPECT_EQ(songs.execute("COMMIT"), SQLITE_OK);
-    return report ? *report : "";
+  std::list<Database> held;  // by their players, in the middle of a change
+  const auto database = [&](const std::string& column) {
+    const fs::path path = folder.path() / column;
+    const std::string rows = "CREATE TABLE songs (artist, album, albumartist, title, " + column +
+                             ", length, rating); INSERT INTO songs VALUES ('A', 'B', '', 'T',"
+                             " CAST('file:///music/%C3%A4.mp3' AS BLOB), 61029000000, 0.55),"
+                             " ('A', 'B', '', 'T', 'file:///music/b.mp3', 1, -1);"
+                             "BEGIN EXCLUSIVE; UPDATE songs SET rating = 0.1";
+    EXPECT_EQ(held.emplace_back(opened(path)).execute(rows.c_str()), SQLITE_OK);
+    return path;
   };
   const TrackIdentity track{.address = "/music/\u00e4.mp3"};
+  const std::tuple<const char*, fs::path, int, const char*> libraries[] = {
+      {"rhythmbox:", put(folder.path() / "rhythmbox", rhythmbox), 70, ""},
+      {"quodlibet:", put(folder.path() / "quodlibet", quodLibetSongs()), 50,
+       R"("artist":"A, B","title":"Title","length":60,"rating":50)"},
+      {"strawberry:", database("url"), 55, ""},
+      {"clementine:", database("filename"), 55, ""}};
+  for (const auto& [player, path, rating, names] : libraries) {
+    EXPECT_TRUE(store.setTrackLoved(track, true));
+    const auto report = importRatings(store, player + path.native());
+    ASSERT_TRUE(report) << report.problem().text;
+    EXPECT_TRUE(report->starts_with("Imported 1 rating from " + path.native() + "; 0 ")) << *report;
+    EXPECT_EQ(store.trackMarks(track).rating, rating);
+    EXPECT_EQ(store.trackMarks({.address = "/music/b.mp3"}), Marks{});
+    EXPECT_NE(exported(store).find(names), std::string::npos);
+    inStore("DELETE FROM marks; DELETE FROM names");
+  }
   const auto take = [&](const char* player, const std::string& bytes) {
     const auto report = importRatings(store, player + put(list, bytes).native());
     return report ? *report : report.problem().text;
   };
-  const auto begin = [&](int rating) {
-    EXPECT_EQ(store.trackMarks(track).rating, rating);
-    EXPECT_EQ(store.trackMarks({.address = "/music/b.mp3"}), Marks{});
-    inStore("DELETE FROM marks; DELETE FROM names");
-    EXPECT_TRUE(store.setTrackLoved(track, true));
-  };
-  EXPECT_TRUE(take("rhythmbox:", rhythmbox).starts_with("Imported 1 rating from " + list + "; 0 "));
-  begin(70);
-  EXPECT_TRUE(take("quodlibet:", quodLibetSongs()).starts_with("Imported 1 rating from "));
-  EXPECT_NE(exported(store).find(R"("artist":"A, B","title":"Title","length":60,"rating":50)"),
-            std::string::npos);
-  begin(50);
-  database("url", "file:///music/%C3%A4.mp3");
-  begin(55);
-  database("filename", "file:///music/%C3%A4.mp3");
-  begin(55);
   ASSERT_TRUE(store.setTrackRating(track, 20));
   EXPECT_TRUE(
       take("rhythmbox:", rhythmbox)

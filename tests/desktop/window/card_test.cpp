@@ -70,11 +70,20 @@ struct CardTest : testing::Test {
     }
   }
 
+  static void send(QWindow& window, QEvent::Type type, QPointF place, Qt::MouseButton button,
+                   Qt::MouseButtons buttons = {}, Qt::KeyboardModifiers modifiers = {},
+                   quint64 timestamp = 0) {
+    QMouseEvent event(type, place, window.mapToGlobal(place), button, buttons, modifiers);
+    event.setTimestamp(timestamp);
+    QCoreApplication::sendEvent(&window, &event);
+  }
+
   platform::Platform platform_;
   platform::PlatformScope scope_{platform_};
   desktop::QtGraphics graphics_{desktop::opaqueLabelColor};
   std::shared_ptr<FakeWidget> widget_ = platform::make<FakeWidget>();
   desktop::Card card_{widget_, "Name"};
+  desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
 
   // In the header, 24 points high above the widget's 64.
   const NSPoint closeControl_{305, 76};
@@ -86,9 +95,9 @@ TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
   int closings = 0;
   card_.header().setCloseHandler([&] { ++closings; });
   EXPECT_TRUE(card_.header().isHandle(title_));
-  EXPECT_FALSE(card_.header().isHandle(closeControl_));
-  EXPECT_FALSE(card_.header().isHandle(editControl_));
-  EXPECT_FALSE(card_.header().isHandle({40, 63}));
+  for (const NSPoint point : {closeControl_, editControl_, NSPoint{40, 63}}) {
+    EXPECT_FALSE(card_.header().isHandle(point)) << point.x;
+  }
   for (const NSPoint point : {editControl_, title_, editControl_}) click(point);
   EXPECT_EQ(widget_->editing, (std::vector<bool>{true, false}));
   EXPECT_EQ(closings, 0);
@@ -119,20 +128,13 @@ struct CardWindowTest : CardTest {
     QTimer::singleShot(20, &loop, &QEventLoop::quit);
     loop.exec();
   }
-  void sendMouse(QEvent::Type type, QPointF position, Qt::MouseButtons buttons,
-                 Qt::KeyboardModifiers modifiers = Qt::NoModifier, quint64 timestamp = 0) {
-    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, position, position, button, buttons, modifiers);
-    event.setTimestamp(timestamp);
-    QCoreApplication::sendEvent(&window_, &event);
-  }
   void press(quint64 timestamp, QPointF position = {110, 78},
              Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    sendMouse(QEvent::MouseButtonPress, position, Qt::LeftButton, modifiers, timestamp);
+    send(window_, QEvent::MouseButtonPress, position, Qt::LeftButton, Qt::LeftButton, modifiers,
+         timestamp);
   }
-  void release() { sendMouse(QEvent::MouseButtonRelease, {110, 78}, Qt::NoButton); }
+  void release() { send(window_, QEvent::MouseButtonRelease, {110, 78}, Qt::LeftButton); }
 
-  desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
   QRegion painted_;
   bool wasReady_ = false;
 };
@@ -188,10 +190,10 @@ TEST_F(CardWindowTest, MouseEventsCountUpwardsWithClicksAndTheOptionKey) {
 
 TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
   press(1000);
-  sendMouse(QEvent::MouseMove, {111, 78}, Qt::LeftButton);
+  send(window_, QEvent::MouseMove, {111, 78}, Qt::NoButton, Qt::LeftButton);
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 1U);
   const auto heard = widget_->middle->events.size();
-  sendMouse(QEvent::MouseMove, {112, 78}, Qt::NoButton);
+  send(window_, QEvent::MouseMove, {112, 78}, Qt::NoButton);
   EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U);
   release();
   EXPECT_EQ(widget_->middle->events.size(), heard);
@@ -211,10 +213,6 @@ TEST(CardArea, IsRoundedOutwardsToWholePixelsAtEveryScale) {
 }
 
 struct CardMenuTest : CardTest {
-  static void send(QWindow& window, QEvent::Type type, QPointF place, Qt::MouseButton button) {
-    QMouseEvent event(type, place, window.mapToGlobal(place), button, Qt::NoButton, {});
-    QCoreApplication::sendEvent(&window, &event);
-  }
   void openMenu() { send(window_, QEvent::MouseButtonPress, {50, 50}, Qt::RightButton); }
   void click(QPointF place) {
     send(menu_, QEvent::MouseButtonPress, place, Qt::LeftButton);
@@ -232,7 +230,6 @@ struct CardMenuTest : CardTest {
   }
 
   std::string chosen_;
-  desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
   desktop::CardMenu menu_{
       window_, graphics_, [this] {
         auto never = choice("c");

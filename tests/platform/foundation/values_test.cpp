@@ -7,7 +7,7 @@
 namespace tests {
 namespace {
 
-using platform::URL;
+using namespace platform;
 using namespace std::string_literals;
 
 std::string repeated(const std::string& text, std::size_t count) {
@@ -16,22 +16,45 @@ std::string repeated(const std::string& text, std::size_t count) {
   return all;
 }
 
-TEST(Texts, CompareIgnoringCaseByUnicodeNotByBytes) {
-  EXPECT_TRUE(platform::caseInsensitiveEqual("BEATS 1", "beats 1"));
-  EXPECT_TRUE(platform::caseInsensitiveEqual("STRASSE", "straße"));
-  EXPECT_TRUE(platform::caseInsensitiveEqual("\u00C9t\u00E9", "e\u0301TE\u0301"));
-  EXPECT_TRUE(platform::caseInsensitiveEqual("ΣΊΣΥΦΟΣ", "σίσυφος"));
-  EXPECT_FALSE(platform::caseInsensitiveEqual("Beats 1", "Beats 1 "));
-  EXPECT_FALSE(platform::caseInsensitiveEqual("\xFF", "\xFE"));
-  EXPECT_FALSE(platform::caseInsensitiveEqual("resume", "résumé"));
+TEST(Texts, CompareIgnoringCaseAndCompositionByUnicodeNotByBytes) {
+  const std::string above = "\u0301", below = "\u0323", ring = "\u030A";
+  const std::pair<std::string, std::string> equal[] = {
+      {"BEATS 1", "beats 1"},
+      {"STRASSE", "straße"},
+      {"\u00C9t\u00E9", "e\u0301TE\u0301"},
+      {"ΣΊΣΥΦΟΣ", "σίσυφος"},
+      // No character becomes more than three times longer or shorter.
+      {"\u0390", "\u03B9\u0308\u0301"},
+      {"k", "\u212A"},
+      // Marks come in one order, but those of one class.
+      {"\u1E69", "S\u0307" + below},
+      {"a" + above + below, "A" + below + above},
+      {"a" + below + "b" + above, "A" + below + "B" + above}};
+  for (const auto& [one, other] : equal) EXPECT_TRUE(caseInsensitiveEqual(one, other)) << one;
+  const std::pair<std::string, std::string> different[] = {{"Beats 1", "Beats 1 "},
+                                                           {"\xFF", "\xFE"},
+                                                           {"resume", "résumé"},
+                                                           {"a" + above + ring, "a" + ring + above},
+                                                           {"a" + below + "b", "ab" + below}};
+  for (const auto& [one, other] : different) EXPECT_FALSE(caseInsensitiveEqual(one, other)) << one;
+}
+
+TEST(Texts, NeitherManyMarksNorEndlessTextsHoldAComparisonUp) {
+  // Worked on mark by mark against all marks before, or read to its end each time, these would not
+  // come to an end today.
+  constexpr std::size_t many = 50'000;
+  EXPECT_TRUE(caseInsensitiveEqual("A" + repeated("\u0301\u0323", many),
+                                   "a" + repeated("\u0323", many) + repeated("\u0301", many)));
+  const std::string endless(50'000'000, 'x');  // NOLINT: long on purpose
+  for (int i = 0; i < 100'000; ++i) ASSERT_FALSE(caseInsensitiveEqual(endless, "Beats 1"));
 }
 
 TEST(Texts, DisplayableTextIsWholeCharactersWithoutControls) {
-  EXPECT_EQ(platform::displayableText(std::string("a\0b\x1B\nc", 6), 100), "a b \nc");
-  EXPECT_EQ(platform::displayableText("日本語", 7), "日本");
-  EXPECT_EQ(platform::displayableText("\xC3(", 100), "\xEF\xBF\xBD(");
-  EXPECT_EQ(platform::displayableText(std::string(1'000'000, 'x'), 4000).size(), 4000U);
-  EXPECT_EQ(platform::repairedUTF8("ok\xE2\x82"), "ok\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(displayableText(std::string("a\0b\x1B\nc", 6), 100), "a b \nc");
+  EXPECT_EQ(displayableText("日本語", 7), "日本");
+  EXPECT_EQ(displayableText("\xC3(", 100), "\xEF\xBF\xBD(");
+  EXPECT_EQ(displayableText(std::string(1'000'000, 'x'), 4000).size(), 4000U);
+  EXPECT_EQ(repairedUTF8("ok\xE2\x82"), "ok\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 TEST(Texts, BeginningIsCutBetweenCharactersAsAReaderSeesThem) {
@@ -60,34 +83,8 @@ TEST(Texts, BeginningIsCutBetweenCharactersAsAReaderSeesThem) {
            // One character that is too long by itself.
            {family + "x", 10, "👩‍"},
            {"e" + repeated(acute, 5000), 4096, "e" + repeated(acute, 2047)}}) {
-    EXPECT_EQ(platform::beginningOfText(text, bound), beginning) << text.substr(0, 20) << bound;
+    EXPECT_EQ(beginningOfText(text, bound), beginning) << text.substr(0, 20) << bound;
   }
-}
-
-TEST(Texts, MarksComeInOneOrderHoweverManyThereAre) {
-  const std::string above = "\u0301";
-  const std::string below = "\u0323";
-  const std::string ring = "\u030A";
-  EXPECT_TRUE(platform::caseInsensitiveEqual("\u1E69", "S\u0307" + below));
-  EXPECT_TRUE(platform::caseInsensitiveEqual("a" + above + below, "A" + below + above));
-  EXPECT_FALSE(platform::caseInsensitiveEqual("a" + above + ring, "a" + ring + above))
-      << "of one class";
-  EXPECT_TRUE(platform::caseInsensitiveEqual("a" + below + "b" + above, "A" + below + "B" + above));
-  EXPECT_FALSE(platform::caseInsensitiveEqual("a" + below + "b", "ab" + below));
-  // Worked on mark by mark against all marks before, these would not come to an end today.
-  constexpr std::size_t many = 50'000;
-  EXPECT_TRUE(platform::caseInsensitiveEqual("A" + repeated(above + below, many),
-                                             "a" + repeated(below, many) + repeated(above, many)));
-}
-
-TEST(Texts, ComparisonLeavesAloneWhatIsTooLongToBeEqual) {
-  // No character becomes more than three times longer or shorter.
-  EXPECT_TRUE(platform::caseInsensitiveEqual("\u0390", "\u03B9\u0308\u0301"));
-  EXPECT_TRUE(platform::caseInsensitiveEqual("k", "\u212A"));
-  // Read to its end each time, this would not come to an end today.
-  const std::string endless(50'000'000, 'x');  // NOLINT: long on purpose
-  for (int i = 0; i < 100'000; ++i)
-    ASSERT_FALSE(platform::caseInsensitiveEqual(endless, "Beats 1"));
 }
 
 TEST(Addresses, AreTakenOnlyWhenWellFormed) {
@@ -109,10 +106,9 @@ TEST(Addresses, AreTakenOnlyWhenWellFormed) {
 }
 
 std::string afterAppendingItem(const std::string& address) {
-  auto components = platform::NSURLComponents::componentsWithString(address);
+  auto components = NSURLComponents::componentsWithString(address);
   if (!components) return "none";
-  auto items =
-      components->percentEncodedQueryItems().value_or(std::vector<platform::NSURLQueryItem>());
+  auto items = components->percentEncodedQueryItems().value_or(std::vector<NSURLQueryItem>());
   items.push_back({"at", "1"});
   components->setPercentEncodedQueryItems(items);
   components->setScheme("x");
@@ -137,18 +133,18 @@ TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
 }
 
 TEST(Texts, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
-  EXPECT_TRUE(platform::caseInsensitiveContains("STRASSE 7", "straße"));
-  EXPECT_TRUE(platform::caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
-  EXPECT_FALSE(platform::caseInsensitiveContains("cafe\u0301", "cafe"));
-  EXPECT_TRUE(platform::caseInsensitiveContains("cafe\u0301 cafe", "cafe"));
-  EXPECT_TRUE(platform::caseInsensitiveContains("\377bar", "bar"));
-  EXPECT_FALSE(platform::caseInsensitiveContains("\377bar", "BAR"));
-  EXPECT_FALSE(platform::caseInsensitiveContains("bar", ""));
+  EXPECT_TRUE(caseInsensitiveContains("STRASSE 7", "straße"));
+  EXPECT_TRUE(caseInsensitiveContains("Le Caf\u00E9", "CAFE\u0301"));
+  EXPECT_FALSE(caseInsensitiveContains("cafe\u0301", "cafe"));
+  EXPECT_TRUE(caseInsensitiveContains("cafe\u0301 cafe", "cafe"));
+  EXPECT_TRUE(caseInsensitiveContains("\377bar", "bar"));
+  EXPECT_FALSE(caseInsensitiveContains("\377bar", "BAR"));
+  EXPECT_FALSE(caseInsensitiveContains("bar", ""));
 }
 
 struct Bundles : WidgetFixture {
   std::string text(std::vector<std::string> languages, const std::string& key) {
-    const auto other = platform::NSBundle::bundleWithPath(bundlePath(), std::move(languages));
+    const auto other = NSBundle::bundleWithPath(bundlePath(), std::move(languages));
     return other->localizedStringForKey_table(key, std::nullopt);
   }
 };

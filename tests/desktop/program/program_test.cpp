@@ -3,10 +3,12 @@
 #include <sys/stat.h>
 
 #include <fstream>
+#include <future>
 #include <regex>
 
 #include "desktop/files/settings.h"
 #include "desktop/program/command_line.h"
+#include "desktop/program/worker_pool.h"
 #include "desktop/remote/verb.h"
 #include "desktop/window/placement.h"
 #include "tests/support/temporary_folder.h"
@@ -160,6 +162,27 @@ TEST(Settings, AFileThatCannotBeReadIsSetAsideAndTheNextOneWritten) {
   desktop::Settings(file).setPlayer("vlc");
   EXPECT_EQ(desktop::Settings(file).player(), "vlc") << "a pipe would never end";
   desktop::Settings({}).setPlayer("none");
+}
+
+TEST(WorkerPool, GoingAwayDropsWhatHasNotBegunAndWaitsForWhatHas) {
+  std::promise<void> release;
+  bool hasFinished = false;
+  bool hasRunLate = false;
+  {
+    desktop::WorkerPool pool(1);
+    std::promise<void> begun;
+    pool.async([&] {
+      begun.set_value();
+      release.get_future().wait();
+      pool.async([&] { hasRunLate = true; });
+      hasFinished = true;
+    });
+    begun.get_future().wait();
+    const std::shared_ptr<void> dropped(nullptr, [&](void*) { release.set_value(); });
+    pool.async([&hasRunLate, dropped] { hasRunLate = true; });
+  }
+  EXPECT_TRUE(hasFinished);
+  EXPECT_FALSE(hasRunLate);
 }
 
 }  // namespace
