@@ -2,7 +2,6 @@
 
 #include <QtCore/QMutexLocker>
 #include <stdexcept>
-#include <utility>
 
 namespace tests {
 

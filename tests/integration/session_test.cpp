@@ -47,9 +47,10 @@ struct Session : testing::Test {
       return !player.calls().filter(call).isEmpty();
     });
   }
-  void click(const char* place) const {
-    display->xdotool(QString("mousemove --window %1 %2 click 1").arg(window, place));
+  void point(const char* place, const char* action = "") const {
+    display->xdotool(QString("mousemove --window %1 %2%3").arg(window, place, action));
   }
+  void click(const char* place) const { point(place, " click 1"); }
   bool remembers(const std::string& text) const {
     return waitUntil([&] {
       return contents(home_.path() / "virelune-widget/settings.ini").find(text) !=
@@ -87,18 +88,15 @@ TEST_F(Session, ClicksCommandThePlayerAndEdit) {
         },
         patience);
   };
-  const auto rest = [&](const char* place) {
-    display->xdotool(QString("mousemove --window %1 %2").arg(window, place));
-  };
   auto titled = song("Playing");
   titled["Metadata"] = QVariantMap{{"xesam:title", QString("Long ").repeated(30)}};
   player.tell(titled);
   EXPECT_TRUE(waitUntil([&] {
-    rest("130 33");
-    rest("120 53");
+    point("130 33");
+    point("120 53");
     return waitForWindows(2, std::chrono::seconds(2));
   })) << "the whole title below the pointer";
-  rest("280 53");
+  point("280 53");
   EXPECT_TRUE(waitForWindows(1, std::chrono::seconds(10)));
   player.tell(song("Stopped"));
   EXPECT_TRUE(waitForHeight(informationHeight));
