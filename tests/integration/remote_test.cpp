@@ -161,7 +161,7 @@ TEST_F(Remote, VerbsDoWithoutACardWhatTheySayAndTellWhyNot) {
   EXPECT_EQ(run({"rate", "-", "--album"}), 0);
   EXPECT_EQ(run({"love"}), 0);
   EXPECT_EQ(run({"love", "on"}), 0);
-  EXPECT_EQ(run({"love", "--album"}), 0);
+  EXPECT_EQ(run({"love", "on", "--album"}), 0);
   const char* marks = "{{artist}} {{title}} {{stars}} {{loved}} {{albumRating}} {{albumLoved}}";
   EXPECT_EQ(say({"status", "--format", marks}), "Band Song ★★★★½ true 0 true");
   EXPECT_EQ(say({"list", "--loved", "--format", "m3u"}),
