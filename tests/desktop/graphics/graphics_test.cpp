@@ -2,17 +2,43 @@
 
 #include <gtest/gtest.h>
 #include <QtCore/QBuffer>
+#include <QtGui/QImage>
+#include <functional>
 #include <limits>
 
+#include "desktop/graphics/qt_canvas.h"
 #include "desktop/graphics/text_block.h"
 #include "desktop/window/card_style.h"
-#include "tests/desktop/painting.h"
 
 namespace {
 
 using namespace platform;
-using tests::drawn;
-using tests::ink;
+
+/// What is drawn on a canvas of this size (points), on nothing.
+QImage drawn(QSize size, const std::function<void(Canvas&)>& draw,
+             Appearance appearance = Appearance::light, double scale = 1) {
+  QImage picture(size * scale, QImage::Format_ARGB32_Premultiplied);
+  picture.fill(Qt::transparent);
+  picture.setDevicePixelRatio(scale);
+  {
+    QPainter painter(&picture);
+    desktop::QtCanvas canvas(painter, size.height(), appearance);
+    draw(canvas);
+  }
+  picture.setDevicePixelRatio(1);
+  return picture;
+}
+
+/// The rectangle of the pixels that anything was drawn on; empty when there are none.
+QRect ink(const QImage& picture) {
+  QRect inked;
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 0; x < picture.width(); ++x) {
+      if (qAlpha(picture.pixel(x, y)) > 0) inked |= QRect(x, y, 1, 1);
+    }
+  }
+  return inked;
+}
 
 QByteArray encoded(const char* format, QSize size = {64, 48}) {
   QImage picture(size, QImage::Format_RGB32);
@@ -62,14 +88,12 @@ TEST(DrawingImage, FollowsTheAppearanceAndStaysSharpAtEveryScale) {
       desktop::opaqueLabelColor);
   ASSERT_NE(image, nullptr);
   EXPECT_EQ(desktop::DrawingImage::fromSource("<svg", desktop::opaqueLabelColor), nullptr);
-  const auto draw = [&](platform::Canvas& canvas) {
-    canvas.drawImage(*image, NSMakeRect(0, 0, 8, 8), 1);
-  };
+  const auto draw = [&](Canvas& canvas) { canvas.drawImage(*image, NSMakeRect(0, 0, 8, 8), 1); };
   for (const double scale : {1.0, 4.0, 1.5}) {
-    const QImage light = tests::drawn({8, 8}, draw, Appearance::light, scale);
-    const QImage dark = tests::drawn({8, 8}, draw, Appearance::dark, scale);
+    const QImage light = drawn({8, 8}, draw, Appearance::light, scale);
+    const QImage dark = drawn({8, 8}, draw, Appearance::dark, scale);
     const int half = static_cast<int>(4 * scale);
-    EXPECT_EQ(tests::ink(light), QRect(0, 0, half, 2 * half));
+    EXPECT_EQ(ink(light), QRect(0, 0, half, 2 * half));
     EXPECT_EQ(qAlpha(light.pixel(half - 1, 3)), 255);
     EXPECT_LT(light.pixelColor(1, 1).lightness(), 64);
     EXPECT_GT(dark.pixelColor(1, 1).lightness(), 192);
@@ -103,8 +127,8 @@ TEST(QtCanvas, CountsFromTheLowerLeftAndClipsAndOpacitiesEndWithTheirSave) {
 }
 
 constexpr double anyHeight = std::numeric_limits<double>::max();
-constexpr unsigned truncating = platform::NSStringDrawingUsesLineFragmentOrigin |
-                                platform::NSStringDrawingTruncatesLastVisibleLine;
+constexpr unsigned truncating =
+    NSStringDrawingUsesLineFragmentOrigin | NSStringDrawingTruncatesLastVisibleLine;
 constexpr double size = 16;
 constexpr double line = size * 1.2;
 
@@ -112,9 +136,8 @@ NSAttributedString styled(const std::string& text, NSTextAlignment alignment) {
   NSAttributedString result{text, {}};
   NSFont font;
   font.size = size;
-  result.attributes[platform::NSFontAttributeName] = font;
-  result.attributes[platform::NSParagraphStyleAttributeName] =
-      platform::NSParagraphStyle{alignment};
+  result.attributes[NSFontAttributeName] = font;
+  result.attributes[NSParagraphStyleAttributeName] = NSParagraphStyle{alignment};
   return result;
 }
 
@@ -125,7 +148,7 @@ NSSize measured(const std::string& text, double width, double height = anyHeight
 
 QImage drawnText(const std::string& text, QSize area, unsigned options = truncating,
                  NSTextAlignment alignment = NSTextAlignment::left) {
-  return tests::drawn(area, [&](platform::Canvas& canvas) {
+  return drawn(area, [&](Canvas& canvas) {
     canvas.drawText(styled(text, alignment), NSMakeRect(0, 0, area.width(), area.height()),
                     options);
   });
@@ -139,10 +162,10 @@ TEST(TextBlock, WrapsBetweenWordsAndInsideOnesThatAreTooLongAndAtLineFeeds) {
   EXPECT_GT(measured(std::string(100, 'm'), 100).height, 5 * line);
   EXPECT_DOUBLE_EQ(measured("a\nb\nc\nd\ne", 1000, 2 * line + 1).height, 3 * line);
   EXPECT_DOUBLE_EQ(measured("夜の音 🎵", 1000).height, line) << "another font's characters";
-  const QImage low = tests::drawn({100, 40}, [](platform::Canvas& canvas) {
+  const QImage low = drawn({100, 40}, [](Canvas& canvas) {
     canvas.drawText(styled("Low", NSTextAlignment::left), NSMakeRect(0, 35, 100, 5), truncating);
   });
-  EXPECT_GT(tests::ink(low).height(), 8) << "the first line is drawn in an area that is too low";
+  EXPECT_GT(ink(low).height(), 8) << "the first line is drawn in an area that is too low";
 }
 
 TEST(TextBlock, OnlyTextThatIsCutEndsInAnEllipsisAfterAWholeWordOrCharacter) {
@@ -165,7 +188,7 @@ TEST(TextBlock, AlignsToTheSideThatIsAskedForOrWhereTheTextBegins) {
                                                                  {"abc", right, 1},
                                                                  {"abc", center, 0}};
   for (const auto& [text, alignment, side] : cases) {
-    const QRect inked = tests::ink(drawnText(text, {200, 20}, truncating, alignment));
+    const QRect inked = ink(drawnText(text, {200, 20}, truncating, alignment));
     EXPECT_EQ((inked.left() > 100) - (inked.right() < 100), side) << text;
   }
 }
