@@ -54,6 +54,14 @@ struct BridgeFixture : testing::Test {
   static bool waitForRating(int expected) {
     return waitUntil([&] { return rating()->integerValue() == expected; });
   }
+  /// Waits until a rating of the track has come that far on its way into the player's library.
+  bool isNoted(const desktop::TrackIdentity& track, const std::string& player,
+               desktop::LibraryNote::State state) {
+    return waitUntil([&] {
+      const auto note = ratings.trackRating(track, player).note;
+      return note && note->state == state;
+    });
+  }
   static void command(platform::FourCharCode identifier) {
     app()->sendEvent_id_parameters(platform::code("hook"), identifier);
   }

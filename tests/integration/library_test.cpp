@@ -9,9 +9,8 @@
 namespace tests {
 namespace {
 
-using desktop::LibraryNote;
 using platform::code;
-using State = LibraryNote::State;
+using State = desktop::LibraryNote::State;
 
 /// A player with a library that is reached in its own way.
 class Library final : public QDBusVirtualObject {
@@ -123,13 +122,9 @@ struct LibraryTest : BridgeFixture {
   }
   static std::int64_t shown() { return rating()->integerValue(); }
   static void click(int stars) { rating()->setTo(stars); }
-  std::optional<LibraryNote> noteOf(int number) {
-    return ratings
-        .trackRating({.address = QString("/music/%1.flac").arg(number).toStdString()}, player)
-        .note;
-  }
-  bool isNoted(int number, State state) {
-    return waitUntil([&] { return noteOf(number) && noteOf(number)->state == state; });
+  /// The same of the first track.
+  bool isNoted(State state) {
+    return BridgeFixture::isNoted({.address = "/music/1.flac"}, player, state);
   }
 
   std::unique_ptr<Library> library;
@@ -144,7 +139,7 @@ TEST_F(LibraryTest, AStarLandsInEachKindOfLibraryAndAHalfOneStaysOneWhereItIsRou
     library->step = step;
     click(70);
     EXPECT_EQ(shown(), 70) << "without waiting for the library";
-    EXPECT_TRUE(isNoted(1, State::written));
+    EXPECT_TRUE(isNoted(State::written));
     EXPECT_NEAR(library->ratings[1], 0.7, step / 2 + 0.01);
     library->signal();
     EXPECT_FALSE(waitUntil([] { return shown() != 70; }, std::chrono::milliseconds(50)));
@@ -153,7 +148,7 @@ TEST_F(LibraryTest, AStarLandsInEachKindOfLibraryAndAHalfOneStaysOneWhereItIsRou
     library->rate(0.8);
     EXPECT_TRUE(waitForRating(80));
     click(0);
-    EXPECT_TRUE(isNoted(1, State::written));
+    EXPECT_TRUE(isNoted(State::written));
     library->rate(1.0);
     EXPECT_TRUE(waitForRating(100)) << "also over a rating that was cleared here";
     library.reset();
@@ -167,7 +162,7 @@ TEST_F(LibraryTest, TheNextTrackIsNeverRatedInThePlaceOfTheOneThatWas) {
     library->atQuestion = [&] { library->play(2); };
     click(90);
     EXPECT_TRUE(waitForTitle("Song 2"));
-    EXPECT_TRUE(isNoted(1, State::pending));
+    EXPECT_TRUE(isNoted(State::pending));
     EXPECT_EQ(library->writes, 0) << name;
     library.reset();
   }
@@ -177,13 +172,13 @@ TEST_F(LibraryTest, ARefusalIsFinalAndNothingIsWrittenWhereThatIsNotWanted) {
   open("rhythmbox");
   library->refuses = true;
   click(60);
-  EXPECT_TRUE(isNoted(1, State::refused));
+  EXPECT_TRUE(isNoted(State::refused));
   EXPECT_EQ(shown(), 60);
   library.reset();
   for (const auto& [name, writes] : {std::pair("rhythmbox", false), {"mpv", true}}) {
     open(name, writes);
     click(40);
-    EXPECT_TRUE(isNoted(1, State::none));
+    EXPECT_TRUE(isNoted(State::none));
     EXPECT_FALSE(waitUntil([&] { return library->writes > 0; }, std::chrono::milliseconds(50)));
     library.reset();
   }

@@ -54,13 +54,9 @@ struct LoveRating : tests::WidgetFixture {
     std::ofstream(*vl_applicationPreferencesURLForPlistGeneral()->filePath()) << text;
   }
 
-  static void writeRule(const std::string& entries) {
-    writePreferences("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
-  }
-
-  static void switchRuleOn(const std::string& threshold) {
-    writeRule("<key>UseAutoLove</key><true/><key>UseAutoLoveValue</key><integer>" + threshold +
-              "</integer>");
+  static void writeRule(const std::string& use, const std::string& threshold) {
+    writePreferences("<plist version=\"1.0\"><dict><key>UseAutoLove</key>" + use +
+                     "<key>UseAutoLoveValue</key>" + threshold + "</dict></plist>");
   }
 
   tests::TemporaryDataHome dataHome;
@@ -125,7 +121,9 @@ TEST_F(LoveRating, EveryChainAsksAndChangesExactlyThisInThisOrder) {
       fields >> threshold >> command >> before >> kind >> answer >> after >> std::ws;
       std::getline(fields, requested);
 
-      threshold == "off" ? writeRule("") : switchRuleOn(threshold);
+      const bool isOn = threshold != "off";
+      writeRule(isOn ? "<true/>" : "<false/>",
+                "<integer>" + (isOn ? threshold : "80") + "</integer>");
       startPlayer();
       player.currentTrack()->isStream = kind == "stream";
       Marks& track = player.currentTrack()->marks;
@@ -160,7 +158,7 @@ TEST_F(LoveRating, TheRuleTakesNumbersOfAnyKindAndIsOffWithoutThem) {
       {"<array/>", "<true/>", false, 1},
   };
   for (const auto& [use, value, isOn, threshold] : cases) {
-    writeRule(std::string("<key>UseAutoLove</key>") + use + "<key>UseAutoLoveValue</key>" + value);
+    writeRule(use, value);
     EXPECT_EQ(vl_useAutoLovedRating(), isOn) << use;
     EXPECT_EQ(vl_autoLovedRating(), threshold) << value;
   }

@@ -26,15 +26,9 @@ struct RealLibrary : BridgeFixture {
   static bool plays() {
     return waitLong([] { return title() == "First Light"; });
   }
-  bool isNoted(const char* player, State state) {
-    const desktop::TrackIdentity identity{
-        .artist = "The Tides", .album = "Harbour", .title = "First Light", .length = mediaSeconds};
-    return waitUntil([&] {
-      const auto note = ratings.trackRating(identity, player).note;
-      return note && note->state == state;
-    });
-  }
 
+  const desktop::TrackIdentity track_{
+      .artist = "The Tides", .album = "Harbour", .title = "First Light", .length = mediaSeconds};
   const QString file_ = mediaFiles().front();
   const std::filesystem::path music_ = std::filesystem::path(file_.toStdString()).parent_path();
   Environment environment_ = bus.environment();
@@ -76,18 +70,18 @@ struct Mpd : RealLibrary {
 TEST_F(Mpd, TakesTheStarsIntoItsStickers) {
   play(true);
   rating()->setTo(70);
-  EXPECT_TRUE(isNoted("mpd", State::written));
+  EXPECT_TRUE(isNoted(track_, "mpd", State::written));
   EXPECT_EQ(sticker(), "rating=7");
   for (int stars = 0; stars <= 100; ++stars) rating()->setTo(stars);
   rating()->setTo(40);
-  EXPECT_TRUE(isNoted("mpd", State::written));
+  EXPECT_TRUE(isNoted(track_, "mpd", State::written));
   EXPECT_EQ(sticker(), "rating=4") << "the last one";
 }
 
 TEST_F(Mpd, KeepsNoneWithoutAStickerFile) {
   play(false);
   rating()->setTo(70);
-  EXPECT_TRUE(isNoted("mpd", State::none));
+  EXPECT_TRUE(isNoted(track_, "mpd", State::none));
 }
 
 struct QuodLibet : RealLibrary {
@@ -119,7 +113,7 @@ TEST_F(QuodLibet, TakesTheStarsIntoItsLibraryAndTheLastHandWins) {
   rating()->setTo(70);
   EXPECT_EQ(rating()->integerValue(), 70);
   EXPECT_TRUE(prints("0.70"));
-  EXPECT_TRUE(isNoted("quodlibet", State::written));
+  EXPECT_TRUE(isNoted(track_, "quodlibet", State::written));
   auto message = QDBusMessage::createMethodCall(
       "net.sacredchao.QuodLibet", "/net/sacredchao/QuodLibet", "net.sacredchao.QuodLibet", "Rate");
   message << "0.2";

@@ -124,15 +124,6 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
   EXPECT_FALSE(fs::exists(file));
 }
 
-TEST_F(RatingsExchange, FilesThatCannotBeReadOrWrittenAreNamed) {
-  store.setTrackRating({.title = "a"}, 20);
-  const std::string missing = folder.path() / "none/ratings.jsonl";
-  for (const auto& result : {importRatings(store, missing), exportRatings(store, missing)}) {
-    ASSERT_FALSE(result);
-    EXPECT_TRUE(result.problem().text.ends_with(missing + ": No such file or directory"));
-  }
-}
-
 TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   const auto expectRefusal = [&](const char* why) {
     put(list, "last");
@@ -173,8 +164,13 @@ TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   EXPECT_GE(found, saved);
 }
 
-TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStands) {
+TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStandsAndWhatCannotBeUsedIsNamed) {
   store.setTrackRating({.title = "a"}, 20);
+  const std::string missing = folder.path() / "none/ratings.jsonl";
+  for (const auto& result : {importRatings(store, missing), exportRatings(store, missing)}) {
+    ASSERT_FALSE(result);
+    EXPECT_TRUE(result.problem().text.ends_with(missing + ": No such file or directory"));
+  }
   const std::string line = exported(store);
   const FileDescriptor before(::dup(STDOUT_FILENO));
   for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
