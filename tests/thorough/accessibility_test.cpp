@@ -20,7 +20,10 @@ TEST(Accessibility, EveryControlIsNamedOperatedAndToldOfOnce) {
   const PrivateBus bus;
   const Display display(bus);
   const TemporaryFolder home;
-  Environment environment = atHome(display.environment(), home);
+  Environment environment = display.environment();
+  for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+    environment[name] = home.path().c_str();
+  }
   environment["LANGUAGE"] = "en";
   environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
   const Program accessibilityBus("/usr/libexec/at-spi-bus-launcher", {"--launch-immediately"},
