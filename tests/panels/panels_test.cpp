@@ -111,6 +111,18 @@ TEST_F(Link, FirstMatchingArtistsPageOpensAsAStoreLinkOfAFreshSearch) {
       "https://x.example/1"},{"artistName":"FOO","artistLinkUrl":"https://x.example/2?uo=4&q=%2B#top",
       "artistViewUrl":"https://x.example/3"},{"artistName":"foo","artistLinkUrl":"https://x/4"}]})"),
               ElementsAre("open itms://x.example/2?uo=4&q=%2B&at=4p8d27M#top"));
+  const std::pair<const char*, const char*> kept[] = {
+      {"https://h/p?", "//h/p?"},
+      {"https://h/p?a=%2B&&b&c==&d=%26#f?g", "//h/p?a=%2B&&b&c==&d=%26&#f?g"},
+      {"https://h/p?a&", "//h/p?a&&"},
+      {"mailto:a@b", "a@b?"}};
+  for (const auto& [address, before] : kept) {
+    std::string opened = "open itms:" + std::string(before);
+    opened.insert(std::min(opened.find('#'), opened.size()), "at=4p8d27M");
+    EXPECT_THAT(openedFor("foo", R"({"results":[{"artistName":"foo","artistLinkUrl":")" +
+                                     std::string(address) + "\"}]}"),
+                ElementsAre(opened));
+  }
   EXPECT_THAT(openedFor("foo", R"({"results":[{"artistName":"foo","artistLinkUrl":"",
       "artistViewUrl":"//x.example/3"},{"artistName":"foo","artistLinkUrl":"https://x/4"}]})"),
               ElementsAre("open itms://x.example/3?at=4p8d27M"));

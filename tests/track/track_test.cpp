@@ -8,9 +8,8 @@
 namespace virelune {
 namespace {
 
-using platform::code;
-using platform::NSEventModifierFlagOption;
-using platform::Value;
+using namespace platform;
+
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -20,9 +19,9 @@ using tests::nameOf;
 /// A panel in a window, over the simulated player.
 struct Track : tests::WidgetFixture {
   /// Puts a new panel on screen, over a player in a state.
-  void show(platform::FourCharCode state = demo::statePlaying, std::size_t track = 0) {
+  void show(FourCharCode state = demo::statePlaying, std::size_t track = 0) {
     startPlayer(state, track);
-    panel = platform::make<VLTrackViewController>();
+    panel = make<VLTrackViewController>();
     window->setContentView(panel->view());
     window->setVisible(true);
     clock.settle();
@@ -82,7 +81,7 @@ TEST_F(TrackReadout, TellsWhatThereIsAndFallsBackWhereThereIsNothing) {
     return (panel->infoTrackHasArtwork() ? "has " : "no ") + nameOf(panel->infoTrackArtwork());
   };
   const auto play = [&] { return nameOf(panel->infoTrackPlayImage()); };
-  const auto rated = [this](platform::FourCharCode kind) {
+  const auto rated = [this](FourCharCode kind) {
     return [=, this] { track().marks.ratingKind = kind; };
   };
   const auto kind = [&] { return std::to_string(panel->infoTrackRatingType()); };
@@ -90,7 +89,7 @@ TEST_F(TrackReadout, TellsWhatThereIsAndFallsBackWhereThereIsNothing) {
   const auto live = [this](const char* key, const Value& value) {
     return [=, this] { loader().trackInfoUpdateForKey_withValue(key, value); };
   };
-  const Value image(platform::imageWithData(tests::imageBytes("live")));
+  const Value image(imageWithData(tests::imageBytes("live")));
   const std::tuple<Given, std::function<std::string()>, std::string> rows[] = {
       {at(59.999), time, "00:59 | 3:45"},
       {at(3600), time, "60:00 | 3:45"},
@@ -103,8 +102,8 @@ TEST_F(TrackReadout, TellsWhatThereIsAndFallsBackWhereThereIsNothing) {
       {by("", "Y"), artist, "Y"},
       {by("", ""), artist, "none"},
       {[] {}, artwork, "has cover"},
-      {[this] { player.setReply(code("pRaw"), Value(platform::Data::fromText("no image"))); },
-       artwork, "has VLImageArtworkBackground"},
+      {[this] { player.setReply(code("pRaw"), Value(Data::fromText("no image"))); }, artwork,
+       "has VLImageArtworkBackground"},
       {[this] { player.setReply(code("pRaw"), std::nullopt); }, artwork,
        "has VLImageArtworkBackground"},
       {[this] { track().cover = {}; }, artwork, "no VLImageArtworkBackground"},
@@ -132,7 +131,7 @@ struct TrackActions : Track {
   }
   static constexpr std::size_t artwork = 0, next = 3, play = 4, previous = 5, love = 7;
   /// The middle of the third star.
-  static constexpr platform::NSPoint threeStars{79 + 39, 16};
+  static constexpr NSPoint threeStars{79 + 39, 16};
 };
 
 TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
@@ -152,14 +151,14 @@ TEST_F(TrackActions, TransportClicksChangeNothingUntilThePlayerSaysSo) {
     EXPECT_EQ(panel->contentNameTextLabel()->text(), track);
   }
   player.clearLog();
-  sendMouse(platform::NSEventType::leftMouseDown, {160, 3});
+  sendMouse(NSEventType::leftMouseDown, {160, 3});
   EXPECT_EQ(player.asked(), "pPlS set pPos 112.5 pPlS pPos") << "half of the bar";
   EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 112.5);
-  sendMouse(platform::NSEventType::leftMouseUp, {160, 3});
+  sendMouse(NSEventType::leftMouseUp, {160, 3});
   player.quit();
   player.clearLog();
   for (const std::size_t control : {artwork, next, play, previous, love}) clickControl(control);
-  for (const auto point : {platform::NSPoint{160, 3}, threeStars}) click(point);
+  for (const auto point : {NSPoint{160, 3}, threeStars}) click(point);
   EXPECT_EQ(player.asked(), "") << "a player that has quit is not asked";
 }
 
@@ -175,7 +174,7 @@ TEST_F(TrackActions, LoveAndStarsActOnTheTrackWithOptionOnItsAlbumAndShowAtOnceB
            told(panel->contentRatingIndicator()->nowValue(),
                 nameOf(panel->contentLoveButton()->image()) == VLImageLoveOn);
   };
-  constexpr auto option = NSEventModifierFlagOption | platform::NSEventModifierFlagShift;
+  constexpr auto option = NSEventModifierFlagOption | NSEventModifierFlagShift;
   const std::tuple<const char*, std::uint64_t, const char*> steps[] = {
       {"heart", option, "0- 0+ 0- "}, {"stars", option, "0- 60+ 0- "},
       {"heart", 0, "0+ 60+ 0+ "},     {"stars", 0, "60+ 60+ 60+ "},
@@ -234,7 +233,7 @@ TEST_F(Track, TheHeartbeatAsksForAndRepaintsOnlyThePositionEverySecondWhileShown
   EXPECT_EQ(player.asked(), "pPlS pPos pPlS pPlS pPos pTim");
   EXPECT_EQ(panel->contentProgressIndicator()->nowValue(), 7.0);
   EXPECT_EQ(panel->contentTimeTextLabel()->text(), "00:07 | 3:45");
-  EXPECT_THAT(marked, testing::ElementsAre(platform::NSMakeRect(0, 0, 320, 7),
+  EXPECT_THAT(marked, testing::ElementsAre(NSMakeRect(0, 0, 320, 7),
                                            panel->contentTimeTextLabel()->frame()));
   player.clearLog();
   clock.advance(10);
@@ -284,7 +283,7 @@ TEST_F(Track, APlayerThatGoesInTheMiddleOfARefreshIsSurvivedAndFoundAgain) {
   for (const bool quits : {true, false}) {
     for (std::size_t last = 1; last <= requests; ++last) {
       player.clearLog();
-      player.setRequestHook([&](const platform::ScriptingRequest&) {
+      player.setRequestHook([&](const ScriptingRequest&) {
         if (player.requestCount() < last) return;
         quits ? player.quit() : player.setSilent(true);
       });

@@ -18,24 +18,24 @@ namespace {
 using namespace platform;
 
 /// Notes how often it is drawn, and its mouse events.
-struct NotingView : platform::NSView {
+struct NotingView : NSView {
   using NSView::NSView;
   void drawRect(NSRect) override { ++drawings; }
-  void mouseDown(const platform::NSEvent* event) override { events.push_back(*event); }
-  void mouseDragged(const platform::NSEvent* event) override { events.push_back(*event); }
-  void mouseUp(const platform::NSEvent* event) override { events.push_back(*event); }
+  void mouseDown(const NSEvent* event) override { events.push_back(*event); }
+  void mouseDragged(const NSEvent* event) override { events.push_back(*event); }
+  void mouseUp(const NSEvent* event) override { events.push_back(*event); }
 
   int drawings = 0;
-  std::vector<platform::NSEvent> events;
+  std::vector<NSEvent> events;
 };
 
-class FakeWidget : public platform::NSViewController, public platform::NCWidgetProviding {
+class FakeWidget : public NSViewController, public NCWidgetProviding {
  public:
   bool init() override {
-    setView(platform::make<platform::NSView>(NSMakeRect(0, 0, 320, 64)));
+    setView(make<NSView>(NSMakeRect(0, 0, 320, 64)));
     for (auto [child, x] :
          {std::pair(&left, 0.0), std::pair(&middle, 100.0), std::pair(&right, 300.0)}) {
-      *child = platform::make<NotingView>(NSMakeRect(x, 0, 20, 20));
+      *child = make<NotingView>(NSMakeRect(x, 0, 20, 20));
       view()->addSubview(*child);
     }
     setPreferredContentSize({320, 64});
@@ -44,12 +44,11 @@ class FakeWidget : public platform::NSViewController, public platform::NCWidgetP
   void viewWillAppear() override { appeared = true; }
   void viewWillDisappear() override { appeared = false; }
   void widgetPerformUpdateWithCompletionHandler(
-      const std::function<void(platform::NCUpdateResult)>& handler) override {
-    handler(platform::NCUpdateResult::newData);
+      const std::function<void(NCUpdateResult)>& handler) override {
+    handler(NCUpdateResult::newData);
   }
-  platform::NSEdgeInsets widgetMarginInsetsForProposedMarginInsets(
-      platform::NSEdgeInsets) override {
-    return platform::NSEdgeInsetsZero;
+  NSEdgeInsets widgetMarginInsetsForProposedMarginInsets(NSEdgeInsets) override {
+    return NSEdgeInsetsZero;
   }
   bool widgetAllowsEditing() const override { return allowsEditing; }
   void widgetDidBeginEditing() override { editing.push_back(true); }
@@ -78,10 +77,10 @@ struct CardTest : testing::Test {
     QCoreApplication::sendEvent(&window, &event);
   }
 
-  platform::Platform platform_;
-  platform::PlatformScope scope_{platform_};
+  Platform platform_;
+  PlatformScope scope_{platform_};
   desktop::QtGraphics graphics_{desktop::opaqueLabelColor};
-  std::shared_ptr<FakeWidget> widget_ = platform::make<FakeWidget>();
+  std::shared_ptr<FakeWidget> widget_ = make<FakeWidget>();
   desktop::Card card_{widget_, "Name"};
   desktop::CardSurface window_{card_, graphics_, {.title = "Name"}};
 
@@ -104,7 +103,7 @@ TEST_F(CardTest, TheHeaderMovesTheCardButForItsControlsWhichEditAndClose) {
   click(closeControl_);
   EXPECT_EQ(closings, 1);
 
-  const auto fixed = platform::make<FakeWidget>();
+  const auto fixed = make<FakeWidget>();
   fixed->allowsEditing = false;
   EXPECT_TRUE(desktop::Card(fixed, "Name").header().isHandle(editControl_));
 }
@@ -183,18 +182,18 @@ TEST_F(CardWindowTest, MouseEventsCountUpwardsWithClicksAndTheOptionKey) {
     if (event.type == NSEventType::leftMouseDown) clicks.push_back(event.clickCount);
   }
   EXPECT_EQ(clicks, (std::vector<std::int64_t>{1, 2, 1, 1}));
-  const platform::NSEvent& first = widget_->middle->events.front();
+  const NSEvent& first = widget_->middle->events.front();
   EXPECT_EQ(first.locationInWindow, (NSPoint{110, 10}));
-  EXPECT_EQ(first.modifierFlags, platform::NSEventModifierFlagOption);
+  EXPECT_EQ(first.modifierFlags, NSEventModifierFlagOption);
 }
 
 TEST_F(CardWindowTest, APressWhoseReleaseWasLostEndsWithTheNextMove) {
   press(1000);
   send(window_, QEvent::MouseMove, {111, 78}, Qt::NoButton, Qt::LeftButton);
-  EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 1U);
+  EXPECT_EQ(NSEvent::pressedMouseButtons(), 1U);
   const auto heard = widget_->middle->events.size();
   send(window_, QEvent::MouseMove, {112, 78}, Qt::NoButton);
-  EXPECT_EQ(platform::NSEvent::pressedMouseButtons(), 0U);
+  EXPECT_EQ(NSEvent::pressedMouseButtons(), 0U);
   release();
   EXPECT_EQ(widget_->middle->events.size(), heard);
 }
@@ -237,8 +236,7 @@ struct CardMenuTest : CardTest {
         auto pictured = choice("y");
         pictured.icon = [this] {
           ++iconsAsked_;
-          return platform::make<desktop::BitmapImage>(QImage(16, 16, QImage::Format_RGB32),
-                                                      platform::NSSize{16, 16});
+          return make<desktop::BitmapImage>(QImage(16, 16, QImage::Format_RGB32), NSSize{16, 16});
         };
         return std::vector<desktop::MenuItem>{
             choice("a"), {.title = "b", .children = {choice("x"), pictured}}, never};

@@ -1,7 +1,6 @@
 
 #include "platform/application/bundle.h"
 #include "platform/foundation/text.h"
-#include "platform/foundation/url_components.h"
 #include "tests/support/widget_fixture.h"
 
 namespace tests {
@@ -103,33 +102,6 @@ TEST(Addresses, AreTakenOnlyWhenWellFormed) {
   EXPECT_FALSE(URL::fromText("file://other/a")->filePath());
   EXPECT_FALSE(URL::fromText("file:///a%00b")->filePath());
   EXPECT_EQ(URL::fromText("HTTP://user@Host:80/p?q")->host(), "Host");
-}
-
-std::string afterAppendingItem(const std::string& address) {
-  auto components = NSURLComponents::componentsWithString(address);
-  if (!components) return "none";
-  auto items = components->percentEncodedQueryItems().value_or(std::vector<NSURLQueryItem>());
-  items.push_back({"at", "1"});
-  components->setPercentEncodedQueryItems(items);
-  components->setScheme("x");
-  const auto url = components->url();
-  return url ? url->absoluteString() : "no address";
-}
-
-TEST(URLComponents, QueryItemsAreKeptAsTheyWereWritten) {
-  const std::pair<const char*, const char*> table[] = {
-      {"https://h/p", "x://h/p?at=1"},
-      {"https://h/p?", "x://h/p?at=1"},
-      {"https://h/p?a=%2B&&b&c==&d=%26#f?g", "x://h/p?a=%2B&&b&c==&d=%26&at=1#f?g"},
-      {"https://h/p?a&", "x://h/p?a&&at=1"},
-      {"//h/p?a:b", "x://h/p?a:b&at=1"},
-      {"://h/p", "none"},
-      {"mailto:a@b", "x:a@b?at=1"},
-      {"https://h/a b", "none"},
-      {"https://h:99999/", "none"},
-      {"https://h/%zz", "none"},
-      {"1nvalid://h/", "none"}};
-  for (const auto& [before, after] : table) EXPECT_EQ(afterAppendingItem(before), after) << before;
 }
 
 TEST(Texts, PartOccursAsWholeCharactersWhateverTheCaseAndComposition) {
