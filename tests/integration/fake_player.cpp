@@ -1,6 +1,9 @@
 #include "tests/integration/fake_player.h"
 
 #include <QtCore/QMutexLocker>
+#include <QtDBus/QDBusError>
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusVariant>
 #include <stdexcept>
 
 namespace tests {

@@ -1,6 +1,8 @@
 // Ratings on their way into the players' own libraries and back, with a service that speaks each
 // player's interface.
 
+#include <QtDBus/QDBusMetaType>
+#include <QtDBus/QDBusVariant>
 #include <cmath>
 
 #include "tests/integration/bridge_fixture.h"

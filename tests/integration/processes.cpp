@@ -3,6 +3,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QProcessEnvironment>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusConnectionInterface>
 #include <stdexcept>
 
 namespace tests {

@@ -3,6 +3,7 @@
 
 #include <QtCore/QFile>
 #include <QtDBus/QDBusMetaType>
+#include <QtDBus/QDBusReply>
 #include <QtGui/QImage>
 #include <csignal>
 #include <fstream>

@@ -1,6 +1,8 @@
 // The card as assistive technology finds it on the accessibility bus.
 #include <gtest/gtest.h>
 
+#include <QtDBus/QDBusObjectPath>
+
 #include "tests/integration/fake_player.h"
 #include "tests/integration/processes.h"
 #include "tests/support/temporary_folder.h"

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusVariant>
 #include <limits>
 
 namespace desktop {

@@ -6,6 +6,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
+#include <QtGui/QImage>
 
 #include "platform/application/player_dictionary.h"
 #include "tests/support/temporary_folder.h"
