@@ -4,6 +4,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QMap>
 #include <QtCore/QStringList>
+#include <algorithm>
 #include <functional>
 
 namespace desktop {
@@ -12,9 +13,16 @@ namespace {
 
 constexpr double microseconds = 1e6;
 
+/// The nearest one below within bounds; no number is the lower bound.
+qint64 wholeNumber(double number, double lowest, double highest) {
+  return static_cast<qint64>(number > lowest ? std::min(number, highest) : lowest);
+}
+
+constexpr double longestTime = 9e18;  // microseconds; more is no number of 64 bits
+
 /// "1:02:03" or "2:03".
 QString duration(double seconds) {
-  const auto whole = static_cast<qint64>(std::max(seconds, 0.0));
+  const qint64 whole = wholeNumber(seconds, 0, longestTime / microseconds);
   const auto two = [](qint64 part) {
     return QStringLiteral("%1").arg(part, 2, 10, QLatin1Char('0'));
   };
@@ -24,9 +32,9 @@ QString duration(double seconds) {
 }
 
 QString stars(double rating) {
-  const auto full = static_cast<qsizetype>(rating);
+  const qint64 full = wholeNumber(rating, 0, 5);
   return QStringLiteral("★").repeated(full) +
-         (rating > static_cast<double>(full) ? QStringLiteral("½") : QString());
+         (std::min(rating, 5.0) > static_cast<double>(full) ? QStringLiteral("½") : QString());
 }
 
 /// What a name stands for, as playerctl writes it.
@@ -50,7 +58,8 @@ QVariant valueOf(const QString& name, const QVariantMap& status) {
     return stars(status.value(QStringLiteral("rating")).toDouble());
   const QVariant value = status.value(key);
   const bool isTime = key == QLatin1String("length") || key == QLatin1String("position");
-  return isTime && value.isValid() ? static_cast<qint64>(value.toDouble() * microseconds) : value;
+  if (!isTime || !value.isValid()) return value;
+  return wholeNumber(value.toDouble() * microseconds, 0, longestTime);
 }
 
 QString emoji(const QString& state) {
@@ -184,7 +193,7 @@ QString waybarLine(const QVariantMap& status) {
                    {QStringLiteral("alt"), state},
                    {QStringLiteral("class"), classes},
                    {QStringLiteral("percentage"),
-                    length > 0 ? static_cast<int>(100 * std::min(position / length, 1.0)) : 0}});
+                    length > 0 ? wholeNumber(100 * position / length, 0, 100) : 0}});
 }
 
 }  // namespace desktop
