@@ -1,4 +1,5 @@
 // What every start does first; what needs more is loaded.
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <QtCore/QCoreApplication>
@@ -22,7 +23,17 @@
 
 namespace {
 
+/// Loads what both large modules need, so that its symbols are looked for in the C library first
+/// and not in all of Qt: Debian's SQLite binds 1,600 of them at once, which took longer than
+/// anything else in a verb.
+void loadDatabase() {
+#ifdef VIRELUNE_BINDS_DEEPLY
+  dlopen("libsqlite3.so.0", RTLD_LAZY | RTLD_LOCAL | RTLD_DEEPBIND);
+#endif
+}
+
 int runHeadless(const desktop::Verb* verb, int argc, char** argv) {
+  loadDatabase();
   auto* run = reinterpret_cast<desktop::RunHeadless*>(
       desktop::functionOfModule(desktop::headlessModule, desktop::runHeadlessName));
   return run != nullptr ? run(verb, argc, argv) : EXIT_FAILURE;
@@ -88,6 +99,7 @@ int main(int argc, char** argv) {
     });
     if (status) return *status;
   }
+  loadDatabase();
   auto* run = reinterpret_cast<desktop::RunCard*>(
       desktop::functionOfModule(desktop::cardModule, desktop::runCardName));
   const int status = run != nullptr ? run(*commandLine, argc, argv) : EXIT_FAILURE;
