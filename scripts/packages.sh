@@ -16,7 +16,9 @@ thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer
   qt6-wayland sway at-spi2-core python3-pyatspi pcmanfm firefox-esr)
 bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
 fuzz_packages=(clang libclang-rt-dev)
-package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc)
+# debian/control has one list for both releases.
+package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc
+  liblayershellqtinterface-dev libwayland-bin libwayland-dev wayland-protocols)
 release_packages=(debootstrap)
 lint_packages=(clang clang-format clang-tidy)
 

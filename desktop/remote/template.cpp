@@ -56,7 +56,7 @@ QVariant valueOf(const QString& name, const QVariantMap& status) {
   }
   if (name == QLatin1String("stars"))
     return stars(status.value(QStringLiteral("rating")).toDouble());
-  const QVariant value = status.value(key);
+  QVariant value = status.value(key);
   const bool isTime = key == QLatin1String("length") || key == QLatin1String("position");
   if (!isTime || !value.isValid()) return value;
   return wholeNumber(value.toDouble() * microseconds, 0, longestTime);
@@ -156,7 +156,7 @@ Result<QString> filledTemplate(const QString& text, const QVariantMap& status) {
   for (qsizetype open = 0; (open = text.indexOf(QLatin1String("{{"), begin)) >= 0;) {
     const qsizetype close = text.indexOf(QLatin1String("}}"), open);
     if (close < 0) return Problem{"the template has a \"{{\" without its \"}}\""};
-    const auto value = evaluated(text.mid(open + 2, close - open - 2).trimmed(), status);
+    auto value = evaluated(text.mid(open + 2, close - open - 2).trimmed(), status);
     if (!value) return value;
     line += text.mid(begin, open - begin) + *value;
     begin = close + 2;
