@@ -191,7 +191,7 @@ TEST_F(CoversTest, WhatIsOutOfUseIsForgottenWithItsTransferAndLateAnswersFindNob
   EXPECT_EQ(found(two)[0], '2');
   EXPECT_EQ(shown(one), "") << "more than is kept";
   {
-    Covers gone(&workers, [this] { ADD_FAILURE() << "told of a cover"; });
+    Covers gone(&workers, [] { ADD_FAILURE() << "told of a cover"; });
     gone.exists(one);
   }
   settle();
