@@ -11,8 +11,6 @@
 namespace desktop {
 namespace {
 
-using testing::ElementsAre;
-
 class CoversTest : public tests::WidgetFixture {
  protected:
   /// A picture, which is its name, padded so that the disk sees a larger file.
