@@ -129,15 +129,18 @@ std::shared_ptr<const PlayerSnapshot> PlayerMirror::snapshot() {
 
 double PlayerMirror::position() {
   if (snapshot() == nullptr) return 0;
-  if (!attention_.isPrompt() || positionIsFresh_) return position_;
-  QDBusMessage message = propertiesCall("Get", playerInterface);
-  message << QStringLiteral("Position");
-  const auto answer = ask(message);
-  if (!answer) return position_;
-  position_ = secondsFromMicroseconds(*answer);
-  holdPosition();
-  comparePositionWithLength();
-  return position_;
+  if (attention_.isPrompt() && position_.isDoubtful(now())) {
+    QDBusMessage message = propertiesCall("Get", playerInterface);
+    message << QStringLiteral("Position");
+    if (const auto answer = ask(message)) readPosition(*answer);
+  }
+  return position_.at(now());
+}
+
+void PlayerMirror::readPosition(const QVariant& told) {
+  const double seconds = secondsFromMicroseconds(told);
+  position_.told(seconds, now());
+  comparePositionWithLength(seconds);
 }
 
 void PlayerMirror::adopt(const QVariant& properties) {
@@ -146,9 +149,7 @@ void PlayerMirror::adopt(const QVariant& properties) {
   readWhatWasTold();
   isStale_ = false;
   snapshotAge_.start();
-  position_ = secondsFromMicroseconds(told_.value(QStringLiteral("Position")));
-  holdPosition();
-  comparePositionWithLength();
+  readPosition(told_.value(QStringLiteral("Position")));
 }
 
 void PlayerMirror::readWhatWasTold() {
@@ -156,6 +157,7 @@ void PlayerMirror::readWhatWasTold() {
   snapshot_ =
       std::make_shared<const PlayerSnapshot>(withoutGrowingLength(snapshotFromProperties(told_)));
   state_ = snapshot_->state;
+  runPosition();
 }
 
 void PlayerMirror::dropWhatWasTold() {
@@ -163,6 +165,7 @@ void PlayerMirror::dropWhatWasTold() {
   snapshot_.reset();
   isRead_ = true;
   state_ = {};
+  position_.reset();
   planNext();
   emit changed();
 }
@@ -182,10 +185,10 @@ PlayerSnapshot PlayerMirror::withoutGrowingLength(PlayerSnapshot told) {
 }
 
 /// Some players give a stream's first bytes for its length and never correct that.
-void PlayerMirror::comparePositionWithLength() {
+void PlayerMirror::comparePositionWithLength(double position) {
   constexpr double inaccuracy = 2;  // seconds
   const bool isPassed = snapshot_ && snapshot_->isRemote() && snapshot_->length > 0 &&
-                        position_ > snapshot_->length + inaccuracy;
+                        position > snapshot_->length + inaccuracy;
   if (!isPassed) return;
   hasPassedLength_ = true;
   readWhatWasTold();
@@ -194,18 +197,16 @@ void PlayerMirror::comparePositionWithLength() {
 
 bool PlayerMirror::lengthIsGrowing() const { return growths_ >= 2 && lastTold_.isRemote(); }
 
-/// Holds the position for what is left of this turn of the event loop.
-void PlayerMirror::holdPosition() {
-  if (positionIsFresh_) return;
-  positionIsFresh_ = true;
-  QMetaObject::invokeMethod(
-      this, [this] { positionIsFresh_ = false; }, Qt::QueuedConnection);
+/// Lets the position go on as the player does.
+void PlayerMirror::runPosition() {
+  const double rate = numberFromVariant(told_.value(QStringLiteral("Rate"))).value_or(1);
+  position_.run(isPlaying() ? rate : 0, now());
 }
 
 /// There may be something new to ask for.
 void PlayerMirror::forget() {
   isStale_ = true;
-  positionIsFresh_ = false;
+  position_.unsettle();
   if (attention_.heard(now())) probe();
 }
 
@@ -398,9 +399,11 @@ void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
   const bool isOnlyMetadata = values.size() == 1 && values.contains(QStringLiteral("Metadata"));
   const auto status = values.constFind(QStringLiteral("PlaybackStatus"));
   if (status != values.constEnd()) state_ = stateFromStatus(*status);
+  runPosition();
   const QStringList untold = message.arguments().value(2).toStringList();
   if (snapshot_ && untold.isEmpty() && areDetails(values)) {
     told_.insert(values);
+    runPosition();
     return emit detailChanged();
   }
   if (snapshot_) {

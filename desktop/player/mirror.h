@@ -16,6 +16,7 @@
 #include <span>
 
 #include "desktop/player/attention.h"
+#include "desktop/player/position_clock.h"
 #include "desktop/player/snapshot.h"
 #include "platform/application/player_dictionary.h"
 
@@ -28,8 +29,8 @@ inline constexpr const char* rootInterface = "org.mpris.MediaPlayer2";
 inline constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
 /// Asks a player for all it tells in one message, and keeps the answer until the player speaks
-/// or is spoken to. The position alone changes without a word and is asked for once per turn of
-/// the event loop.
+/// or is spoken to. The position alone changes without a word; it goes with the clock while the
+/// player keeps to that, and is asked for each time when it does not (PositionClock).
 ///
 /// Waiting for an answer ends after a quarter of a second. From then on, and for a player that is
 /// slow in answering, questions are sent without waiting for the answer, and what was last
@@ -106,9 +107,10 @@ class PlayerMirror final : public QObject {
   void readWhatWasTold();
   PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
   bool lengthIsGrowing() const;
-  void comparePositionWithLength();
+  void readPosition(const QVariant& told);
+  void runPosition();
+  void comparePositionWithLength(double position);
   void forget();
-  void holdPosition();
 
   const QDBusConnection bus_;
   const QString name_;
@@ -132,8 +134,7 @@ class PlayerMirror final : public QObject {
       false;                   ///< it is elsewhere and plays on after what it told for its length
   int ratingsUnderWay_ = 0;    ///< ratings of its own that the player has not answered yet
   PlayerSnapshot ratedTrack_;  ///< the track that the last one was set on, with it
-  double position_ = 0;        ///< seconds
-  bool positionIsFresh_ = false;  ///< asked for in this turn of the event loop
+  PositionClock position_;
 
   bool isDescribing_ = false;
   bool askedForWritableProperties_ = false;

@@ -1,0 +1,53 @@
+// Where a player is between its own words: a position runs on by itself while it plays.
+#pragma once
+
+#include <chrono>
+#include <optional>
+
+namespace desktop {
+
+/// Told of positions with the times of the answers, it says where the player is. MPRIS players tell
+/// when they jump (Seeked), when they start and stop, and at which rate they play; in between, the
+/// position goes with the clock. Not all keep to that, so a player is believed once an answer was
+/// where the clock had it, until it speaks or is spoken to; one that was found elsewhere without a
+/// word (it waits for its network, jumps in silence, tells no position) is asked each time from
+/// then on. Times count from any moment.
+class PositionClock {
+ public:
+  using Time = std::chrono::milliseconds;
+
+  /// An answer this close to where the clock is agrees with it, in seconds.
+  static constexpr double agreement = 0.5;
+  /// Answers over less time than this say nothing about the player's pace.
+  static constexpr Time shortestTest{500};
+  /// What is asked for within this time is asked for at once, and gets one answer.
+  static constexpr Time moment{20};
+
+  /// The player is at this position, in seconds.
+  void told(double position, Time now);
+  /// It plays at this rate from now on; 0 while it does not play.
+  void run(double rate, Time now);
+  /// It spoke or was spoken to: it may be anywhere.
+  void unsettle();
+  /// Another player, or none.
+  void reset() { *this = {}; }
+
+  double at(Time now);  ///< seconds; 0 before anything was told
+  /// Whether an answer of the player's own is better than at().
+  bool isDoubtful(Time now) const;
+
+ private:
+  double calculated(Time now) const;
+
+  double position_ = 0;
+  double rate_ = 0;
+  std::optional<Time> since_;      ///< when it was at that position; none before anything was told
+  std::optional<Time> settledAt_;  ///< the first answer since its last word; none before that
+  Time toldAt_{};                  ///< the last answer
+  bool hasAgreed_ = false;         ///< the answers since its last word lay where the clock had them
+  bool jumps_ = false;             ///< one did not, once
+  std::optional<Time> answeredAt_;  ///< when at() answered anew, with answer_
+  double answer_ = 0;
+};
+
+}  // namespace desktop
