@@ -3,7 +3,6 @@
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QGuiApplication>
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -85,10 +84,22 @@ TextBlock::TextBlock(const platform::NSAttributedString& text, double width)
   option_.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   option_.setTextDirection(Qt::LayoutDirectionAuto);
 
-  if (equalDigits_) narrowFigures();
+  if (equalDigits_) {
+    measureDigits();
+    narrowFigures();
+  }
   const QFontMetricsF metrics(font_);
   lineHeight_ = font.size * lineHeightOfSize;
   baseline_ = (lineHeight_ - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent();
+}
+
+void TextBlock::measureDigits() {
+  const QFontMetricsF metrics(font_);
+  for (std::size_t digit = 0; digit < missing_.size(); ++digit) {
+    missing_[digit] = -metrics.horizontalAdvance(QChar('0' + static_cast<int>(digit)));
+  }
+  const double widest = *std::min_element(missing_.begin(), missing_.end());
+  for (double& missing : missing_) missing -= widest;
 }
 
 void TextBlock::narrowFigures() {
@@ -104,8 +115,10 @@ void TextBlock::narrowFigures() {
   const int expected = static_cast<int>(width_ / whole * 100);
   for (int stretch = expected; stretch >= narrowest; --stretch) {
     line.font_.setStretch(stretch);
+    line.measureDigits();
     if (naturalWidth() > width_) continue;
     font_.setStretch(stretch);
+    missing_ = line.missing_;
     return;
   }
 }
@@ -167,15 +180,9 @@ double TextBlock::layOut(QTextLayout& layout, int maximumLines) const {
 QList<QTextLayout::FormatRange> TextBlock::digitFormats(const QString& text) const {
   QList<QTextLayout::FormatRange> ranges;
   if (!equalDigits_) return ranges;
-  const QFontMetricsF metrics(font_);
-  std::array<double, 10> advances{};
-  for (std::size_t digit = 0; digit < advances.size(); ++digit) {
-    advances[digit] = metrics.horizontalAdvance(QString(QChar('0' + static_cast<int>(digit))));
-  }
-  const double widest = *std::max_element(advances.begin(), advances.end());
   for (int i = 0; i < text.size(); ++i) {
     if (text[i] < u'0' || text[i] > u'9') continue;
-    const double missing = widest - advances[static_cast<std::size_t>(text[i].unicode() - u'0')];
+    const double missing = missing_[static_cast<std::size_t>(text[i].unicode() - u'0')];
     if (missing <= 0) continue;
     QFont spaced = font_;
     spaced.setLetterSpacing(QFont::AbsoluteSpacing, missing);

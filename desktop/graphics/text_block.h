@@ -7,6 +7,7 @@
 #include <QtGui/QPainter>
 #include <QtGui/QTextLayout>
 #include <QtGui/QTextOption>
+#include <array>
 
 #include "platform/foundation/attributed_string.h"
 #include "platform/foundation/geometry.h"
@@ -32,6 +33,7 @@ class TextBlock {
             const QColor& color) const;
 
  private:
+  void measureDigits();
   void narrowFigures();
   /// Lays out at most maximumLines lines of a text; answers the lines' common width.
   double layOut(QTextLayout& layout, int maximumLines) const;
@@ -46,6 +48,7 @@ class TextBlock {
   double lineHeight_;
   double baseline_;  // below a line's top
   bool equalDigits_;
+  std::array<double, 10> missing_{};  // how much narrower each digit is than the widest
 };
 
 }  // namespace desktop

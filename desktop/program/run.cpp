@@ -39,6 +39,7 @@ namespace {
 
 constexpr double pictureScale = 2;
 constexpr const char* updateDelay = "QT_QPA_UPDATE_IDLE_TIME";
+constexpr const char* noSharedMemory = "QT_XCB_NO_MITSHM";
 constexpr const char* defaultTourFolder = "virelune-tour";
 
 int fail(const std::string& message) {
@@ -206,8 +207,13 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
   if (!isOffScreen && scale) qputenv("QT_SCALE_FACTOR", QByteArray::number(*scale));
   // What a player signals is painted at once, and not five milliseconds later.
   if (!qEnvironmentVariableIsSet(updateDelay)) qputenv(updateDelay, "0");
+  // The card paints little and seldom. Shared memory would have it wait for the X server each time,
+  // until that has read what was painted before.
+  const bool isDecided = qEnvironmentVariableIsSet(noSharedMemory);
+  if (!isDecided) qputenv(noSharedMemory, "1");
   LostDisplay display;
   const QGuiApplication application(argc, argv);
+  if (!isDecided) qunsetenv(noSharedMemory);  // other programs decide for themselves
   QGuiApplication::setDesktopFileName("org.virelune.Virelune.Widget");
 
   auto bundle = openBundle(resourceFolder());
