@@ -33,7 +33,7 @@ bool answersTo(const PlayerMirror& player, const QString& name) {
 PlayerRegistry::PlayerRegistry(const QDBusConnection& bus, QString wantedName, Watch watch)
     : bus_(bus), wantedName_(std::move(wantedName)) {
   if (watch == Watch::always) listen();
-  findPlayers();
+  findPlayers(watch);
   choose();
 }
 
@@ -51,18 +51,24 @@ void PlayerRegistry::listen() {
                      QStringLiteral("Seeked"), this, SLOT(seeked(QDBusMessage)));
 }
 
-void PlayerRegistry::findPlayers() {
+void PlayerRegistry::findPlayers(Watch watch) {
   const QDBusReply<QStringList> names = bus_.call(busCall("ListNames"));
   std::vector<PlayerMirror*> found;
   for (const QString& name : names.value()) {
     if (!name.startsWith(QLatin1String(playerNamePrefix))) continue;
-    QDBusMessage question = busCall("GetNameOwner");
-    question << name;
-    const QDBusReply<QString> owner = bus_.call(question);
-    if (!owner.isValid()) continue;
-    if (PlayerMirror* player = add(name, owner.value())) found.push_back(player);
+    // Who does not listen asks by the name, and is spared a question for each player.
+    const auto owner = watch == Watch::once ? name : ownerOf(name);
+    if (!owner) continue;
+    if (PlayerMirror* player = add(name, *owner)) found.push_back(player);
   }
   PlayerMirror::askTogether(found);
+}
+
+std::optional<QString> PlayerRegistry::ownerOf(const QString& name) const {
+  QDBusMessage question = busCall("GetNameOwner");
+  question << name;
+  const QDBusReply<QString> owner = bus_.call(question);
+  return owner.isValid() ? std::optional(owner.value()) : std::nullopt;
 }
 
 PlayerMirror* PlayerRegistry::add(const QString& name, const QString& owner) {

@@ -8,6 +8,7 @@
 #include <QtDBus/QDBusServiceWatcher>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "desktop/player/mirror.h"
@@ -51,7 +52,9 @@ class PlayerRegistry final : public QObject {
   };
 
   void listen();
-  void findPlayers();
+  void findPlayers(Watch watch);
+  /// Whose signals are this player's; none when it has gone.
+  std::optional<QString> ownerOf(const QString& name) const;
   PlayerMirror* add(const QString& name, const QString& owner);
   template <class Tell>
   void heard(const QDBusMessage& message, Tell tell);

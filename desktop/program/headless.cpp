@@ -60,11 +60,9 @@ class Headless final : public Remote {
  public:
   Headless(const QDBusConnection& bus, const std::string& player,
            const virelune::WidgetEntry& widget, PlayerRegistry::Watch watch)
-      : bundle_(openBundle(resourceFolder())),
-        bridge_(bus, {.playerName = player, .ratings = &ratings_, .watch = watch}) {
+      : bridge_(bus, {.playerName = player, .ratings = &ratings_, .watch = watch}) {
     ratings_.setChangeHandler([bus] { MarksSignal::send(bus); });
     driver_.setPass([this] { runLoop_.runPass(); });
-    platform_.mainBundle = bundle_.get();
     platform_.runLoop = &runLoop_;
     platform_.scripting = &bridge_;
     platform_.workspace = &workspace_;
@@ -76,10 +74,17 @@ class Headless final : public Remote {
 
   std::optional<Refusal> act(const std::string& action, const std::string& argument) override {
     if (!bridge_.isRunning()) return Refusal{.text = "no music player is on the session bus"};
+    openBundleForActions();
     const auto problem = actions_.perform(action, argument);
     if (!problem) return std::nullopt;
     const bool isBad = problem->kind == ActionProblem::Kind::badValue;
     return Refusal{isBad ? badValueStatus : impossibleStatus, problem->text};
+  }
+
+  /// What the widget's commands read; to tell what plays goes without.
+  void openBundleForActions() {
+    if (!bundle_) bundle_ = openBundle(resourceFolder());
+    platform_.mainBundle = bundle_.get();
   }
 
   PlayerBridge& bridge() { return bridge_; }
@@ -246,6 +251,7 @@ int runService(int argc, char** argv, const virelune::WidgetEntry& widget) {
   if (!bus.isConnected()) return refuse({.text = "there is no session bus"});
   Headless headless(bus, Settings(Settings::defaultFile()).player(), widget,
                     PlayerRegistry::Watch::always);
+  headless.openBundleForActions();
   QTimer rest;
   rest.setSingleShot(true);
   QObject::connect(&rest, &QTimer::timeout, &rest, [] { QCoreApplication::quit(); });

@@ -9,13 +9,14 @@ std::optional<int> askEarly(
     const std::function<std::optional<int>(const QDBusConnection& bus)>& question) {
   const QCoreApplication application(argc, argv);
   const auto name = QStringLiteral("virelune-start");
-  std::optional<int> answer;
   {
     const auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
-    if (bus.isConnected()) answer = question(bus);
+    if (bus.isConnected()) {
+      if (const auto answer = question(bus)) return answer;
+    }
   }
   QDBusConnection::disconnectFromBus(name);
-  return answer;
+  return std::nullopt;
 }
 
 }  // namespace desktop

@@ -7,8 +7,9 @@
 
 namespace desktop {
 
-/// The answer of a question that is asked on a connection of its own, with nothing left behind;
-/// none without a bus.
+/// The answer of a question that is asked on a connection of its own; none without a bus. Without
+/// an answer nothing is left behind. With one the connection stays: the program is about to end,
+/// and to take leave of the bus would take longer than the question.
 std::optional<int> askEarly(
     int argc, char** argv,
     const std::function<std::optional<int>(const QDBusConnection& bus)>& question);
