@@ -131,7 +131,11 @@ class Desktop:
         os.environ.update(
             DISPLAY=display, HOME=folder, XDG_CONFIG_HOME=folder, XDG_DATA_HOME=folder,
             XDG_DATA_DIRS=folder, XDG_RUNTIME_DIR=folder, QT_QPA_PLATFORM="xcb",
+            QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
             ASAN_OPTIONS="detect_leaks=0:quarantine_size_mb=2")
+        self.accessibility = subprocess.Popen(
+            ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
+            stderr=subprocess.DEVNULL)
 
     def xdotool(self, *command):
         done = subprocess.run(["xdotool", *map(str, command)], capture_output=True, text=True)
@@ -193,6 +197,7 @@ class Monkey:
         self.done = 0
         self.starts = 0
         self.player = None
+        self.ear = None
         self.start_player()
         self.errors = open(os.path.join(desktop.folder, "errors"), "w+")
         self.start_card()
@@ -202,13 +207,28 @@ class Monkey:
         self.player = subprocess.Popen([sys.executable, __file__, "--player",
                                         "1" if self.soaks else "0"])
 
+    def listen(self):
+        """Has assistive technology do something, unless it is still at the last thing."""
+        if self.ear is None or self.ear.poll() is not None:
+            self.ear = subprocess.Popen([sys.executable, __file__, "--ear"],
+                                        stderr=subprocess.DEVNULL)
+
     def start_card(self):
         # The store and the station are not to hear of it.
         nowhere = ["--store-host", "127.0.0.1:1", "--stream-host", "127.0.0.1:1"]
         self.card = subprocess.Popen([self.program, *nowhere], stderr=self.errors)
+        self.begin()
+        time.sleep(3)
+
+    def begin(self):
         self.memory.clear()
         self.starts += 1
-        time.sleep(3)
+        self.image = self.mapped()
+
+    def mapped(self):
+        """Where the program lies in memory; another place once it has begun again by itself."""
+        with open(f"/proc/{self.card.pid}/maps") as maps:
+            return maps.readline()
 
     def look(self):
         """Ends when the card has ended badly; starts it again when it was closed."""
@@ -221,6 +241,8 @@ class Monkey:
             raise Found(f"the card ended with {status}:\n{report[-2000:]}")
         if status == 0:
             self.start_card()
+        elif self.mapped() != self.image:
+            self.begin()  # at another size
         with open(f"/proc/{self.card.pid}/smaps_rollup") as pages:
             # Its own alone: what it shares with others counts for less while those run.
             size = next(int(line.split()[1]) for line in pages if line.startswith("Anonymous:"))
@@ -255,6 +277,8 @@ class Monkey:
             verb = random.choice([["rate", str(random.randrange(11) / 2)], ["love", "toggle"],
                                   ["next"], ["seek", "50%"], ["volume", "+5"]])
             subprocess.run([self.program, *verb], stderr=subprocess.DEVNULL)
+        elif chance < 0.15:
+            self.listen()
         elif place is None:
             self.desktop.xdotool("key", "Escape")
         elif chance < 0.45:
@@ -327,6 +351,24 @@ class Monkey:
               f"{last[2]}")
 
 
+def hear():
+    """Does something with a part of the card, as a screen reader would."""
+    import pyatspi  # connects at once
+
+    for application in pyatspi.Registry.getDesktop(0):
+        if not application or application.name != "virelune-widget" or not application.childCount:
+            continue
+        parts = [part for part in application[0] if part and part.name != "Close"]
+        for part in random.sample(parts, min(3, len(parts))):
+            interfaces = pyatspi.listInterfaces(part)
+            if "Value" in interfaces:
+                value = part.queryValue()
+                value.currentValue = random.uniform(value.minimumValue - 1, value.maximumValue + 1)
+            elif "Action" in interfaces:
+                action = part.queryAction()
+                action.doAction(random.randrange(action.nActions))
+
+
 def play(interval):
     DBusGMainLoop(set_as_default=True)
     Player(interval)
@@ -336,6 +378,8 @@ def play(interval):
 def main():
     if sys.argv[1] == "--player":
         return play(float(sys.argv[2]))
+    if sys.argv[1] == "--ear":
+        return hear()
     program = os.path.abspath(sys.argv[1])
     soaks = sys.argv[2] == "--soak"
     numbers = [int(argument) for argument in sys.argv[3 if soaks else 2:]]
@@ -350,7 +394,7 @@ def main():
             print(f"scripts/monkey: seed {seed}: {found}", file=sys.stderr)
             return 1
         finally:
-            for process in (monkey.card, monkey.player, desktop.server):
+            for process in (monkey.card, monkey.player, desktop.accessibility, desktop.server):
                 process.kill()
                 process.wait()
     return 0
