@@ -1,19 +1,17 @@
 // The icon in the desktop's status area. The card starts it, and it ends when the card does.
+#include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusConnection>
-#include <QtWidgets/QApplication>
 #include <cstdlib>
 #include <iostream>
 
 #include "tray/tray_icon.h"
 
 int main(int argc, char** argv) {
-  QApplication application(argc, argv);
-  QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setDesktopFileName("org.virelune.Virelune.Widget");
+  const QCoreApplication application(argc, argv);
   if (!QDBusConnection::sessionBus().isConnected()) {
     std::cerr << "virelune-tray: there is no session bus" << std::endl;
     return EXIT_FAILURE;
   }
-  const tray::TrayIcon icon(QDBusConnection::sessionBus(), QApplication::arguments().value(1));
-  return QApplication::exec();
+  const tray::TrayIcon icon(QDBusConnection::sessionBus(), QCoreApplication::arguments().value(1));
+  return QCoreApplication::exec();
 }

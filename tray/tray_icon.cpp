@@ -1,12 +1,10 @@
 #include "tray/tray_icon.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusArgument>
 #include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusMetaType>
-#include <QtDBus/QDBusPendingCallWatcher>
-#include <QtGui/QIcon>
-#include <QtGui/QWheelEvent>
-#include <QtWidgets/QApplication>
+#include <algorithm>
 #include <array>
 
 #include "desktop/remote/names.h"
@@ -16,6 +14,8 @@ namespace tray {
 namespace {
 
 const auto statusArea = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto itemPath = QStringLiteral("/StatusNotifierItem");
+const auto menuPath = QStringLiteral("/MenuBar");
 const auto iconName = QStringLiteral("org.virelune.Virelune.Widget-symbolic");
 
 // Those of the card's actions that need no argument, by groups as in its own menu.
@@ -37,21 +37,38 @@ constexpr std::array<const char*, 17> shownActions{"show",
                                                    "",
                                                    "quit"};
 
+constexpr int volumeStep = 5;  // per cent
+
+/// As status areas know icons.
+QString serviceName() {
+  return QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
+}
+
 QVariantMap mapFrom(const QVariant& value) {
   return value.canConvert<QDBusArgument>() ? qdbus_cast<QVariantMap>(value) : value.toMap();
 }
 
 }  // namespace
 
-TrayIcon::TrayIcon(const QDBusConnection& bus, const QString& iconFile) : bus_(bus) {
+TrayIcon::TrayIcon(const QDBusConnection& bus, const QString& iconFile)
+    : bus_(bus),
+      item_(&itemObject_, {.iconName = iconName,
+                           .iconFile = iconFile,
+                           .menuPath = menuPath,
+                           .activated = [this] { act(QStringLiteral("show")); },
+                           .middleClicked = [this] { act(QStringLiteral("play-pause")); },
+                           .scrolled = [this](int steps) { changeVolume(steps); }}),
+      menu_(&menuObject_, {.chosen =
+                               [this](const QString& name) {
+                                 act(name);
+                                 // What is no news of the player is not told by itself.
+                                 update();
+                               },
+                           .aboutToShow = [this] { update(); }}) {
   qDBusRegisterMetaType<QList<QVariantMap>>();
-  icon_.setIcon(QIcon::fromTheme(iconName, QIcon(iconFile)));
-  icon_.setContextMenu(&menu_);
-  icon_.installEventFilter(this);
-  connect(&icon_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason by) {
-    if (by == QSystemTrayIcon::Trigger) act(QStringLiteral("show"));
-    if (by == QSystemTrayIcon::MiddleClick) act(QStringLiteral("play-pause"));
-  });
+  bus_.registerObject(itemPath, &itemObject_, QDBusConnection::ExportAdaptors);
+  bus_.registerObject(menuPath, &menuObject_, QDBusConnection::ExportAdaptors);
+  bus_.registerService(serviceName());
 
   watcher_.setConnection(bus_);
   watcher_.addWatchedService(statusArea);
@@ -60,7 +77,7 @@ TrayIcon::TrayIcon(const QDBusConnection& bus, const QString& iconFile) : bus_(b
     if (service == statusArea) appear();
   });
   connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this, [](const QString& service) {
-    if (service == desktop::cardService) QApplication::quit();
+    if (service == desktop::cardService) QCoreApplication::quit();
   });
   bus_.connect(desktop::cardService, desktop::cardObject,
                QStringLiteral("org.freedesktop.DBus.Properties"),
@@ -70,16 +87,14 @@ TrayIcon::TrayIcon(const QDBusConnection& bus, const QString& iconFile) : bus_(b
 }
 
 void TrayIcon::appear() {
-  icon_.hide();
-  icon_.show();
+  auto message =
+      QDBusMessage::createMethodCall(statusArea, QStringLiteral("/StatusNotifierWatcher"),
+                                     statusArea, QStringLiteral("RegisterStatusNotifierItem"));
+  bus_.send(message << serviceName());
 }
 
-bool TrayIcon::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Wheel) {
-    const int turned = static_cast<const QWheelEvent*>(event)->angleDelta().y();
-    act(QStringLiteral("volume"), turned > 0 ? QStringLiteral("+5") : QStringLiteral("-5"));
-  }
-  return QObject::eventFilter(watched, event);
+void TrayIcon::changeVolume(int steps) const {
+  act(QStringLiteral("volume"), QString::asprintf("%+d", volumeStep * steps));
 }
 
 void TrayIcon::act(const QString& action, const QString& argument) const {
@@ -89,23 +104,20 @@ void TrayIcon::act(const QString& action, const QString& argument) const {
   bus_.send(message);
 }
 
-void TrayIcon::ask(const char* member, std::function<void(const QDBusMessage&)> answered) {
-  const auto question = QDBusMessage::createMethodCall(
-      desktop::cardService, desktop::cardObject, desktop::publicInterface, QLatin1String(member));
-  auto* watcher =
-      new QDBusPendingCallWatcher(bus_.asyncCall(question), this);  // NOLINT: deletes itself
-  connect(watcher, &QDBusPendingCallWatcher::finished, this,
-          [watcher, answered = std::move(answered)] {
-            const QDBusMessage reply = watcher->reply();
-            if (reply.type() == QDBusMessage::ReplyMessage) answered(reply);
-            watcher->deleteLater();
-          });
+void TrayIcon::ask(const char* member, std::optional<QDBusPendingCallWatcher>& question,
+                   const std::function<void(const QDBusMessage&)>& answered) {
+  question.emplace(bus_.asyncCall(QDBusMessage::createMethodCall(
+      desktop::cardService, desktop::cardObject, desktop::publicInterface, QLatin1String(member))));
+  connect(&*question, &QDBusPendingCallWatcher::finished, this, [&question, answered] {
+    const QDBusMessage reply = question->reply();
+    if (reply.type() == QDBusMessage::ReplyMessage) answered(reply);
+  });
 }
 
 void TrayIcon::update() {
-  ask("Status",
+  ask("Status", statusQuestion_,
       [this](const QDBusMessage& reply) { showStatus(mapFrom(reply.arguments().value(0))); });
-  ask("Actions", [this](const QDBusMessage& reply) {
+  ask("Actions", actionsQuestion_, [this](const QDBusMessage& reply) {
     showActions(qdbus_cast<QList<QVariantMap>>(reply.arguments().value(0)));
   });
 }
@@ -117,29 +129,27 @@ void TrayIcon::showStatus(const QVariantMap& status) {
     if (!line.isEmpty()) lines.append(line);
   }
   if (lines.isEmpty()) lines.append(status.value(QStringLiteral("identity")).toString());
-  icon_.setToolTip(lines.join(QLatin1Char('\n')));
+  item_.setToolTip(lines);
 }
 
 void TrayIcon::showActions(const QList<QVariantMap>& actions) {
-  menu_.clear();
+  QList<MenuItem> items;
   for (const char* name : shownActions) {
     if (*name == '\0') {
-      menu_.addSeparator();
+      items.append(MenuItem{});
       continue;
     }
-    for (const QVariantMap& action : actions) {
-      if (action.value(QStringLiteral("name")).toString() != QLatin1String(name)) continue;
-      QAction* item = menu_.addAction(action.value(QStringLiteral("label")).toString());
-      item->setEnabled(action.value(QStringLiteral("possible")).toBool());
-      item->setCheckable(action.contains(QStringLiteral("on")));
-      item->setChecked(action.value(QStringLiteral("on")).toBool());
-      connect(item, &QAction::triggered, this, [this, name] {
-        act(QLatin1String(name));
-        // What is no news of the player is not told by itself.
-        update();
-      });
-    }
+    const auto action = std::find_if(actions.begin(), actions.end(), [name](const auto& one) {
+      return one.value(QStringLiteral("name")).toString() == QLatin1String(name);
+    });
+    if (action == actions.end()) continue;
+    const QVariant on = action->value(QStringLiteral("on"));
+    items.append({.name = QLatin1String(name),
+                  .label = action->value(QStringLiteral("label")).toString(),
+                  .isPossible = action->value(QStringLiteral("possible")).toBool(),
+                  .isOn = on.isValid() ? std::optional(on.toBool()) : std::nullopt});
   }
+  menu_.setItems(items);
 }
 
 }  // namespace tray

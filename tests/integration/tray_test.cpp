@@ -30,11 +30,45 @@ class FakeStatusArea final : public QObject {
 
   bool hasHost() const { return true; }
   int version() const { return 0; }
-  /// Asks the icon to do something at a place of the screen.
-  void ask(const char* member) {
-    auto message = QDBusMessage::createMethodCall(item, "/StatusNotifierItem",
-                                                  "org.kde.StatusNotifierItem", member);
-    bus_.call(message << 0 << 0);
+  /// Asks the icon to do something at a place of the screen, or with whatever arguments it takes.
+  void ask(const char* member, const QVariantList& arguments = {0, 0}) {
+    call("/StatusNotifierItem", "org.kde.StatusNotifierItem", member, arguments);
+  }
+  QString toolTip() {
+    const auto reply = call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+                            {"org.kde.StatusNotifierItem", "ToolTip"});
+    const auto value = reply.arguments().value(0).value<QDBusVariant>();
+    const auto toolTip = value.variant().value<QDBusArgument>();
+    QString iconName, title, text;
+    QVariantList icon;
+    toolTip.beginStructure();
+    toolTip >> iconName >> icon >> title >> text;
+    return text;
+  }
+  /// The menu's items by their labels.
+  QMap<QString, int> menu() {
+    const auto reply = callMenu("GetLayout", {0, -1, QStringList()});
+    const auto root = reply.arguments().value(1).value<QDBusArgument>();
+    int id = 0;
+    QVariantMap properties;
+    QVariantList children;
+    root.beginStructure();
+    root >> id >> properties >> children;
+    QMap<QString, int> items;
+    for (const QVariant& child : children) {
+      const auto below = child.value<QDBusArgument>();
+      below.beginStructure();
+      below >> id >> properties;
+      items[properties.value("label").toString()] = id;
+    }
+    return items;
+  }
+  void click(int id) {
+    callMenu("Event", {id, "clicked", QVariant::fromValue(QDBusVariant(0)), 0U});
+  }
+  bool isOn(int id) {
+    const auto reply = callMenu("GetProperty", {id, "toggle-state"});
+    return reply.arguments().value(0).value<QDBusVariant>().variant().toInt() == 1;
   }
 
   QString item;  ///< the icon's bus name; empty without one
@@ -43,6 +77,16 @@ class FakeStatusArea final : public QObject {
   void RegisterStatusNotifierItem(const QString& service) { item = service; }
 
  private:
+  QDBusMessage call(const char* path, const char* interface, const char* member,
+                    const QVariantList& arguments) {
+    auto message = QDBusMessage::createMethodCall(item, path, interface, member);
+    message.setArguments(arguments);
+    return bus_.call(message);
+  }
+  QDBusMessage callMenu(const char* member, const QVariantList& arguments) {
+    return call("/MenuBar", "com.canonical.dbusmenu", member, arguments);
+  }
+
   static inline const QString name = "org.kde.StatusNotifierWatcher";
   QDBusConnection bus_;
 };
@@ -72,7 +116,11 @@ class Tray : public testing::Test {
   }
 
   const PrivateBus bus_;
-  FakePlayer player_{bus_, "any", {{"PlaybackStatus", "Playing"}}};
+  FakePlayer player_{bus_,
+                     "any",
+                     {{"PlaybackStatus", "Playing"},
+                      {"Volume", 0.2},
+                      {"Metadata", QVariantMap{{"xesam:title", "You & <me>"}}}}};
 
  private:
   const TemporaryFolder home_;
@@ -82,6 +130,32 @@ class Tray : public testing::Test {
  protected:
   std::optional<Program> program_;
 };
+
+TEST_F(Tray, TellsWhatPlaysTurnsTheVolumeAndOperatesThePlayerFromItsMenu) {
+  FakeStatusArea area(bus_.connection());
+  EXPECT_EQ(act("status-icon", "on"), "");
+  ASSERT_TRUE(waitUntil([&] { return !area.item.isEmpty(); }));
+  EXPECT_TRUE(waitUntil([&] { return area.toolTip() == "You &amp; &lt;me&gt;"; }));
+  const auto wasTurnedTo = [this](const QString& volume) {
+    return waitUntil([&] {
+      return player_.calls().contains("Set org.mpris.MediaPlayer2.Player Volume " + volume);
+    });
+  };
+  area.ask("Scroll", {-2, "vertical"});
+  EXPECT_TRUE(wasTurnedTo("0.25")) << "upwards, where a status area counts lines";
+  area.ask("Scroll", {240, "horizontal"});
+  area.ask("Scroll", {-240, "Vertical"});
+  EXPECT_TRUE(wasTurnedTo("0.15")) << "two notches down, where it counts an eighth of a degree";
+  EXPECT_EQ(player_.calls().size(), 2);
+
+  ASSERT_TRUE(waitUntil([&] { return area.menu().contains("Next track"); }));
+  area.click(area.menu().value("Next track"));
+  EXPECT_TRUE(waitUntil([&] { return player_.calls().contains("Next"); }));
+  const int switched = area.menu().value("Hide while nothing plays");
+  EXPECT_FALSE(area.isOn(switched));
+  area.click(switched);
+  EXPECT_TRUE(waitUntil([&] { return area.isOn(switched); })) << "the menu follows";
+}
 
 TEST_F(Tray, HidesTheCardAndBringsItBackWhateverBecomesOfIt) {
   EXPECT_EQ(act("status-icon", "on"), desktop::impossibleError) << "there is nowhere to put it";
