@@ -1,5 +1,7 @@
 #include "desktop/player/mirror.h"
 
+#include <malloc.h>
+
 #include <QtCore/QXmlStreamReader>
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusPendingCall>
@@ -67,6 +69,8 @@ PlayerMirror::PlayerMirror(const QDBusConnection& bus, QString name, QString own
   clock_.start();
   due_.setSingleShot(true);
   connect(&due_, &QTimer::timeout, this, &PlayerMirror::doWhatIsDue);
+  catchUp_.setSingleShot(true);
+  connect(&catchUp_, &QTimer::timeout, this, &PlayerMirror::catchUp);
 }
 
 QString PlayerMirror::shortName() const {
@@ -394,7 +398,29 @@ void PlayerMirror::keepRatingUnderWay() {
 
 // What the bus delivered.
 
+/// What a flood of signals tells is not read, or the queue would grow faster than it is worked off
+/// and nothing else would come to its turn. The player is asked a little later.
+bool PlayerMirror::isFlooding() {
+  constexpr PlayerAttention::Time window{50};
+  constexpr int mostSignals = 50;
+  if (now() - lastWindow_ >= window) {
+    lastWindow_ = now();
+    signalCount_ = 0;
+  }
+  if (++signalCount_ <= mostSignals) return false;
+  if (!catchUp_.isActive()) catchUp_.start(window);
+  return true;
+}
+
+void PlayerMirror::catchUp() {
+  receivedSomething();
+#ifdef __GLIBC__
+  ::malloc_trim(0);  // what was queued lies between what stays, and would be kept with it
+#endif
+}
+
 void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
+  if (isFlooding()) return;
   const QVariantMap values = mapFromVariant(message.arguments().value(1));
   const bool isOnlyMetadata = values.size() == 1 && values.contains(QStringLiteral("Metadata"));
   const auto status = values.constFind(QStringLiteral("PlaybackStatus"));
@@ -421,11 +447,14 @@ void PlayerMirror::receivedPropertiesChanged(const QDBusMessage& message) {
       if (*snapshot_ == *before) return;
     }
   }
-  forget();
-  emit changed();
+  receivedSomething();
 }
 
 void PlayerMirror::receivedSeeked() {
+  if (!isFlooding()) receivedSomething();
+}
+
+void PlayerMirror::receivedSomething() {
   forget();
   emit changed();
 }

@@ -107,6 +107,9 @@ class PlayerMirror final : public QObject {
   void readWhatWasTold();
   PlayerSnapshot withoutGrowingLength(PlayerSnapshot told);
   bool lengthIsGrowing() const;
+  bool isFlooding();
+  void catchUp();
+  void receivedSomething();
   void readPosition(const QVariant& told);
   void runPosition();
   void comparePositionWithLength(double position);
@@ -135,6 +138,10 @@ class PlayerMirror final : public QObject {
   int ratingsUnderWay_ = 0;    ///< ratings of its own that the player has not answered yet
   PlayerSnapshot ratedTrack_;  ///< the track that the last one was set on, with it
   PositionClock position_;
+
+  PlayerAttention::Time lastWindow_{};  ///< when signals were counted anew
+  int signalCount_ = 0;
+  QTimer catchUp_;  ///< runs while signals were passed over
 
   bool isDescribing_ = false;
   bool askedForWritableProperties_ = false;

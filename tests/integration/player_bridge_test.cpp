@@ -127,6 +127,24 @@ TEST_F(PlayerBridge, WhatAPlayerChangesWithoutAWordIsAnnouncedOnceItsLastAnswerI
   EXPECT_LT(player.questionCount(), 100) << "its position stands, and is believed";
 }
 
+TEST_F(PlayerBridge, AFloodOfSignalsIsNotReadAndCaughtUpWithAfterwards) {
+  const FakePlayer player(bus, "flood", song("Song"));
+  desktop::PlayerMirror mirror(bus.connection(), "org.mpris.MediaPlayer2.flood",
+                               "org.mpris.MediaPlayer2.flood");
+  desktop::PlayerMirror* const asked[] = {&mirror};
+  desktop::PlayerMirror::askTogether(asked);
+  int changes = 0;
+  QObject::connect(&mirror, &desktop::PlayerMirror::changed, &mirror, [&changes] { ++changes; });
+  const QDBusMessage signal = FakePlayer::changeSignal(song("Song"));
+  for (int i = 0; i < 1000; ++i) mirror.receivedPropertiesChanged(signal);
+  for (int i = 0; i < 1000; ++i) mirror.receivedSeeked();
+  const int taken = std::exchange(changes, 0);
+  EXPECT_GE(taken, 1);
+  EXPECT_LT(taken, 1000);
+  EXPECT_TRUE(waitUntil([&] { return changes > 0; }));
+  EXPECT_EQ(mirror.snapshot()->title, "Song");
+}
+
 TEST_F(PlayerBridge, WhatNoPanelShowsIsToldToOthersWithoutARefreshOrAQuestion) {
   FakePlayer player(bus, "loud", song("Song", {{"Volume", 0.5}}));
   follow();
