@@ -1,7 +1,5 @@
 // The widget as the program composes it, measured from the inside.
 //
-//   widget-window start            first frame and peak memory, with the player on the bus
-//   widget-window idle SECONDS     processor time while shown and playing, with the demo player
 //   widget-window refresh COUNT    full refreshes on the demo player
 //   widget-window signals COUNT    from a player's signal to the finished repaint
 #include <QtCore/QTimer>
@@ -37,50 +35,6 @@ Milliseconds since(std::int64_t started) {
 void refresh() {
   platform::current().distributedCenter->postNotification(
       platform::NSNotification(platform::player::infoNotification));
-}
-
-int start(desktop::CardSurface& window) {
-  double firstFrame = -1;
-  window.setPaintObserver([&](const QRegion&) {
-    if (firstFrame >= 0) return;
-    firstFrame = bench::millisecondsSinceStart();
-    constexpr int settling = 1000;  // milliseconds until the peak of memory is behind
-    QTimer::singleShot(settling, [&] {
-      std::printf("first-frame %.3f peak %ld\n", firstFrame, bench::peakMemory());
-      QCoreApplication::quit();
-    });
-  });
-  window.open();
-  return QGuiApplication::exec();
-}
-
-int idle(desktop::CardSurface& window, int seconds) {
-  int paints = 0;
-  int largePaints = 0;
-  double before = 0;
-  bool counting = false;
-  window.setPaintObserver([&](const QRegion& region) {
-    if (!counting) return;
-    ++paints;
-    // A heartbeat touches the bar, 320 × 7, and the time label, 80 × 15.
-    constexpr int largest = 320 * 7 + 80 * 15;
-    int area = 0;
-    for (const QRect& rect : region) area += rect.width() * rect.height();
-    if (area > largest) ++largePaints;
-  });
-  constexpr int settling = 2000;  // milliseconds
-  QTimer::singleShot(settling, [&] {
-    counting = true;
-    before = bench::processorTime();
-  });
-  QTimer::singleShot(settling + seconds * 1000, [&] {
-    const double used = bench::processorTime() - before;
-    std::printf("processor %.4f %% of one core over %d s, %d repaints, %d beyond bar and time\n",
-                100 * used / seconds, seconds, paints, largePaints);
-    QCoreApplication::quit();
-  });
-  window.open();
-  return QGuiApplication::exec();
 }
 
 /// Counts the requests on their way to the player.
@@ -182,7 +136,7 @@ int main(int argc, char** argv) {
   desktop::Composition::Options options{.bundle = desktop::openBundle(VIRELUNE_BENCH_BUNDLE),
                                         .widget = virelune::widgetEntry().principalClasses};
   if (!options.bundle) return EXIT_FAILURE;
-  if (what == "start" || what == "signals") {
+  if (what == "signals") {
     options.bus = QDBusConnection::sessionBus();
   } else {
     options.usesNetwork = false;  // and with it the demo player's own servers
@@ -195,11 +149,9 @@ int main(int argc, char** argv) {
   desktop::Card* card = composition.card();
   if (card == nullptr) return EXIT_FAILURE;
   desktop::CardSurface window(*card, composition.graphics(), {.title = "bench"});
-  if (what == "start") return start(window);
-  if (what == "idle") return idle(window, number);
   if (what == "refresh") return refreshes(window, number);
   if (what == "signals") return Signals(window, number).run();
-  std::fprintf(stderr, "widget-window: start, idle, refresh or signals\n");
+  std::fprintf(stderr, "widget-window: refresh or signals\n");
   return EXIT_FAILURE;
 }
 

@@ -14,7 +14,7 @@ test_packages=(libgtest-dev libgmock-dev mpv mpv-mpris playerctl xvfb xdotool x1
   ffmpeg lld)
 thorough_packages=(mpc mpd mpdris2 quodlibet gstreamer1.0-plugins-base gstreamer1.0-plugins-good python3-dbus
   qt6-wayland sway at-spi2-core python3-pyatspi pcmanfm firefox-esr)
-bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg)
+bench_packages=(libbenchmark-dev lld mpv mpv-mpris xvfb xauth ffmpeg python3-dbus python3-gi python3-pil)
 fuzz_packages=(clang libclang-rt-dev)
 # debian/control has one list for both releases.
 package_packages=(appstream debhelper desktop-file-utils dpkg-dev lintian mandoc

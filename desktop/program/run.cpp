@@ -27,6 +27,7 @@
 #include "desktop/program/hand_on.h"
 #include "desktop/program/instance.h"
 #include "desktop/program/tour.h"
+#include "desktop/program/trace.h"
 #include "desktop/program/tray_program.h"
 #include "desktop/remote/service.h"
 #include "desktop/window/card_menu.h"
@@ -106,6 +107,7 @@ int showWindow(const CommandLine& commandLine, Composition& composition, Setting
   if (commandLine.onTop && !window.canStayOnTop()) {
     std::cerr << "virelune-widget: this desktop does not let programs stay on top" << std::endl;
   }
+  const Trace trace(window);
   CardShowing showing(window, settings, player);
   Actions actions;
   bool restarts = false;
