@@ -88,7 +88,7 @@ TEST_F(PicturesInFiles, AreMissingFromFilesWithoutCutAndHugeOnesAndWhatIsNoMusic
   // A tag of 200 MB, by its own account.
   std::ofstream huge(path("huge.mp3").toStdString(), std::ios::binary);
   huge << std::string("ID3\x03\0\0\x5F\x2F\x10\0", 10)
-       << std::string("APIC\x0B\xEB\xC2\0\0\0\0image/png\0\3\0", 24);
+       << std::string("APIC\x0B\xEB\xC2\0\0\0\0image/png\0\3\0\0", 24);
   huge.close();
   std::filesystem::resize_file(path("huge.mp3").toStdString(), 250'000'000);
   EXPECT_LE(pictureIn(path("huge.mp3")).size(), desktop::longestCover);

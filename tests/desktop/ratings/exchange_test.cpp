@@ -226,7 +226,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     <entry type="iradio"><rating>5</rating></entry></rhythmdb>)";
   std::list<Database> held;  // by their players, in the middle of a change
   const auto database = [&](const std::string& column) {
-    const fs::path path = folder.path() / column;
+    fs::path path = folder.path() / column;
     const std::string rows = "CREATE TABLE songs (artist, album, albumartist, title, " + column +
                              ", length, rating); INSERT INTO songs VALUES ('A', 'B', '', 'T',"
                              " CAST('file:///music/%C3%A4.mp3' AS BLOB), 61029000000, 0.55),"
