@@ -195,7 +195,8 @@ int runProgram(const CommandLine& commandLine, int argc, char** argv,
 #endif
   // What is wrong with an image or with the session is told by what is shown; Qt's own remarks
   // would only bury the one line that counts.
-  QLoggingCategory::setFilterRules("default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false");
+  QLoggingCategory::setFilterRules(
+      "default.warning=false\nqt.gui.imageio*=false\nqt.svg*=false\nqt.accessibility*=false");
 
   const bool takesTour = commandLine.takesTour();
   if (takesTour && (commandLine.player || commandLine.waitForPlayer)) {
