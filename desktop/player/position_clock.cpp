@@ -10,7 +10,10 @@ double PositionClock::calculated(Time now) const {
 }
 
 void PositionClock::told(double position, Time now) {
-  if (settledAt_ && std::abs(position - calculated(now)) > agreement) jumps_ = true;
+  if (settledAt_ && std::abs(position - calculated(now)) > agreement) {
+    jumps_ = jumps_ || hasAgreed_;
+    settledAt_.reset();
+  }
   if (!settledAt_) settledAt_ = now;
   hasAgreed_ = now - *settledAt_ >= shortestTest;
   position_ = position;

@@ -9,9 +9,9 @@ namespace desktop {
 /// Told of positions with the times of the answers, it says where the player is. MPRIS players tell
 /// when they jump (Seeked), when they start and stop, and at which rate they play; in between, the
 /// position goes with the clock. Not all keep to that, so a player is believed once an answer was
-/// where the clock had it, until it speaks or is spoken to; one that was found elsewhere without a
-/// word (it waits for its network, jumps in silence, tells no position) is asked each time from
-/// then on. Times count from any moment.
+/// where the clock had it, until it speaks or is spoken to; one that is then found elsewhere
+/// without a word (it waits for its network, or jumps in silence) is asked each time from then on.
+/// Times count from any moment.
 class PositionClock {
  public:
   using Time = std::chrono::milliseconds;
@@ -41,11 +41,11 @@ class PositionClock {
 
   double position_ = 0;
   double rate_ = 0;
-  std::optional<Time> since_;      ///< when it was at that position; none before anything was told
-  std::optional<Time> settledAt_;  ///< the first answer since its last word; none before that
-  Time toldAt_{};                  ///< the last answer
-  bool hasAgreed_ = false;         ///< the answers since its last word lay where the clock had them
-  bool jumps_ = false;             ///< one did not, once
+  std::optional<Time> since_;       ///< when it was at that position; none before anything was told
+  std::optional<Time> settledAt_;   ///< the first answer of those that agree; none after its word
+  Time toldAt_{};                   ///< the last answer
+  bool hasAgreed_ = false;          ///< they did for long enough
+  bool jumps_ = false;              ///< it was elsewhere after that, once
   std::optional<Time> answeredAt_;  ///< when at() answered anew, with answer_
   double answer_ = 0;
 };
