@@ -204,7 +204,7 @@ bool PlayerMirror::lengthIsGrowing() const { return growths_ >= 2 && lastTold_.i
 /// Lets the position go on as the player does.
 void PlayerMirror::runPosition() {
   const double rate = numberFromVariant(told_.value(QStringLiteral("Rate"))).value_or(1);
-  position_.run(isPlaying() ? rate : 0, now());
+  position_.run(isPlaying() ? rate : 0, snapshot_ ? snapshot_->length : 0, now());
 }
 
 /// There may be something new to ask for.

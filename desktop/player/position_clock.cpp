@@ -1,12 +1,15 @@
 #include "desktop/player/position_clock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace desktop {
 
 double PositionClock::calculated(Time now) const {
   if (!since_) return 0;
-  return position_ + rate_ * std::chrono::duration<double>(now - *since_).count();
+  const double position =
+      position_ + rate_ * std::chrono::duration<double>(now - *since_).count();
+  return end_ > 0 ? std::min(position, std::max(end_, position_)) : position;
 }
 
 void PositionClock::told(double position, Time now) {
@@ -22,11 +25,12 @@ void PositionClock::told(double position, Time now) {
   answeredAt_.reset();
 }
 
-void PositionClock::run(double rate, Time now) {
-  if (rate == rate_) return;
+void PositionClock::run(double rate, double end, Time now) {
+  if (rate == rate_ && end == end_) return;
   position_ = calculated(now);
   if (since_) since_ = now;
   rate_ = rate;
+  end_ = end;
   answeredAt_.reset();
 }
 

@@ -25,8 +25,9 @@ class PositionClock {
 
   /// The player is at this position, in seconds.
   void told(double position, Time now);
-  /// It plays at this rate from now on; 0 while it does not play.
-  void run(double rate, Time now);
+  /// It plays at this rate from now on, 0 while it does not play, up to this position in seconds;
+  /// 0 for an end that is not known.
+  void run(double rate, double end, Time now);
   /// It spoke or was spoken to: it may be anywhere.
   void unsettle();
   /// Another player, or none.
@@ -41,6 +42,7 @@ class PositionClock {
 
   double position_ = 0;
   double rate_ = 0;
+  double end_ = 0;
   std::optional<Time> since_;       ///< when it was at that position; none before anything was told
   std::optional<Time> settledAt_;   ///< the first answer of those that agree; none after its word
   Time toldAt_{};                   ///< the last answer

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 /// Plays from 10 s on at this rate, told at once.
 PositionClock playing(double rate = 1) {
   PositionClock clock;
-  clock.run(rate, 0ms);
+  clock.run(rate, 0, 0ms);
   clock.told(10, 0ms);
   return clock;
 }
@@ -62,14 +62,25 @@ TEST(PositionClock, AfterAWordAJumpIsNoSurpriseAndHasToProveItselfAgain) {
 
 TEST(PositionClock, StopsAndGoesWhereItStandsAndAnswersOneMomentAlike) {
   PositionClock clock = playing();
-  clock.run(0, 2s);
+  clock.run(0, 0, 2s);
   EXPECT_DOUBLE_EQ(clock.at(9s), 12);
-  clock.run(2, 9s);
+  clock.run(2, 0, 9s);
   EXPECT_DOUBLE_EQ(clock.at(10s), 14);
   EXPECT_DOUBLE_EQ(clock.at(10s + 19ms), 14);
   EXPECT_DOUBLE_EQ(clock.at(10s + 20ms), 14.04);
-  clock.run(2, 11s);
+  clock.run(2, 0, 11s);
   EXPECT_DOUBLE_EQ(clock.at(12s), 18) << "the same rate once more changes nothing";
+}
+
+TEST(PositionClock, EndsWithItsTrackUnlessThePlayerItselfIsBeyondThat) {
+  PositionClock clock = playing();
+  clock.run(1, 12, 1s);
+  EXPECT_DOUBLE_EQ(clock.at(2s), 12);
+  EXPECT_DOUBLE_EQ(clock.at(9s), 12);
+  clock.run(1, 15, 9s);
+  EXPECT_DOUBLE_EQ(clock.at(10s), 13) << "the end moved, and it went on from the old one";
+  clock.told(20, 11s);
+  EXPECT_DOUBLE_EQ(clock.at(12s), 20);
 }
 
 }  // namespace
