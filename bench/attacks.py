@@ -22,7 +22,7 @@ PATH = "/org/mpris/MediaPlayer2"
 PLAYER = "org.mpris.MediaPlayer2.Player"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 LIMIT = 50  # milliseconds
-CARD_LIMIT = {"a player that never answers": 250}
+OTHER_LIMITS = {"a player that never answers": 250}
 SIGNALS = 100_000
 COVER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../resources/covers/waves.png")
 
@@ -33,6 +33,7 @@ class Player(dbus.service.Object):
     def __init__(self):
         self.track = {"xesam:title": "Song", "xesam:album": "Album"}
         self.is_mute = False
+        self.answers = 0
         super().__init__(dbus.service.BusName(NAME, dbus.SessionBus()), PATH)
         GLib.io_add_watch(sys.stdin, GLib.IO_IN | GLib.IO_HUP, self.obey)
 
@@ -46,11 +47,11 @@ class Player(dbus.service.Object):
         return True
 
     def values(self):
-        self.count = getattr(self, "count", 0) + 1
+        self.answers += 1
         metadata = {"mpris:trackid": dbus.ObjectPath("/track/1"),
                     "mpris:length": dbus.Int64(180_000_000)} | self.track
         return dbus.Dictionary({"PlaybackStatus": "Playing", "Position": dbus.Int64(0),
-                                "Volume": (self.count % 100) / 100,
+                                "Volume": (self.answers % 100) / 100,
                                 "Metadata": dbus.Dictionary(metadata, "sv")}, "sv")
 
     def tell(self, **track):
@@ -170,7 +171,7 @@ def measure(program):
             player.stdout.readline()
             time.sleep(seconds)
             turns = list(card.turns)
-            print(f"{name}: {max(turns) if turns else 'under 10'} ms ({CARD_LIMIT.get(name, LIMIT)}), "
+            print(f"{name}: {max(turns) if turns else 'under 10'} ms ({OTHER_LIMITS.get(name, LIMIT)}), "
                   f"{len(turns)} turns; {card.processor() - used:.2f} s; "
                   f"{before:.1f} to {card.memory():.1f} MiB", flush=True)
         card.process.kill()

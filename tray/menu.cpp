@@ -4,6 +4,8 @@
 #include <QtDBus/QDBusMetaType>
 #include <utility>
 
+#include "tray/structure.h"
+
 namespace tray {
 
 Menu::Menu(QObject* parent, Options options)
@@ -105,45 +107,27 @@ QList<int> Menu::AboutToShowGroup(const QList<int>& ids, QList<int>& unknown) {
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuLayout& layout) {
-  argument.beginStructure();
-  argument << layout.id << layout.properties << layout.items;
-  argument.endStructure();
-  return argument;
+  return writeStructure(argument, layout.id, layout.properties, layout.items);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuLayout& layout) {
-  argument.beginStructure();
-  argument >> layout.id >> layout.properties >> layout.items;
-  argument.endStructure();
-  return argument;
+  return readStructure(argument, layout.id, layout.properties, layout.items);
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuProperties& item) {
-  argument.beginStructure();
-  argument << item.id << item.properties;
-  argument.endStructure();
-  return argument;
+  return writeStructure(argument, item.id, item.properties);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuProperties& item) {
-  argument.beginStructure();
-  argument >> item.id >> item.properties;
-  argument.endStructure();
-  return argument;
+  return readStructure(argument, item.id, item.properties);
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& event) {
-  argument.beginStructure();
-  argument << event.id << event.kind << event.data << event.time;
-  argument.endStructure();
-  return argument;
+  return writeStructure(argument, event.id, event.kind, event.data, event.time);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event) {
-  argument.beginStructure();
-  argument >> event.id >> event.kind >> event.data >> event.time;
-  argument.endStructure();
-  return argument;
+  return readStructure(argument, event.id, event.kind, event.data, event.time);
 }
 
 }  // namespace tray

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "tray/structure.h"
+
 namespace tray {
 
 namespace {
@@ -76,31 +78,19 @@ void StatusItem::Scroll(int delta, const QString& orientation) {
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const Pixels& pixels) {
-  argument.beginStructure();
-  argument << pixels.width << pixels.height << pixels.bytes;
-  argument.endStructure();
-  return argument;
+  return writeStructure(argument, pixels.width, pixels.height, pixels.bytes);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, Pixels& pixels) {
-  argument.beginStructure();
-  argument >> pixels.width >> pixels.height >> pixels.bytes;
-  argument.endStructure();
-  return argument;
+  return readStructure(argument, pixels.width, pixels.height, pixels.bytes);
 }
 
 QDBusArgument& operator<<(QDBusArgument& argument, const ItemToolTip& toolTip) {
-  argument.beginStructure();
-  argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.text;
-  argument.endStructure();
-  return argument;
+  return writeStructure(argument, toolTip.iconName, toolTip.icon, toolTip.title, toolTip.text);
 }
 
 const QDBusArgument& operator>>(const QDBusArgument& argument, ItemToolTip& toolTip) {
-  argument.beginStructure();
-  argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
-  argument.endStructure();
-  return argument;
+  return readStructure(argument, toolTip.iconName, toolTip.icon, toolTip.title, toolTip.text);
 }
 
 }  // namespace tray

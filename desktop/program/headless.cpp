@@ -171,10 +171,7 @@ int runOnPlayer(const Verb& verb, const virelune::WidgetEntry& widget) {
   if (verb.name == "follow") return refuse({.text = "no card runs"});
   const int status = runVerb(verb, headless).value_or(impossibleStatus);
   if (verb.name != "status") finish(bus, headless.bridge());
-  // What the program holds goes with it. To take leave of each part of the bus, one by one, would
-  // take a good part of the time that a verb takes.
-  std::cout.flush();
-  std::_Exit(status);
+  endAtOnce(status);
 }
 
 // Without a player.

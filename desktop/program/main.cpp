@@ -14,6 +14,7 @@
 #include "desktop/files/module.h"
 #include "desktop/program/card_module.h"
 #include "desktop/program/command_line.h"
+#include "desktop/program/ending.h"
 #include "desktop/program/hand_on.h"
 #include "desktop/program/headless.h"
 #include "desktop/program/run.h"
@@ -57,13 +58,6 @@ int startAnew(std::span<const char* const> arguments) {
   return EXIT_FAILURE;
 }
 
-/// Ends the program when all is said. What it holds goes with it; taking leave of each part of the
-/// bus, one by one, would take a good part of the time that a verb takes.
-[[noreturn]] void endAtOnce(int status) {
-  std::cout.flush();
-  std::_Exit(status);
-}
-
 int doVerb(const desktop::Result<desktop::Verb>& verb, int argc, char** argv) {
   if (!verb) {
     return desktop::refuse({desktop::badValueStatus, verb.problem().text + "; see --help"});
@@ -72,7 +66,7 @@ int doVerb(const desktop::Result<desktop::Verb>& verb, int argc, char** argv) {
   if (desktop::isForCard(*verb)) {
     const auto bus = QDBusConnection::sessionBus();
     const auto status = bus.isConnected() ? desktop::runVerbOnCard(*verb, bus) : std::nullopt;
-    if (status) endAtOnce(*status);
+    if (status) desktop::endAtOnce(*status);
   }
   return runHeadless(&*verb, argc, argv);
 }
@@ -104,7 +98,7 @@ int main(int argc, char** argv) {
     const auto status = desktop::askEarly(argc, argv, [&commandLine](const QDBusConnection& bus) {
       return desktop::handOn(bus, *commandLine);
     });
-    if (status) endAtOnce(*status);
+    if (status) desktop::endAtOnce(*status);
   }
   loadDatabase();
   auto* run = reinterpret_cast<desktop::RunCard*>(
