@@ -1,5 +1,6 @@
 """Operates the card at random; see scripts/monkey."""
 
+import datetime
 import json
 import os
 import random
@@ -192,7 +193,7 @@ class Monkey:
         self.program = program
         self.desktop = desktop
         self.soaks = soaks
-        self.ratings = {}  # by title, as last seen
+        self.ratings = {}  # by title, as last seen, and when
         self.memory = []  # of the card that runs: time, KiB
         self.done = 0
         self.starts = 0
@@ -250,13 +251,14 @@ class Monkey:
         self.memory.append((time.monotonic(), size, files))
 
     def remember(self):
+        now = int(time.time())
         try:
             status = self.bus.call_blocking(CARD, CARD_PATH, CARD + "1", "Status", "", (),
                                             timeout=10)
         except dbus.DBusException:
             return
         if status.get("player") == "monkey" and status.get("ratedBy") == "user":
-            self.ratings[str(status["title"])] = float(status["rating"])
+            self.ratings[str(status["title"])] = float(status["rating"]), now
 
     def point(self, place):
         x, y, width, height = place
@@ -304,10 +306,17 @@ class Monkey:
     def check_store(self):
         listed = subprocess.run([self.program, "list", "--format", "json"], capture_output=True,
                                 text=True).stdout
-        kept = {entry.get("title"): entry.get("rating", 0) / 20
+        kept = {entry["title"]: entry
                 for entry in map(json.loads, listed.splitlines()) if entry["kind"] == "track"}
-        lost = {title: (rating, kept.get(title)) for title, rating in self.ratings.items()
-                if kept.get(title, 0) != rating}
+
+        def is_kept(title, rating, seen):
+            entry = kept.get(title, {})
+            when = datetime.datetime.fromisoformat(entry.get("ratingChanged", "1970-01-01T00:00:00Z"))
+            # It may have been rated again between the last look and the next track.
+            return entry.get("rating", 0) / 20 == rating or when.timestamp() >= seen
+        lost = {title: (rating, seen, kept.get(title))
+                for title, (rating, seen) in self.ratings.items()
+                if not is_kept(title, rating, seen)}
         if lost:
             raise Found(f"ratings that were made, and what the store has of them: {lost}")
 
