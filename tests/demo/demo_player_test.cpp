@@ -2,15 +2,12 @@
 
 #include <cmath>
 
-#include "demo/demo_workspace.h"
 #include "tests/support/listener.h"
 #include "tests/support/widget_fixture.h"
 
 namespace {
 
-using demo::statePaused;
 using demo::statePlaying;
-using demo::stateStopped;
 using namespace platform;
 using tests::Listener;
 
@@ -26,9 +23,7 @@ struct DemoPlayer : tests::WidgetFixture {
     return static_cast<std::size_t>(std::ranges::find_if(library, isCurrent) - library.begin());
   }
 
-  void command(FourCharCode identifier) const {
-    application->sendEvent_id_parameters(code("hook"), identifier);
-  }
+  void playPause() const { application->sendEvent_id_parameters(code("hook"), code("PlPs")); }
 
   const std::vector<demo::Track> library = demo::library();
   std::shared_ptr<Listener> listener = platform::make<Listener>();
@@ -41,7 +36,7 @@ TEST_F(DemoPlayer, PositionRunsOnlyWhilePlayingAndStaysWithinTheTrack) {
   startPlayer(statePlaying);
   clock.advance(10);
   EXPECT_DOUBLE_EQ(position->doubleValue(), 10);
-  command(code("PlPs"));
+  playPause();
   for (const double target : {-5.0, std::nan(""), HUGE_VAL}) position->setTo(target);
   EXPECT_EQ(player.position(), 0);
   position->setTo(1e6);
@@ -49,7 +44,7 @@ TEST_F(DemoPlayer, PositionRunsOnlyWhilePlayingAndStaysWithinTheTrack) {
   EXPECT_EQ(playing(), 0U) << "a paused track does not end";
   position->setTo(50.5);
   clock.advance(100);
-  command(code("PlPs"));
+  playPause();
   clock.advance(2);
   EXPECT_DOUBLE_EQ(position->doubleValue(), 52.5);
   player.stop();
@@ -74,43 +69,6 @@ TEST_F(DemoPlayer, TheEndOfATrackStartsTheNextAndIsAnnouncedOnce) {
   EXPECT_EQ(player.state(), statePlaying);
   EXPECT_NEAR(player.position(), 0.499, 1e-6);
   EXPECT_EQ(listener->count, before + 1);
-}
-
-TEST_F(DemoPlayer, EveryChangeIsAnnouncedOnceAfterTheCommandReturned) {
-  startPlayer(statePlaying);
-  const std::pair<int, std::function<void()>> actions[] = {
-      {1, [this] { command(code("PlPs")); }},
-      {1, [this] { command(code("Next")); }},
-      {1, [this] { position->setTo(5.0); }},
-      {1,
-       [this] {
-         application->propertyWithCode(code("pTrk"))->propertyWithCode(code("pLov"))->setTo(true);
-       }},
-      {0, [this] { player.pause(); }},
-      {0, [this] { player.quit(); }},
-      {0, [this] { player.play(); }}};  // there is no process to play
-  for (const auto& [announcements, action] : actions) {
-    clock.settle();
-    const int before = listener->count;
-    action();
-    EXPECT_EQ(listener->count, before) << "announced before the command returned";
-    clock.settle();
-    EXPECT_EQ(listener->count, before + announcements);
-  }
-  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U) << "nothing ticks any more";
-}
-
-TEST_F(DemoPlayer, LaunchingItFromTheDesktopStartsTheMusicAndOthersAreLeftToTheOthers) {
-  demo::DemoWorkspace desktop(player, &workspaceBackend);
-  desktop.launchApplication("org.virelune.Virelune");
-  EXPECT_THAT(player.runningApplications(platform::player::bundleIdentifier), testing::IsEmpty());
-  for (const FourCharCode state : {stateStopped, statePaused}) {
-    player.launch(state);
-    player.setState(state);
-    desktop.launchApplication(platform::player::bundleIdentifier);
-    EXPECT_EQ(player.state(), statePlaying);
-  }
-  EXPECT_THAT(workspaceBackend.asked, testing::ElementsAre("launch org.virelune.Virelune"));
 }
 
 }  // namespace

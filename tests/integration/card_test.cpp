@@ -7,7 +7,6 @@
 #include "controls/artwork_button.h"
 #include "controls/rating_indicator.h"
 #include "controls/text_label.h"
-#include "demo/demo_station.h"
 #include "desktop/program/composition.h"
 #include "radio/url_connection.h"
 #include "tests/integration/fake_player.h"
@@ -115,22 +114,6 @@ TEST_F(CardOverPlayer, ShowsTheTagsOfEachFileAndItsMarksAgainWhenBothHaveQuit) {
   EXPECT_TRUE(showsTrack("夜の海"));
   bus.playerctl({"next"});
   EXPECT_TRUE(showsTrack("Without an Album") && hasLabel("Solo"));
-}
-
-TEST_F(CardOverPlayer, ShowsTheProgrammeWhileTheLiveStationPlays) {
-  const auto cover = contents(VIRELUNE_TEST_BUNDLE "/covers/sunrise.png");
-  const auto station = demo::DemoStation::start(
-      {}, {{"夜明けの交差点", "水色", "夏の終わり", platform::Data::fromText(cover)}});
-  const FakePlayer player(
-      bus, "radio",
-      {{"PlaybackStatus", "Playing"},
-       {"Metadata", QVariantMap{{"xesam:title", "Beats 1"},
-                                {"xesam:url", QString::fromStdString(station->streamAddress())}}}});
-  show(station->host());
-  EXPECT_TRUE(hasLabel("Beats 1"));
-  EXPECT_TRUE(showsTrack("夜明けの交差点"));
-  EXPECT_TRUE(hasLabel("水色 — 夏の終わり"));
-  EXPECT_EQ(artworkWidth(), 300);
 }
 
 TEST_F(CardOverPlayer, EndsWithoutWaitingForAServer) {

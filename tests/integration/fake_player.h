@@ -25,8 +25,6 @@ class FakePlayer final : public QDBusVirtualObject {
     setProperties(properties);
     signalChange(properties);
   }
-  /// Does not answer that many questions, ever.
-  void swallow(int questions) { swallowed_ = questions; }
   /// Answers nothing until it is released.
   void hold() { isHeld_ = true; }
   void release();
@@ -51,7 +49,6 @@ class FakePlayer final : public QDBusVirtualObject {
   QVariantMap properties_;  // guarded by mutex_, as are the calls
   QStringList calls_;
   std::atomic<bool> isHeld_ = false;
-  std::atomic<int> swallowed_ = 0;
   std::atomic<int> questionCount_ = 0;
   QThread thread_;
 };

@@ -203,40 +203,5 @@ TEST_F(PlayerBridge, APlayerIsWaitedForOnceIsSilentInTheEndAndCountsAgainWhenItA
   EXPECT_LT(player.questionCount() - questions, 30) << "a question for each value asked for";
 }
 
-TEST_F(PlayerBridge, ALostQuestionIsAskedAgain) {
-  FakePlayer player(bus, "swallower", song("Song"));
-  player.swallow(3);  // at first
-  follow();
-  EXPECT_EQ(title(), "(none)");
-  EXPECT_TRUE(waitForTitle("Song"));
-  player.swallow(1);  // later
-  player.setProperties(song("Later"));
-  player.signalChange({});
-  EXPECT_TRUE(waitUntil([&] {
-    EXPECT_EQ(state(), "kPSP") << "the panel does not change and back";
-    return title() == "Later";
-  }));
-}
-
-TEST_F(PlayerBridge, AFloodOfSignalsIsAnnouncedAFewTimes) {
-  FakePlayer player(bus, "stammerer", song("Song"));
-  follow();
-  const auto panel = platform::make<virelune::VLTrackViewController>();
-  constexpr int signalCount = 10'000;
-  const auto flood = [&](const char* lastTitle) {
-    for (int i = 0; i < signalCount; ++i) player.signalChange(song("Song"));
-    player.setProperties(song(lastTitle));
-    player.signalChange({});
-    return waitUntil([&] {
-      panel->update(nullptr);
-      return title() == lastTitle;
-    });
-  };
-  ASSERT_TRUE(flood("Once"));  // whatever is made once is made now
-  const int changesBefore = announced->count;
-  ASSERT_TRUE(flood("Twice"));
-  EXPECT_LT(announced->count - changesBefore, signalCount / 10);
-}
-
 }  // namespace
 }  // namespace tests

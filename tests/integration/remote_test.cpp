@@ -94,36 +94,6 @@ class FakeSettings final : public QObject {
   const SettingGroups groups_;
 };
 
-/// A card that shows a live station.
-class FakeCard final : public QObject {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.virelune.Virelune.Widget1")
-  Q_PROPERTY(QString Player MEMBER player)
-  Q_PROPERTY(QString Programme READ programme)
-
- public:
-  explicit FakeCard(QDBusConnection bus) : bus_(bus) {
-    bus_.registerObject(object, this, QDBusConnection::ExportAllProperties);
-    bus_.registerService(service);
-  }
-  ~FakeCard() override { bus_.unregisterService(service); }
-  void show(const QString& next) {
-    auto signal =
-        QDBusMessage::createSignal(object, "org.freedesktop.DBus.Properties", "PropertiesChanged");
-    bus_.send(signal << interface << QVariantMap{{"Programme", next}} << QStringList());
-  }
-  QString programme() {
-    isAsked = true;
-    return "News";
-  }
-
-  QString player = "tape";
-  bool isAsked = false;
-
- private:
-  QDBusConnection bus_;
-};
-
 struct Remote : testing::Test {
   std::unique_ptr<Program> start(const QStringList& arguments) const {
     return std::make_unique<Program>(VIRELUNE_PROGRAM, arguments, environment_);
@@ -202,30 +172,6 @@ TEST_F(Remote, AStatusThatIsFollowedHasALineForEachChangeAndSurvivesThePlayer) {
   EXPECT_EQ(follower->readLine(), "Third");
   follower->send(SIGTERM);
   EXPECT_EQ(follower->exitStatus(), 0);
-}
-
-TEST_F(Remote, TheProgrammeThatACardShowsIsToldOfItsStationOnly) {
-  const auto follower = start({"status", "--follow", "--format", "{{title}}:{{programme}}"});
-  EXPECT_EQ(follower->readLine(), "Song:");
-  player_.tell(
-      {{"Metadata", QVariantMap{{"xesam:title", "Radio"}, {"xesam:url", "http://127.0.0.1/r"}}}});
-  EXPECT_EQ(follower->readLine(), "Radio:");
-  std::optional<FakeCard> card(bus_.connection());
-  EXPECT_TRUE(waitUntil([&] { return card->isAsked; }));
-  EXPECT_EQ(follower->readLine(), "Radio:News");
-  card->show("Weather");
-  EXPECT_EQ(follower->readLine(), "Radio:Weather");
-  card.reset();
-  EXPECT_EQ(follower->readLine(), "Radio:");
-  FakePlayer other(bus_, "other",
-                   {{"PlaybackStatus", "Playing"},
-                    {"Metadata", QVariantMap{{"xesam:title", "B"}, {"xesam:url", "http://b"}}}});
-  player_.leaveBus();
-  EXPECT_EQ(follower->readLine(), "B:");
-  card.emplace(bus_.connection());
-  EXPECT_TRUE(waitUntil([&] { return card->isAsked; }));
-  other.tell({{"Metadata", QVariantMap{{"xesam:title", "C"}, {"xesam:url", "http://b"}}}});
-  EXPECT_EQ(follower->readLine(), "C:") << "a card for another player";
 }
 
 TEST_F(Remote, TheBusAnswersWithoutAWindowUntilACardTakesOverAndRatingsShowEverywhere) {

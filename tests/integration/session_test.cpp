@@ -106,21 +106,6 @@ TEST_F(Session, ClicksCommandThePlayerAndEdit) {
   }
 }
 
-TEST_F(Session, TheDemoPlayerGivesWayToThePlayerThatPlaysForGood) {
-  FakePlayer player(bus, "late", song("Paused"));
-  player.leaveBus();
-  open();
-  EXPECT_TRUE(waitForHeight(trackHeight)) << "the demo player plays";
-  FakePlayer other(bus, "other", song("Paused"));
-  FakePlayer playing(bus, "playing", song("Playing"));
-  EXPECT_TRUE(commands(playing));
-  EXPECT_FALSE(other.calls().contains("Next"));
-  EXPECT_TRUE(remembers("Last=playing"));
-  playing.leaveBus();
-  other.leaveBus();
-  EXPECT_TRUE(waitForHeight(informationHeight)) << "and the demo player stays away";
-}
-
 TEST_F(Session, ASecondStartHandsOnWhatItWantsToTheCardThatRuns) {
   FakePlayer first(bus, "first", song("Playing"));
   FakePlayer second(bus, "second", song("Paused"));

@@ -1,6 +1,5 @@
 #include "radio/beats1_info_loader.h"
 
-#include "radio/url_connection.h"
 #include "tests/support/listener.h"
 #include "tests/support/widget_fixture.h"
 
@@ -195,27 +194,6 @@ TEST_F(LiveProgramme, AStoppedOrDestroyedLoaderChangesNothingHoweverLateItsBytes
   }
 }
 
-TEST_F(LiveProgramme, OnlyTheTransferThatIsRecordedNowIsHeardAndWithoutANetworkNothingStarts) {
-  loader->start(nullptr);
-  http.answer(0, playlist());  // has arrived, but the run loop has not turned yet
-  loader->start(nullptr);
-  clock.settle();
-  EXPECT_EQ(http.count(), 2U);
-  receive("");
-  EXPECT_FALSE(loader->stop(nullptr)) << "waiting after a failure, no transfer is recorded";
-  for (const char* host : {"", "no host"}) {
-    bundle->setInfoDictionaryEntry("VLStreamHost", host);
-    EXPECT_FALSE(loader->start(nullptr));
-  }
-  bundle->setInfoDictionaryEntry("VLStreamHost", "radio.example:8080");
-  platform_.http = nullptr;
-  EXPECT_FALSE(loader->start(nullptr));
-  EXPECT_EQ(clock.runLoop().scheduledTimerCount(), 0U);
-  platform_.http = &http;
-  EXPECT_TRUE(loader->start(nullptr));
-  EXPECT_TRUE(http.last().request.url.starts_with("http://radio.example:8080/streams/"));
-}
-
 std::optional<std::string> text(std::string_view identifier, const std::string& bytes) {
   return VLBeats1InfoLoader::trackInfoTextForKey_fromData(identifier, Data::fromText(bytes));
 }
@@ -286,23 +264,6 @@ TEST(SegmentTags, TheArtworkAddressRunsFromHttpToJpgBehindTheWordArtwork) {
                        {"artwork http://a/b.jp", {}},
                        {"", {}}};
   for (const auto& [bytes, expected] : table) EXPECT_EQ(artwork(bytes), expected) << bytes;
-}
-
-using URLConnection = tests::WidgetFixture;
-
-TEST_F(URLConnection, ABodyCountsWhateverTheStatusAndEverythingElseIsNone) {
-  http.replyStatus = 404;
-  http.replies = {"<html>not found</html>", "", std::nullopt};
-  const std::optional<platform::NSURLRequest> request{
-      *platform::URL::fromText("https://example.org/")};
-  const auto connection = platform::make<virelune::VLURLConnection>();
-  EXPECT_EQ(connection->send(request), Data::fromText("<html>not found</html>"));
-  EXPECT_EQ(connection->send(request), std::nullopt);
-  EXPECT_EQ(connection->send(request), std::nullopt);
-  EXPECT_EQ(connection->contentData(), std::nullopt) << "the first body is forgotten";
-  EXPECT_EQ(virelune::vl_sendSynchronousRequest(std::nullopt), std::nullopt);
-  platform_.http = nullptr;
-  EXPECT_EQ(virelune::vl_sendSynchronousRequest(request), std::nullopt);
 }
 
 }  // namespace

@@ -43,12 +43,12 @@ struct Mpd : RealLibrary {
   ~Mpd() override { qunsetenv("MPD_HOST"); }
 
   /// Plays the first file, which the front tells of.
-  void play(bool hasStickers) {
+  void play() {
     const std::string home = folder.path();
     std::ofstream(folder.path() / "mpd.conf")
         << "music_directory \"" << music_.native() << "\"\nbind_to_address \""
         << socket_.toStdString() << "\"\ndb_file \"" << home << "/db\"\n"
-        << (hasStickers ? "sticker_file \"" + home + "/stickers\"\n" : "")
+        << "sticker_file \"" << home << "/stickers\"\n"
         << "audio_output {\ntype \"null\"\nname \"none\"\n}\n";
     server_.emplace("mpd", QStringList{"--no-daemon", (home + "/mpd.conf").c_str()}, environment_);
     ASSERT_TRUE(waitUntil([&] { return !output("mpc", {"version"}).isEmpty(); }));
@@ -68,7 +68,7 @@ struct Mpd : RealLibrary {
 };
 
 TEST_F(Mpd, TakesTheStarsIntoItsStickers) {
-  play(true);
+  play();
   rating()->setTo(70);
   EXPECT_TRUE(isNoted(track_, "mpd", State::written));
   EXPECT_EQ(sticker(), "rating=7");
@@ -76,12 +76,6 @@ TEST_F(Mpd, TakesTheStarsIntoItsStickers) {
   rating()->setTo(40);
   EXPECT_TRUE(isNoted(track_, "mpd", State::written));
   EXPECT_EQ(sticker(), "rating=4") << "the last one";
-}
-
-TEST_F(Mpd, KeepsNoneWithoutAStickerFile) {
-  play(false);
-  rating()->setTo(70);
-  EXPECT_TRUE(isNoted(track_, "mpd", State::none));
 }
 
 struct QuodLibet : RealLibrary {

@@ -136,33 +136,6 @@ TEST_F(Wayland, TheCardIsOperatedMovedRaisedAndClosed) {
   EXPECT_EQ(again->exitStatus(), 0);
 }
 
-TEST_F(Wayland, TheArtworkIsDraggedIntoAFileManager) {
-  const auto target = folder_.path() / "target";
-  std::filesystem::create_directory(target);
-  environment_["GDK_BACKEND"] = "wayland";
-  environment_["GIO_USE_VFS"] = "local";
-  outputOf("dbus-update-activation-environment", {"--all"}, environment_);
-  const Program manager("thunar", {target.c_str()}, environment_);
-  const auto arrange = [&](const char* command) {
-    return outputOf("swaymsg", {QString("[app_id=\"(?i)thunar\"] ") + command}, environment_);
-  };
-  ASSERT_TRUE(waitUntil([&] {
-    arrange("resize set 300 250");
-    return arrange("move position 0 0").contains("true");
-  }));
-  const auto program = start({"--demo"});
-  ASSERT_TRUE(waitUntil([&] { return card().size() == QSize(320, 88); }));
-  const QPoint inside = QPoint(220, 150) - card().topLeft();
-  EXPECT_TRUE(waitUntil([&] {
-    point({30, 60}, "mousedown 1");
-    for (const QPoint& place : {QPoint(33, 63), QPoint(20, 20), inside, inside + QPoint(2, 2)}) {
-      point(place, "sleep 0.2");
-    }
-    point(inside, "mouseup 1");
-    return waitUntil([&] { return !std::filesystem::is_empty(target); }, std::chrono::seconds(3));
-  }));
-}
-
 TEST_F(Wayland, OnTopTheCardIsPutWhereItWasAndMovedByItsHeader) {
   FakePlayer player(bus, "player",
                     {{"PlaybackStatus", "Playing"},
@@ -201,21 +174,6 @@ TEST_F(Wayland, OnTopTheCardIsPutWhereItWasAndMovedByItsHeader) {
   std::stringstream text;
   text << std::ifstream(file).rdbuf();
   EXPECT_THAT(text.str(), testing::HasSubstr("Last=200 0"));
-}
-
-TEST_F(Wayland, HidesWhileNothingPlays) {
-  const auto settings = folder_.path() / "virelune-widget";
-  std::filesystem::create_directory(settings);
-  std::ofstream(settings / "settings.ini") << "[Card]\nHideWhenIdle=true\n";
-  FakePlayer player(
-      bus, "player",
-      {{"PlaybackStatus", "Playing"},
-       {"Metadata", QVariantMap{{"xesam:title", "Song"}, {"mpris:trackid", "/track/1"}}}});
-  const auto program = start();
-  for (const bool plays : {true, false, true}) {
-    player.tell({{"PlaybackStatus", plays ? "Playing" : "Stopped"}});
-    EXPECT_TRUE(waitUntil([&] { return card().isEmpty() != plays; })) << plays;
-  }
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <QtDBus/QDBusObjectPath>
 #include <QtDBus/QDBusVariant>
-#include <limits>
 
 namespace desktop {
 namespace {
@@ -66,19 +65,6 @@ TEST(PlayerSnapshot, EveryTextIsBoundedBetweenCharactersAndTooLongAddressesAreNo
                                   {"mpris:trackid", "/" + huge}});
   EXPECT_EQ(none.address + none.artworkAddress + none.trackId, "");
   EXPECT_GT(withMetadata({{"mpris:artUrl", "data:," + huge}}).artworkAddress.size(), huge.size());
-}
-
-TEST(PlayerSnapshot, OnlyFiniteNumbersAreNumbers) {
-  constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(numberFromVariant(qlonglong{-2}), -2);
-  for (const QVariant& other : {QVariant("2"), QVariant(true), QVariant(noNumber)}) {
-    EXPECT_EQ(numberFromVariant(other), std::nullopt);
-  }
-  EXPECT_EQ(secondsFromMicroseconds(qulonglong{1'500'000}), 1.5);
-  EXPECT_EQ(secondsFromMicroseconds(-5), 0);
-  EXPECT_EQ(microsecondsFromSeconds(1.0000004), 1'000'000);
-  EXPECT_EQ(microsecondsFromSeconds(-1) + microsecondsFromSeconds(noNumber), 0);
-  EXPECT_GT(microsecondsFromSeconds(1e300), 0);
 }
 
 TEST(PlayerSnapshot, ATrackWithoutATitleGoesByItsFileAndAStreamIsElsewhereWithoutALength) {

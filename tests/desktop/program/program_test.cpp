@@ -21,19 +21,6 @@ auto parsed(const std::vector<const char*>& arguments) {
   return desktop::parseCommandLine(arguments);
 }
 
-TEST(CommandLine, ReadsValuesInBothSpellings) {
-  const CommandLine line = *parsed(
-      {"--player", "--x", "--player", "mpv", "--snapshot=a=b.png", "--scale", "1.5", "--on-top"});
-  EXPECT_EQ(line.player, "mpv");
-  EXPECT_EQ(line.snapshot, "a=b.png");
-  EXPECT_EQ(line.scale, 1.5);
-  EXPECT_TRUE(line.onTop);
-  EXPECT_FALSE(line.demo);
-  for (const char* host : {"127.0.0.1:8080", "radio.example.org", "[::1]:80"}) {
-    EXPECT_EQ(parsed({"--stream-host", host})->streamHost, host);
-  }
-}
-
 TEST(CommandLine, NamesWhatItDoesNotUnderstand) {
   for (const auto& [arguments, message] :
        std::vector<std::pair<std::vector<const char*>, const char*>>{

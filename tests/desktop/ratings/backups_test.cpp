@@ -1,9 +1,5 @@
 #include "desktop/ratings/backups.h"
 
-#include <sys/resource.h>
-
-#include <csignal>
-
 #include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace desktop {
@@ -140,20 +136,6 @@ TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlie
   EXPECT_FALSE(restoreRatings(store, "2026-01-19"));
   EXPECT_TRUE(restoreRatings(store, "2026-01-20")) << "one that differs much stands for itself";
   EXPECT_EQ(rating(song), 60);
-}
-
-TEST_F(RatingsBackups, AFullDiskLeavesNothingBehind) {
-  ASSERT_TRUE(importRatings(store, listOf(0, 2000)));
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit before{}, small{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  small = {.rlim_cur = 4096, .rlim_max = before.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &small);
-  const auto made = backUpRatings(file, first);
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  ASSERT_FALSE(made);
-  EXPECT_EQ(made.problem().text, "File too large");
-  EXPECT_TRUE(fs::is_empty(file.parent_path() / "ratings-backups"));
 }
 
 }  // namespace

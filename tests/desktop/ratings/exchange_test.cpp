@@ -1,11 +1,9 @@
 #include "desktop/ratings/exchange.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 
 #include <list>
 
-#include "desktop/ratings/pickle.h"
 #include "tests/desktop/ratings/ratings_fixture.h"
 
 namespace {
@@ -164,25 +162,6 @@ TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   EXPECT_GE(found, saved);
 }
 
-TEST_F(RatingsExchange, TheStandardOutputIsWrittenToWhereItStandsAndWhatCannotBeUsedIsNamed) {
-  store.setTrackRating({.title = "a"}, 20);
-  const std::string missing = folder.path() / "none/ratings.jsonl";
-  for (const auto& result : {importRatings(store, missing), exportRatings(store, missing)}) {
-    ASSERT_FALSE(result);
-    EXPECT_TRUE(result.problem().text.ends_with(missing + ": No such file or directory"));
-  }
-  const std::string line = exported(store);
-  const FileDescriptor before(::dup(STDOUT_FILENO));
-  for (const char* name : {"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
-    const FileDescriptor opened(::open(list.c_str(), O_WRONLY | O_TRUNC));
-    ASSERT_EQ(::write(opened.get(), "first\n", 6), 6);
-    ::dup2(opened.get(), STDOUT_FILENO);
-    EXPECT_TRUE(exportRatings(store, name));
-    ::dup2(before.get(), STDOUT_FILENO);
-    EXPECT_EQ(contents(list), "first\n" + line) << name;
-  }
-}
-
 TEST_F(RatingsExchange, AnExportIsWholeOrLeavesTheLastOneWhateverCallFails) {
   importRatings(store, listOf(0, 5));
   const std::string whole = exported(store);
@@ -273,26 +252,6 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     EXPECT_FALSE(importRatings(store, player + std::string("/nowhere")));
   }
   EXPECT_EQ(exported(store), before);
-}
-
-TEST(Pickle, ReadsEveryProtocolAndEndsOnWhatMakesNoSense) {
-  const std::string songs = quodLibetSongs();
-  for (const std::string& bytes :
-       {std::string("(lp0\n(dp1\nVn\np2\nF0.5\nsVm\nI7\nsa."),
-        std::string("\x80\x04\x95\x14\0\0\0\0\0\0\0]\x94}\x94(\x8c\x01n\x94G\x3f\xe0\0\0\0\0\0\0"
-                    "\x8c\x01m\x94K\x07ua.",
-                    38)}) {
-    PickledMembers members;
-    EXPECT_TRUE(readPickledDictionaries(bytes, [&](const auto& found) { members = found; }));
-    EXPECT_EQ(members, (PickledMembers{{"n", 0.5}, {"m", 7.0}})) << bytes.size();
-  }
-  for (std::size_t length = 0; length < songs.size(); ++length) {
-    EXPECT_FALSE(readPickledDictionaries(songs.substr(0, length), [](const auto&) { FAIL(); }));
-  }
-  for (const char* wrong : {"u.", "(u.", "](h\x07e.", "]s.", "2.", "0.", "(1.", "\x81.", "]b.",
-                            "]X\xff\xff\xff\x7f", "\x8a\xff.", "I9x\n.", "g0\n.", "e"}) {
-    EXPECT_FALSE(readPickledDictionaries(wrong, [](const auto&) { FAIL(); })) << wrong;
-  }
 }
 
 }  // namespace

@@ -124,22 +124,6 @@ TEST_F(RatingsMovedFiles, OfTwoMarksTheLaterOneStaysAndOfTwoFilesThatOfTheSameNa
   EXPECT_EQ(rows("marks"), 2);
 }
 
-TEST_F(RatingsMovedFiles, AnAddressThatWasCutGoesToTheFileThatFits) {
-  ASSERT_TRUE(store.setTrackRating(track("take"), 60));
-  ASSERT_TRUE(store.setTrackRating(track("song", {.title = "song", .length = 9}), 30));
-  for (const char* name : {"take#1.mp3", "take#2.mp3", "song?.mp3"}) make(name);
-  TrackIdentity second = track("take#2.mp3");
-  second.title = "another";
-  hear(second);
-  EXPECT_EQ(store.trackMarks(second), Marks{}) << "another file fits as well";
-  hear(track("take#1.mp3"));
-  EXPECT_EQ(store.trackMarks(track("take#1.mp3")).rating, 60) << "called as it was";
-  const TrackIdentity only = track("song?.mp3", {.title = "song?", .length = 9});
-  hear(only);
-  EXPECT_EQ(store.trackMarks(only).rating, 30) << "the only one";
-  EXPECT_EQ(rows("marks"), 2);
-}
-
 TEST_F(RatingsMovedFiles, AnAnswerAfterTheEndIsNobodys) {
   ASSERT_TRUE(store.setTrackRating(track("old.flac"), 70));
   make("new.flac");

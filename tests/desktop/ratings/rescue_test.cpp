@@ -83,15 +83,6 @@ TEST_F(RatingsRescue, EachPageThatIsLostCostsOnlyWhatLiesOnIt) {
   EXPECT_LT(rescued(contents(file)).marks.size(), entries) << "rows that make no sense";
 }
 
-TEST_F(RatingsRescue, LongRowsAndOtherPageSizesAreReadWhole) {
-  for (const char* pageSize : {"512", "1024", "65536"}) {
-    const Rescued all = rescued(store(50, 5000, pageSize));
-    EXPECT_EQ(all.marks.size(), 50U) << pageSize;
-    EXPECT_EQ(all.names.size(), 50U) << pageSize;
-    EXPECT_EQ(all.pages.unreadable, 0) << pageSize;
-  }
-}
-
 TEST_F(RatingsRescue, WithoutItsFirstPageAStoreIsMendedToo) {
   for (const std::size_t page : {0U, 1U, 2U}) {
     store(3000, 30);

@@ -250,22 +250,6 @@ TEST_F(RatingsStoreTest, ADamagedStoreIsKeptBesideAndANewOneBegins) {
   }
 }
 
-TEST_F(RatingsStoreTest, DamageFoundLaterSetsTheStoreAsideForAllWidgets) {
-  RatingsStore one(file, messages), other(file, messages), third(file, messages);
-  ASSERT_TRUE(importRatings(third, listOf(0, 500)));
-  for (RatingsStore* each : {&one, &other}) {
-    EXPECT_EQ(each->trackMarks({.title = "0"}).rating, 40);
-  }
-  // All pages but the first, under both open connections.
-  overwrite(file, 4096, std::string(fs::file_size(file) - 4096, '\xFF'));
-  EXPECT_TRUE(rate(song, 80));
-  EXPECT_EQ(damagedFiles().size(), 1U);
-  EXPECT_EQ(lines(), 1) << messages.str();
-  EXPECT_TRUE(one.setTrackLoved(song, true));
-  EXPECT_EQ(other.trackMarks(song), (Marks{.rating = 80, .loved = true}));
-  EXPECT_EQ(damagedFiles().size(), 1U) << "a sound store was set aside";
-}
-
 TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
   rate(song, 60);
   // The second lock keeps a widget that starts meanwhile from reading, too.

@@ -66,17 +66,6 @@ TEST_F(LoginItemsTest, LaunchAtLoginSwitchesOnAndOffAmongForeignEntries) {
   EXPECT_EQ(files(), before);
 }
 
-TEST_F(LoginItemsTest, NewItemsComeLastInTheOrderOfTheirMaking) {
-  write("zz.desktop", "Type=Application\nExec=/usr/bin/zz\n");
-  const auto add = [](const char* path) {
-    EXPECT_TRUE(virelune::vl_addLoginItemWithPath_hidden(path, false));
-  };
-  for (const char* program : {"/usr/bin/y", "/usr/bin/b", "/opt/y"}) add(program);
-  EXPECT_TRUE(virelune::vl_removeLoginItemWithPath("/USR/bin/B"));
-  add("/usr/bin/b");
-  EXPECT_EQ(paths(), (Strings{"/usr/bin/zz", "/usr/bin/y", "/opt/y", "/usr/bin/b"}));
-}
-
 TEST_F(LoginItemsTest, AnItemFollowsTheProgramThatHasMovedAndOthersStay) {
   const fs::path there = temporary.path() / "virelune-widget";
   std::ofstream(there) << "another installation";
@@ -123,21 +112,6 @@ TEST_F(LoginItemsTest, OnlyWhatTheSessionStartsIsALoginItem) {
   EXPECT_FALSE(virelune::vl_isLaunchingAtLogin());
   EXPECT_TRUE(virelune::vl_setLaunchingAtLogin(true));
   EXPECT_EQ(paths(), Strings{ownBundle});
-}
-
-TEST_F(LoginItemsTest, WhatCannotBeDoneIsNotAnswered) {
-  using Kind = platform::ScriptingRequest::Kind;
-  write("a.desktop", "Type=Application\nExec=a\n");
-  for (const auto& [kind, index, isAnswered] :
-       {std::tuple(Kind::resolve, 0, true), {Kind::resolve, 1, false}, {Kind::remove, -1, false}}) {
-    const auto answer = transport.send({.bundleIdentifier = "com.apple.systemevents",
-                                        .kind = kind,
-                                        .path = {{platform::code("logi"), index}}});
-    EXPECT_EQ(answer.has_value(), isAnswered) << index;
-  }
-  fs::remove_all(folder.parent_path());
-  std::ofstream(folder.parent_path()) << "a file where the folder should be";
-  EXPECT_FALSE(virelune::vl_addLoginItemWithPath_hidden("/usr/bin/a", false));
 }
 
 }  // namespace
