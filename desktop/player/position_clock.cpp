@@ -7,8 +7,7 @@ namespace desktop {
 
 double PositionClock::calculated(Time now) const {
   if (!since_) return 0;
-  const double position =
-      position_ + rate_ * std::chrono::duration<double>(now - *since_).count();
+  const double position = position_ + rate_ * std::chrono::duration<double>(now - *since_).count();
   return end_ > 0 ? std::min(position, std::max(end_, position_)) : position;
 }
 

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-
 #include "desktop/remote/template.h"
 
 namespace {
