@@ -15,7 +15,6 @@
 
 namespace {
 
-using desktop::CommandLine;
 
 auto parsed(const std::vector<const char*>& arguments) {
   return desktop::parseCommandLine(arguments);
