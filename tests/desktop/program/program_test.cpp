@@ -15,7 +15,6 @@
 
 namespace {
 
-
 auto parsed(const std::vector<const char*>& arguments) {
   return desktop::parseCommandLine(arguments);
 }
