@@ -175,7 +175,7 @@ double readingTime(const BenchFolder& folder, std::size_t tracks) {
     for (TrackIdentity& each : played) each = track(random() % tracks);
     times.push_back(microseconds([&] {
                       for (const TrackIdentity& each : played) {
-                        if (!store.trackMarks(each).rating) giveUp("a rating is not there");
+                        if (!store.known(each).track.rating) giveUp("a rating is not there");
                       }
                     }) /
                     readsAtOnce);

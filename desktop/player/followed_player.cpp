@@ -63,9 +63,12 @@ TrackIdentity FollowedPlayer::identity() {
   return identity;
 }
 
-Marks FollowedPlayer::marks(Marked of) {
-  if (ratings_ == nullptr) return {};
-  return of == Marked::track ? ratings_->trackMarks(identity()) : ratings_->albumMarks(identity());
+const RatingsStore::Known& FollowedPlayer::known() {
+  if (!known_) {
+    known_ = ratings_ != nullptr ? ratings_->known(identity(), LibraryWriter::nameOf(mirror_))
+                                 : RatingsStore::Known{};
+  }
+  return *known_;
 }
 
 FollowedPlayer::Rating FollowedPlayer::rating(Marked of) {
@@ -74,12 +77,11 @@ FollowedPlayer::Rating FollowedPlayer::rating(Marked of) {
     return track->ownRating ? Rating{percent(*track->ownRating), ratedByUser} : Rating{};
   }
   if (of == Marked::album) {
-    const auto rating = marks(of).rating;
+    const auto rating = known().album.rating;
     return rating ? Rating{*rating, ratedByUser} : Rating{};
   }
-  if (ratings_ != nullptr && track != nullptr) {
-    const auto [rating, note] = ratings_->trackRating(identity(), LibraryWriter::nameOf(mirror_));
-    if (rating) return {lastHand(*rating, note), ratedByUser};
+  if (track != nullptr && known().track.rating) {
+    return {lastHand(*known().track.rating), ratedByUser};
   }
   if (const auto said = ratingSaid()) return {*said, ratedByUser};
   if (track == nullptr) return {};
@@ -99,15 +101,17 @@ std::optional<int> FollowedPlayer::ratingSaid() {
 }
 
 /// Of our rating and the player's the one that was given last, which is ours from now on.
-std::int64_t FollowedPlayer::lastHand(int ours, const std::optional<LibraryNote>& note) {
+std::int64_t FollowedPlayer::lastHand(int ours) {
   constexpr int halfStar = 10;  // libraries round
   const std::string player = LibraryWriter::nameOf(mirror_);
+  const auto note = known().note;
   const auto said = ratingSaid();
   if (note && note->state == LibraryNote::State::pending && library_ != nullptr) {
     library_->writeAgain(mirror_, *now(), identity(), ours);
   }
   if (!said || (note && note->said == said)) return ours;
   LibraryNote heard{.said = said, .state = note ? note->state : LibraryNote::State::none};
+  known_.reset();
   const bool isOurs = !note || (note->awaitsOurs && std::abs(*said - ours) <= halfStar);
   if (isOurs) {
     ratings_->note(identity(), player, heard);
@@ -132,8 +136,7 @@ PlayerReport FollowedPlayer::report() {
   report.albumRating = rating(Marked::album);
   report.isLoved = isLoved(Marked::track);
   report.isAlbumLoved = isLoved(Marked::album);
-  if (ratings_ == nullptr) return report;
-  const auto note = ratings_->trackRating(identity(), LibraryWriter::nameOf(mirror_)).note;
+  const auto& note = known().note;
   constexpr std::array names{"none", "pending", "written", "refused"};
   if (note) report.library = names[static_cast<std::size_t>(note->state)];
   return report;
@@ -141,6 +144,7 @@ PlayerReport FollowedPlayer::report() {
 
 bool FollowedPlayer::setRating(Marked of, std::int64_t rating) {
   const auto value = static_cast<int>(rating);
+  known_.reset();
   if (of == Marked::album) {
     return ratings_ != nullptr && ratings_->setAlbumRating(identity(), value);
   }
@@ -160,10 +164,14 @@ bool FollowedPlayer::setRating(Marked of, std::int64_t rating) {
   return true;
 }
 
-bool FollowedPlayer::isLoved(Marked of) { return marks(of).loved.value_or(false); }
+bool FollowedPlayer::isLoved(Marked of) {
+  const Marks& marks = of == Marked::track ? known().track : known().album;
+  return marks.loved.value_or(false);
+}
 
 bool FollowedPlayer::setLoved(Marked of, bool loved) {
   if (ratings_ == nullptr) return false;
+  known_.reset();
   return of == Marked::track ? ratings_->setTrackLoved(identity(), loved)
                              : ratings_->setAlbumLoved(identity(), loved);
 }

@@ -54,9 +54,10 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   CoverWanted coverWanted();
   /// As the store knows tracks, which looks after a file that has moved.
   TrackIdentity identity();
-  Marks marks(Marked of);
+  /// What the store has of the track, asked for once until it is changed; nothing without a store.
+  const RatingsStore::Known& known();
   std::optional<int> ratingSaid();
-  std::int64_t lastHand(int ours, const std::optional<LibraryNote>& note);
+  std::int64_t lastHand(int ours);
 
   PlayerMirror& mirror_;
   Covers& covers_;
@@ -64,6 +65,7 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   MovedFiles* const moved_;
   LibraryWriter* const library_;
   std::optional<std::shared_ptr<const PlayerSnapshot>> now_;
+  std::optional<RatingsStore::Known> known_;
 };
 
 }  // namespace desktop

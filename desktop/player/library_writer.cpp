@@ -289,8 +289,8 @@ void LibraryWriter::readBack(const Job& job) {
 void LibraryWriter::end(const Job& job, State state, std::optional<int> found) {
   if (!isLatest(job)) return;
   latest_.erase(*trackKey(job.identity));
-  const auto [rating, note] = store_.trackRating(job.identity, job.player);
-  if (!note || rating != job.rating) return;
+  const auto [track, album, note] = store_.known(job.identity, job.player);
+  if (!note || track.rating != job.rating) return;
   LibraryNote ended = *note;
   ended.state = state;
   // Where the library has what it had before, nothing else is to be expected of it.

@@ -61,7 +61,7 @@ Result<> carryOver(const fs::path& file, const fs::path& fresh, MendedFile& mend
   if (result == SQLITE_OK) result = makeEntryTables(database);
   if (result == SQLITE_OK) result = entries.prepare(database);
   if (result == SQLITE_OK) {
-    Transaction transaction(database);
+    Transaction transaction(database, Transaction::Kind::write);
     result = transaction.begun();
     MergeCounts counts;
     if (result == SQLITE_OK) {
@@ -99,7 +99,7 @@ Result<MendedFile> mendRatingsFile(const fs::path& file, Patience& patience, Dat
   MendedFile mended;
   if (damaged.hasMoved()) return mended;
   // Keeps others from writing what would not be carried over, as far as the damage allows that.
-  const Transaction hold(damaged);
+  const Transaction hold(damaged, Transaction::Kind::write);
   damaged.leaveLogOnClose();
   const fs::path fresh =
       file.parent_path() / (file.stem().native() + "-rescued" + file.extension().native());

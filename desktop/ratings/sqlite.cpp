@@ -105,7 +105,7 @@ Transaction::~Transaction() {
 }
 
 int migrate(Database& database, std::span<const char* const> steps) {
-  Transaction transaction(database);
+  Transaction transaction(database, Transaction::Kind::write);
   if (transaction.begun() != SQLITE_OK) return transaction.begun();
   std::int64_t version = 0;
   if (const int result = database.readInteger("PRAGMA user_version", version);

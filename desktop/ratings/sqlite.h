@@ -90,11 +90,13 @@ class Database {
   std::unique_ptr<sqlite3, Close> database_;
 };
 
-/// A write transaction, undone unless it is committed.
+/// A transaction, undone unless it is committed; what is read in one is as it was at one moment.
 class Transaction {
  public:
-  explicit Transaction(Database& database)
-      : database_(database), result_(database.execute("BEGIN IMMEDIATE")) {}
+  enum class Kind { read, write };
+  Transaction(Database& database, Kind kind)
+      : database_(database),
+        result_(database.execute(kind == Kind::read ? "BEGIN" : "BEGIN IMMEDIATE")) {}
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;

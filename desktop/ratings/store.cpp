@@ -42,14 +42,6 @@ std::filesystem::path RatingsStore::defaultFile() {
   return folder.empty() ? folder : folder / "virelune-widget" / "ratings.sqlite";
 }
 
-Marks RatingsStore::trackMarks(const TrackIdentity& track) {
-  return marks(digestOf({RatingsRecord::Kind::track, track}));
-}
-
-Marks RatingsStore::albumMarks(const TrackIdentity& track) {
-  return marks(digestOf({RatingsRecord::Kind::album, track}));
-}
-
 bool RatingsStore::setTrackRating(const TrackIdentity& track, int rating) {
   return set({RatingsRecord::Kind::track, track, {.rating = rating}});
 }
@@ -71,15 +63,26 @@ bool RatingsStore::note(const TrackIdentity& track, const std::string& player,
          });
 }
 
-RatingsStore::NotedRating RatingsStore::trackRating(const TrackIdentity& track,
-                                                    const std::string& player) {
-  NotedRating noted;
+RatingsStore::Known RatingsStore::known(const TrackIdentity& track, const std::string& player) {
   const auto digest = digestOf({RatingsRecord::Kind::track, track});
-  noted.rating = marks(digest, [&](Connection& connection) {
-                   noted.note.reset();
-                   return connection.notes.read(*digest, player, noted.note);
-                 }).rating;
-  return noted;
+  const auto albumDigest = digestOf({RatingsRecord::Kind::album, track});
+  Known known;
+  if (!digest && !albumDigest) return known;
+  read([&](Connection& connection) {
+    const Transaction reading(connection.database, Transaction::Kind::read);
+    RatingsRecord record, albumRecord;
+    known = {};
+    int result = reading.begun();
+    if (result == SQLITE_OK && digest) result = connection.entries.readMarks(*digest, record);
+    if (result == SQLITE_OK && digest) result = connection.notes.read(*digest, player, known.note);
+    if (result == SQLITE_OK && albumDigest) {
+      result = connection.entries.readMarks(*albumDigest, albumRecord);
+    }
+    known.track = record.marks;
+    known.album = albumRecord.marks;
+    return result;
+  });
+  return known;
 }
 
 bool RatingsStore::setTrackLoved(const TrackIdentity& track, bool loved) {
@@ -171,15 +174,9 @@ Result<> RatingsStore::replaceAll(EntryCollection& entries, const std::function<
   return {};
 }
 
-Marks RatingsStore::marks(const std::optional<std::string>& digest, const Work& more) {
-  RatingsRecord record;
-  if (!digest) return {};
-  const auto problem = perform(Access::read, [&](Connection& connection) {
-    const int result = connection.entries.readMarks(*digest, record);
-    return result == SQLITE_OK && more ? more(connection) : result;
-  });
+void RatingsStore::read(const Work& work) {
+  const auto problem = perform(Access::read, work);
   if (problem && problem->kind != Kind::absent) tell(problem->kind, textOf(*problem));
-  return record.marks;
 }
 
 bool RatingsStore::set(const RatingsRecord& record, const Work& more) {
@@ -208,7 +205,7 @@ RatingsStore::Outcome RatingsStore::performInTransaction(const Work& work) {
 }
 
 int RatingsStore::inTransaction(Connection& connection, const Work& work) {
-  Transaction transaction(connection.database);
+  Transaction transaction(connection.database, Transaction::Kind::write);
   if (transaction.begun() != SQLITE_OK) return transaction.begun();
   auto version = TablesVersion::older;
   int result = readTablesVersion(connection.database, version);

@@ -48,14 +48,13 @@ class RatingsStore {
   void setChangeHandler(std::function<void()> changed) { changed_ = std::move(changed); }
 
   // Reading; nothing set when the store cannot be read or the track cannot be recognised again.
-  Marks trackMarks(const TrackIdentity& track);
-  Marks albumMarks(const TrackIdentity& track);
-  /// A track's rating with what is noted about it in a player's library.
-  struct NotedRating {
-    std::optional<int> rating = std::nullopt;
-    std::optional<LibraryNote> note = std::nullopt;
+  struct Known {
+    Marks track = {};
+    Marks album = {};
+    std::optional<LibraryNote> note = std::nullopt;  ///< about the track in the player's library
   };
-  NotedRating trackRating(const TrackIdentity& track, const std::string& player);
+  /// All that there is about a track, as it is at one moment.
+  Known known(const TrackIdentity& track, const std::string& player = {});
 
   // Writing; true once it is on the disk. A rating is limited to 0 … 100.
   bool setTrackRating(const TrackIdentity& track, int rating);
@@ -94,7 +93,7 @@ class RatingsStore {
   using Work = std::function<int(Connection&)>;  ///< answers a result code of the database
   using Outcome = std::optional<StoreProblem>;   ///< none when all is well
 
-  Marks marks(const std::optional<std::string>& digest, const Work& more = {});
+  void read(const Work& work);
   bool set(const RatingsRecord& record, const Work& more = {});
   bool write(const Work& work);
   Outcome perform(Access access, const Work& work);

@@ -155,8 +155,9 @@ QVariantMap Service::Marks(const QVariantMap& track, const QDBusMessage& message
   if (!identity) refuse(message, badValueError, "the track is named by what makes no sense");
   if (!identity || options_.ratings == nullptr) return {};
   QVariantMap marks;
-  addMarks(marks, ratingKey, lovedKey, options_.ratings->trackMarks(*identity));
-  addMarks(marks, albumRatingKey, albumLovedKey, options_.ratings->albumMarks(*identity));
+  const auto known = options_.ratings->known(*identity);
+  addMarks(marks, ratingKey, lovedKey, known.track);
+  addMarks(marks, albumRatingKey, albumLovedKey, known.album);
   return marks;
 }
 

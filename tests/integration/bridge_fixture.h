@@ -58,7 +58,7 @@ struct BridgeFixture : testing::Test {
   bool isNoted(const desktop::TrackIdentity& track, const std::string& player,
                desktop::LibraryNote::State state) {
     return waitUntil([&] {
-      const auto note = ratings.trackRating(track, player).note;
+      const auto note = ratings.known(track, player).note;
       return note && note->state == state;
     });
   }

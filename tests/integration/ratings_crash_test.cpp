@@ -58,7 +58,7 @@ struct Widget {
   void expectClicksIn(RatingsStore& store) const {
     for (int number = 0; number < std::min(tracks, answered); ++number) {
       const int last = answered - 1 - (answered - 1 - number) % tracks;
-      const auto rating = store.trackMarks(track(first + number)).rating;
+      const auto rating = store.known(track(first + number)).track.rating;
       // The click under way when the process ended may be there or not.
       const bool isUnderWay = number == answered % tracks && rating == ratingOf(answered);
       EXPECT_TRUE(rating == ratingOf(last) || isUnderWay)
@@ -98,7 +98,7 @@ TEST(RatingsCrash, WhatWidgetsWereAnsweredIsThereAfterAKillAtAnyMomentBesideImpo
     RatingsStore other(file);
     for (RatingsStore* each : {&store, &other}) {
       for (const Widget& widget : widgets) widget.expectClicksIn(*each);
-      for (int i = 1000; i < imported; ++i) EXPECT_EQ(each->trackMarks(track(i)).rating, 40) << i;
+      for (int i = 1000; i < imported; ++i) EXPECT_EQ(each->known(track(i)).track.rating, 40) << i;
     }
   }
   const TrackIdentity clicked{.title = "after the backup"};
@@ -116,9 +116,9 @@ TEST(RatingsCrash, WhatWidgetsWereAnsweredIsThereAfterAKillAtAnyMomentBesideImpo
   }
   for (Widget& widget : widgets) widget.kill();
   for (const Widget& widget : widgets) widget.expectClicksIn(store);
-  EXPECT_EQ(store.trackMarks(clicked), Marks{});
+  EXPECT_EQ(store.known(clicked).track, Marks{});
   RatingsStore kept(restored->substr(restored->find(" as ") + 4));
-  EXPECT_EQ(kept.trackMarks(clicked).rating, 60);
+  EXPECT_EQ(kept.known(clicked).track.rating, 60);
 }
 
 }  // namespace

@@ -57,15 +57,15 @@ TEST_F(RatingsBackups, ARestoreIsSeenByAllAndWhatItReplacesIsKept) {
   ASSERT_TRUE(store.setTrackRating(song, 80));
   ASSERT_TRUE(store.setTrackLoved(other, true));
   RatingsStore running(file, messages);
-  EXPECT_EQ(running.trackMarks(song).rating, 80);
+  EXPECT_EQ(running.known(song).track.rating, 80);
   for (int again = 0; again < 2; ++again) {
     const auto report = restoreRatings(store, "2026-01-05");
     ASSERT_TRUE(report) << report.problem().text;
-    EXPECT_EQ(running.trackMarks(song).rating, 40);
-    EXPECT_EQ(running.trackMarks(other), Marks{});
+    EXPECT_EQ(running.known(song).track.rating, 40);
+    EXPECT_EQ(running.known(other).track, Marks{});
     RatingsStore kept(report->substr(report->find(" as ") + 4), messages);
-    EXPECT_EQ(kept.trackMarks(song).rating, again == 0 ? 80 : 40);
-    EXPECT_EQ(kept.trackMarks(other).loved.has_value(), again == 0);
+    EXPECT_EQ(kept.known(song).track.rating, again == 0 ? 80 : 40);
+    EXPECT_EQ(kept.known(other).track.loved.has_value(), again == 0);
   }
   for (const char* wrong : {"2026-01-06", "2026-02-30", "yesterday", "", "../ratings"}) {
     const auto report = restoreRatings(store, wrong);
@@ -114,7 +114,7 @@ TEST_F(RatingsBackups, EachHasEverythingThoughItTellsOnlyWhatDiffersFromAnEarlie
   EXPECT_LT(4 * size("2026-01-06"), size("2026-01-05"));
   using Ratings = std::vector<int>;
   const auto ratings = [&] {
-    return Ratings{rating(song), store.albumMarks(album).rating.value_or(-1), rating(unnamed),
+    return Ratings{rating(song), store.known(album).album.rating.value_or(-1), rating(unnamed),
                    rating(other), rating({.title = "499"})};
   };
   for (int again = 0; again < 2; ++again) {

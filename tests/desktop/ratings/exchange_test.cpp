@@ -74,7 +74,7 @@ TEST_F(RatingsExchange, WhatIsExportedCanBeImportedWithoutLossAndInTheSameOrder)
   const std::string lines = exported(store);
   EXPECT_EQ(imported(other, lines), "4 added, 0 changed, 0 unchanged");
   EXPECT_EQ(exported(other), lines);
-  EXPECT_EQ(other.trackMarks(named), (Marks{.rating = 0}));
+  EXPECT_EQ(other.known(named).track, (Marks{.rating = 0}));
   EXPECT_EQ(imported(other, lines), "0 added, 0 changed, 4 unchanged");
 }
 
@@ -93,10 +93,10 @@ TEST_F(RatingsExchange, AMergeKeepsWhatWasSetLater) {
                                 line("half", R"("rating":20,"loved":false)") + "\r\n" +
                                 line("new", R"("loved":false)")),
             "1 added, 2 changed, 2 unchanged");
-  EXPECT_EQ(store.trackMarks({.title = "newer"}).rating, 60);
-  EXPECT_EQ(store.trackMarks({.title = "older"}).rating, 20);
-  EXPECT_EQ(store.trackMarks({.title = "undated"}).rating, 60);
-  EXPECT_EQ(store.trackMarks({.title = "half"}), (Marks{.rating = 20, .loved = true}));
+  EXPECT_EQ(store.known({.title = "newer"}).track.rating, 60);
+  EXPECT_EQ(store.known({.title = "older"}).track.rating, 20);
+  EXPECT_EQ(store.known({.title = "undated"}).track.rating, 60);
+  EXPECT_EQ(store.known({.title = "half"}).track, (Marks{.rating = 20, .loved = true}));
 }
 
 TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
@@ -118,7 +118,7 @@ TEST_F(RatingsExchange, ABadLineIsNamedAndNothingIsHalfDone) {
     ASSERT_FALSE(result) << bad;
     EXPECT_TRUE(result.problem().text.starts_with(list + ", line 3: ")) << result.problem().text;
   }
-  EXPECT_EQ(store.trackMarks({.title = "good"}), Marks{});
+  EXPECT_EQ(store.known({.title = "good"}).track, Marks{});
   EXPECT_FALSE(fs::exists(file));
 }
 
@@ -157,7 +157,7 @@ TEST_F(RatingsExchange, AnExportThatCannotBeWholeLeavesTheLastOneAsItWas) {
   // Marks whose names are lost are found again when their track is played.
   int found = 0;
   for (int i = 0; i < 1000; ++i) {
-    found += other.trackMarks({.title = std::to_string(i)}).rating == 20;
+    found += other.known({.title = std::to_string(i)}).track.rating == 20;
   }
   EXPECT_GE(found, saved);
 }
@@ -226,8 +226,8 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
     const auto report = importRatings(store, player + path.native());
     ASSERT_TRUE(report) << report.problem().text;
     EXPECT_TRUE(report->starts_with("Imported 1 rating from " + path.native() + "; 0 ")) << *report;
-    EXPECT_EQ(store.trackMarks(track).rating, rating);
-    EXPECT_EQ(store.trackMarks({.address = "/music/b.mp3"}), Marks{});
+    EXPECT_EQ(store.known(track).track.rating, rating);
+    EXPECT_EQ(store.known({.address = "/music/b.mp3"}).track, Marks{});
     EXPECT_NE(exported(store).find(names), std::string::npos);
     inStore("DELETE FROM marks; DELETE FROM names");
   }
@@ -239,7 +239,7 @@ TEST_F(RatingsExchange, APlayersLibraryIsReadAndGivesWayToEveryClick) {
   EXPECT_TRUE(
       take("rhythmbox:", rhythmbox)
           .ends_with("Imported 0 ratings from " + list + "; 1 track was rated here already"));
-  EXPECT_EQ(store.trackMarks(track).rating, 20);
+  EXPECT_EQ(store.known(track).track.rating, 20);
 
   const std::string before = exported(store);
   for (const char* player : {"rhythmbox:", "quodlibet:", "strawberry:", "clementine:"}) {

@@ -207,7 +207,7 @@ TEST_F(RatingsFaults, MendingAndComingFromAnEarlierVersion) {
       click,
       [&](bool isDone) {
         expectClicked(isDone);
-        EXPECT_EQ(RatingsStore(file, messages).trackMarks(track(7)),
+        EXPECT_EQ(RatingsStore(file, messages).known(track(7)).track,
                   (Marks{.rating = 40, .loved = true}));
       });
 }

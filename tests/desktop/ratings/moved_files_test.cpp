@@ -69,9 +69,9 @@ TEST_F(RatingsMovedFiles, MarksFollowAFileThatWasRenamedOrMountedElsewhere) {
     fs::remove(old);
     make(fs::relative(to.address, music.path()));
     hear(to);
-    EXPECT_EQ(store.trackMarks(to), (Marks{.rating = 70, .loved = true}));
-    EXPECT_EQ(store.trackMarks(from), Marks{});
-    EXPECT_FALSE(store.trackRating(to, "rhythmbox").note) << "a library knows the file not yet";
+    EXPECT_EQ(store.known(to).track, (Marks{.rating = 70, .loved = true}));
+    EXPECT_EQ(store.known(from).track, Marks{});
+    EXPECT_FALSE(store.known(to, "rhythmbox").note) << "a library knows the file not yet";
     for (const char* table : {"marks", "names"}) EXPECT_EQ(rows(table), entries) << table;
     EXPECT_EQ(announced, entries);
   }
@@ -94,18 +94,18 @@ TEST_F(RatingsMovedFiles, MarksStayWithEveryFileThatIsThereOrIsAnotherOne) {
   for (const TrackIdentity& heard :
        {longer, retitled, otherAlbum, stream, titleOnly, track("not there.flac")}) {
     hear(heard);
-    EXPECT_EQ(store.trackMarks(heard), Marks{}) << heard.address;
+    EXPECT_EQ(store.known(heard).track, Marks{}) << heard.address;
   }
   make("old.flac");
   hear(track("new.flac"));
-  EXPECT_EQ(store.trackMarks(old).rating, 70) << "a copy";
+  EXPECT_EQ(store.known(old).track.rating, 70) << "a copy";
   fs::remove(music.path() / "old.flac");
   hear(track("new.flac"));
   EXPECT_EQ(announced, 0) << "the disk is not asked for what is still the same track";
   hear(old);
   hear(track("new.flac"));
   EXPECT_EQ(announced, 1);
-  EXPECT_EQ(store.trackMarks(track("new.flac")).rating, 70);
+  EXPECT_EQ(store.known(track("new.flac")).track.rating, 70);
 }
 
 TEST_F(RatingsMovedFiles, OfTwoMarksTheLaterOneStaysAndOfTwoFilesThatOfTheSameName) {
@@ -119,8 +119,8 @@ TEST_F(RatingsMovedFiles, OfTwoMarksTheLaterOneStaysAndOfTwoFilesThatOfTheSameNa
   ASSERT_TRUE(store.setTrackRating(to, 90)) << "a click while the disk is asked";
   workers.runAll();
   clock.settle();
-  EXPECT_EQ(store.trackMarks(to), (Marks{.rating = 90, .loved = true}));
-  EXPECT_EQ(store.trackMarks(track("gone/other.flac")).rating, 20);
+  EXPECT_EQ(store.known(to).track, (Marks{.rating = 90, .loved = true}));
+  EXPECT_EQ(store.known(track("gone/other.flac")).track.rating, 20);
   EXPECT_EQ(rows("marks"), 2);
 }
 
@@ -133,7 +133,7 @@ TEST_F(RatingsMovedFiles, AnAnswerAfterTheEndIsNobodys) {
     workers.runAll();
   }
   clock.settle();
-  EXPECT_EQ(store.trackMarks(track("old.flac")).rating, 70);
+  EXPECT_EQ(store.known(track("old.flac")).track.rating, 70);
 }
 
 }  // namespace

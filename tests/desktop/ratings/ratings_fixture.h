@@ -45,7 +45,7 @@ struct RatingsFixture : testing::Test {
   }
   /// The rating that somebody finds who opens the store now; -1 for none.
   int rating(const TrackIdentity& track) {
-    return RatingsStore(file, messages).trackMarks(track).rating.value_or(-1);
+    return RatingsStore(file, messages).known(track).track.rating.value_or(-1);
   }
   bool rate(const TrackIdentity& track, int rating) {
     return RatingsStore(file, messages).setTrackRating(track, rating);

@@ -28,7 +28,7 @@ struct RatingsStoreTest : RatingsFixture {
 TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
   {
     RatingsStore store(file, messages);
-    EXPECT_EQ(store.trackMarks(song), Marks{});
+    EXPECT_EQ(store.known(song).track, Marks{});
     EXPECT_FALSE(fs::exists(file.parent_path())) << "reading made something";
     EXPECT_TRUE(store.setTrackRating(song, 130));
     EXPECT_TRUE(store.setAlbumLoved(song, true));
@@ -36,10 +36,10 @@ TEST_F(RatingsStoreTest, MarksAreThereAgainAndEachStandsAlone) {
     EXPECT_FALSE(store.setTrackRating({.artist = "A"}, 20)) << "cannot be recognised again";
   }
   RatingsStore one(file, messages), other(file, messages);
-  EXPECT_EQ(one.trackMarks(song), (Marks{.rating = 100}));
-  EXPECT_EQ(other.albumMarks(song), (Marks{.rating = 0, .loved = true}));
+  EXPECT_EQ(one.known(song).track, (Marks{.rating = 100}));
+  EXPECT_EQ(other.known(song).album, (Marks{.rating = 0, .loved = true}));
   EXPECT_TRUE(one.setTrackLoved(song, false));
-  EXPECT_EQ(other.trackMarks(song), (Marks{.rating = 100, .loved = false}));
+  EXPECT_EQ(other.known(song).track, (Marks{.rating = 100, .loved = false}));
   EXPECT_EQ(messages.str(), "");
 }
 
@@ -149,12 +149,12 @@ TEST_F(RatingsStoreTest, TheFileIsLeftAndNothingIsLost) {
     {
       RatingsStore store(file, messages), idle(file, messages), clicking(file, messages);
       EXPECT_TRUE(store.setTrackRating(late, 40));
-      EXPECT_EQ(idle.trackMarks(late).rating, 40);
-      EXPECT_EQ(clicking.trackMarks(late).rating, 40);
+      EXPECT_EQ(idle.known(late).track.rating, 40);
+      EXPECT_EQ(clicking.known(late).track.rating, 40);
       changes[i]();
       EXPECT_TRUE(clicking.setTrackRating(last, 60));
-      EXPECT_EQ(store.trackMarks(late).rating, 40);
-      EXPECT_EQ(store.trackMarks(last).rating, 60);
+      EXPECT_EQ(store.known(late).track.rating, 40);
+      EXPECT_EQ(store.known(last).track.rating, 60);
     }
     EXPECT_EQ(rating(early) + rating(late) + rating(last), 20 + 40 + 60);
     EXPECT_EQ(rating(song), i == 4 ? 90 : -1);
@@ -170,12 +170,12 @@ TEST_F(RatingsStoreTest, AFileThatWasMovedIsReadUntilItCanBeCarriedOver) {
   fs::rename(file, folder.path() / "away");
   fs::create_directory(file);
   for (int again = 0; again < 3; ++again) {
-    EXPECT_EQ(store.trackMarks(song).rating, 40);
+    EXPECT_EQ(store.known(song).track.rating, 40);
     EXPECT_FALSE(store.setTrackRating(song, 60));
   }
   EXPECT_EQ(lines(), 1) << messages.str();
   fs::remove(file);
-  EXPECT_EQ(store.trackMarks(song).rating, 40);
+  EXPECT_EQ(store.known(song).track.rating, 40);
   EXPECT_TRUE(store.setTrackRating(song, 60));
   EXPECT_EQ(rating(song), 60);
 }
@@ -188,11 +188,11 @@ TEST_F(RatingsStoreTest, AnEarlierVersionsLogIsReadAndEndsAsSoonAsNobodyElseHasT
   const std::string logged = contents(log);
   {
     RatingsStore store(file, messages);
-    EXPECT_EQ(store.trackMarks(song).rating, 30);
+    EXPECT_EQ(store.known(song).track.rating, 30);
     EXPECT_TRUE(store.setTrackRating(song, 40));
     EXPECT_TRUE(fs::exists(log));
     earlier.close();
-    EXPECT_EQ(store.trackMarks(song).rating, 40);
+    EXPECT_EQ(store.known(song).track.rating, 40);
     EXPECT_FALSE(fs::exists(log));
   }
   fs::remove(file);
@@ -212,7 +212,7 @@ TEST_F(RatingsStoreTest, TablesOfANewerVersionAreReadAsFarAsThatGoesAndNeverWrit
     messages.str("");
     RatingsStore store(file, messages);
     for (RatingsStore* each : {&before, &store, &store}) {
-      EXPECT_EQ(each->trackMarks(song).rating.value_or(-1), rating);
+      EXPECT_EQ(each->known(song).track.rating.value_or(-1), rating);
       EXPECT_FALSE(each->setTrackLoved(song, true));
     }
     EntryCollection copy;
@@ -260,7 +260,7 @@ TEST_F(RatingsStoreTest, ALockedFileIsNotWritten) {
     RatingsStore store(file, messages);
     for (int click = 0; click < 3; ++click) {
       EXPECT_FALSE(store.setTrackRating(song, click));
-      EXPECT_EQ(store.trackMarks(song).rating.value_or(-1), readable);
+      EXPECT_EQ(store.known(song).track.rating.value_or(-1), readable);
     }
     EXPECT_EQ(lines(), 1) << messages.str();
     other.close();
@@ -281,7 +281,7 @@ TEST_F(RatingsStoreTest, AReadOnlyFolderIsReadAndRefusesWrites) {
   ASSERT_EQ(::seteuid(user == 0 ? nobody : user), 0);
   RatingsStore store(file, messages);
   for (int again = 0; again < 3; ++again) {
-    EXPECT_EQ(store.trackMarks(song).rating, 60);
+    EXPECT_EQ(store.known(song).track.rating, 60);
     EXPECT_FALSE(store.setTrackRating(song, 20) || store.setTrackLoved(song, true));
   }
   EXPECT_EQ(::seteuid(user), 0);
