@@ -53,12 +53,12 @@ CoverWanted FollowedPlayer::coverWanted() {
 
 TrackIdentity FollowedPlayer::identity() {
   if (now() == nullptr) return {};
-  const TrackIdentity identity{.address = now()->address.toStdString(),
-                               .artist = now()->artist,
-                               .album = now()->album,
-                               .albumArtist = now()->albumArtist,
-                               .title = now()->title,
-                               .length = now()->length};
+  TrackIdentity identity{.address = now()->address.toStdString(),
+                         .artist = now()->artist,
+                         .album = now()->album,
+                         .albumArtist = now()->albumArtist,
+                         .title = now()->title,
+                         .length = now()->length};
   if (moved_ != nullptr) moved_->heard(identity);
   return identity;
 }
