@@ -146,7 +146,12 @@ TEST_F(LibraryTest, AStarLandsInEachKindOfLibraryAndAHalfOneStaysOneWhereItIsRou
     library->signal();
     EXPECT_FALSE(waitUntil([] { return shown() != 70; }, std::chrono::milliseconds(50)));
     library->rate(0.2);
-    EXPECT_TRUE(waitForRating(20)) << "the last hand";
+    std::optional<desktop::PlayerReport> report;
+    EXPECT_TRUE(waitUntil([&] {
+      report = bridge->report();
+      return report && report->rating.value == 20;
+    })) << "the last hand";
+    EXPECT_EQ(report->library, "none") << "what it says is its own, from the first report on";
     library->rate(0.8);
     EXPECT_TRUE(waitForRating(80));
     click(0);
