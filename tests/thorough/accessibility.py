@@ -26,6 +26,9 @@ def part(name):
     return next((child for child in window if child.name == name), None)
 
 
+# The registry is there from now on: a program that registers while it starts may not be heard.
+pyatspi.Registry.getDesktop(0).childCount
+print("ready", flush=True)
 window = wait_for(card)
 wait_for(lambda: part("Song"))
 for child in window:

@@ -32,9 +32,10 @@ TEST(Accessibility, EveryControlIsNamedOperatedAndToldOfOnce) {
                                  environment);
   ASSERT_TRUE(waitUntil([&] { return bus.hasName("org.a11y.Bus"); }));
   FakePlayer player(bus, "tape", {{"PlaybackStatus", "Playing"}, {"Metadata", track("Song")}});
-  const Program card(VIRELUNE_PROGRAM, {}, environment);
   // Debian's own Python has the module.
   Program technology("/usr/bin/python3", {VIRELUNE_ACCESSIBILITY}, environment);
+  ASSERT_EQ(technology.readLine(), "ready");
+  const Program card(VIRELUNE_PROGRAM, {}, environment);
   for (const char* line :
        {"check box|About||inside", "push button|Close||inside", "label|Band — Album||inside",
         "push button|Artwork||inside", "label|Song||inside", "push button|Previous track||inside",
