@@ -133,7 +133,8 @@ class Desktop:
             DISPLAY=display, HOME=folder, XDG_CONFIG_HOME=folder, XDG_DATA_HOME=folder,
             XDG_DATA_DIRS=folder, XDG_RUNTIME_DIR=folder, QT_QPA_PLATFORM="xcb",
             QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
-            ASAN_OPTIONS="detect_leaks=0:quarantine_size_mb=2")
+            # Each stack that it keeps for an allocation stays for good, and looks like growth.
+            ASAN_OPTIONS="detect_leaks=0:quarantine_size_mb=2:malloc_context_size=1")
         self.accessibility = subprocess.Popen(
             ["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"],
             stderr=subprocess.DEVNULL)
@@ -244,10 +245,13 @@ class Monkey:
             self.start_card()
         elif self.mapped() != self.image:
             self.begin()  # at another size
-        with open(f"/proc/{self.card.pid}/smaps_rollup") as pages:
-            # Its own alone: what it shares with others counts for less while those run.
-            size = next(int(line.split()[1]) for line in pages if line.startswith("Anonymous:"))
-        files = len(os.listdir(f"/proc/{self.card.pid}/fd"))
+        try:
+            with open(f"/proc/{self.card.pid}/smaps_rollup") as pages:
+                # Its own alone: what it shares with others counts for less while those run.
+                size = next(int(line.split()[1]) for line in pages if line.startswith("Anonymous:"))
+            files = len(os.listdir(f"/proc/{self.card.pid}/fd"))
+        except ProcessLookupError:
+            return  # it has just ended, and the next look asks how
         self.memory.append((time.monotonic(), size, files))
 
     def remember(self):
