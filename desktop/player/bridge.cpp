@@ -79,6 +79,11 @@ PlayerBridge::PlayerBridge(const QDBusConnection& bus, const Options& options)
     marksSignal_.emplace(bus, [this] { scheduleAnnouncement(); });
   }
   if (ratings_ != nullptr) moved_.emplace(*ratings_, [this] { scheduleAnnouncement(); });
+  if (ratings_ != nullptr && options.marksReader != nullptr) {
+    readAhead_.emplace(*options.marksReader, ratings_->file(), [this] {
+      if (hasNews_) announcement_.start(milliseconds::zero());
+    });
+  }
   setWritesLibraries(options.writesLibraries);
   announcement_.setSingleShot(true);
   announcement_.setTimerType(Qt::PreciseTimer);
@@ -185,7 +190,15 @@ void PlayerBridge::scheduleAnnouncement(bool isNews) {
   announcement_.start(delay);
 }
 
+bool PlayerBridge::hasReadAhead() {
+  PlayerMirror* player = registry_.chosen();
+  const auto now = readAhead_ && player != nullptr ? player->snapshot() : nullptr;
+  if (now == nullptr || !now->hasTrack) return true;
+  return readAhead_->hasRead(identityOf(*now), LibraryWriter::nameOf(*player));
+}
+
 void PlayerBridge::announce() {
+  if (hasNews_ && !hasReadAhead()) return;
   sinceAnnouncement_.start();
   if (!std::exchange(hasNews_, false)) {
     return platform::current().distributedCenter->postNotification(

@@ -19,6 +19,7 @@
 #include "desktop/player/marks_signal.h"
 #include "desktop/player/registry.h"
 #include "desktop/ratings/moved_files.h"
+#include "desktop/ratings/read_ahead.h"
 #include "desktop/ratings/store.h"
 #include "desktop/session/player_application.h"
 #include "platform/application/scripting.h"
@@ -48,6 +49,7 @@ class PlayerBridge final : public platform::ScriptingTransport,
     RatingsStore* ratings = nullptr;  ///< null: ratings come from the player alone
     bool writesLibraries = true;      ///< ratings go on into the players' own libraries
     platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
+    platform::DispatchQueue* marksReader = nullptr;   ///< see ReadAhead; null: none is needed
     std::function<void()> heard = {};  ///< called when there is something new with the player
     PlayerRegistry::Watch watch = PlayerRegistry::Watch::always;
   };
@@ -93,13 +95,16 @@ class PlayerBridge final : public platform::ScriptingTransport,
   /// With news for the panel, or with details alone.
   void scheduleAnnouncement(bool isNews = true);
   void announce();
+  /// False while a worker reads what the store has of the track, which is announced afterwards.
+  bool hasReadAhead();
 
   QDBusConnection bus_;
   std::optional<MarksSignal> marksSignal_;  ///< none where nothing is watched
   PlayerRegistry registry_;
   Covers covers_;
   RatingsStore* const ratings_;
-  std::optional<MovedFiles> moved_;         ///< none without ratings
+  std::optional<MovedFiles> moved_;  ///< none without ratings
+  std::optional<ReadAhead> readAhead_;
   std::unique_ptr<LibraryWriter> library_;  ///< null when libraries are not written
   QString lastDesktopEntry_;                ///< of the player that was followed last
 

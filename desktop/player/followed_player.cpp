@@ -18,6 +18,15 @@ std::int64_t percent(double rating) { return std::llround(rating * 100); }
 
 }  // namespace
 
+TrackIdentity identityOf(const PlayerSnapshot& track) {
+  return {.address = track.address.toStdString(),
+          .artist = track.artist,
+          .album = track.album,
+          .albumArtist = track.albumArtist,
+          .title = track.title,
+          .length = track.length};
+}
+
 const PlayerSnapshot* FollowedPlayer::now() {
   if (!now_) now_ = mirror_.snapshot();
   return now_->get();
@@ -53,12 +62,7 @@ CoverWanted FollowedPlayer::coverWanted() {
 
 TrackIdentity FollowedPlayer::identity() {
   if (now() == nullptr) return {};
-  TrackIdentity identity{.address = now()->address.toStdString(),
-                         .artist = now()->artist,
-                         .album = now()->album,
-                         .albumArtist = now()->albumArtist,
-                         .title = now()->title,
-                         .length = now()->length};
+  TrackIdentity identity = identityOf(*now());
   if (moved_ != nullptr) moved_->heard(identity);
   return identity;
 }

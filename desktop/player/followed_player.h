@@ -15,6 +15,9 @@
 
 namespace desktop {
 
+/// As the store knows tracks.
+TrackIdentity identityOf(const PlayerSnapshot& track);
+
 /// Made for one request. Main thread only.
 class FollowedPlayer final : public platform::ScriptablePlayer {
  public:
@@ -52,7 +55,7 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   const PlayerSnapshot* now();
   /// What its cover is looked for by.
   CoverWanted coverWanted();
-  /// As the store knows tracks, which looks after a file that has moved.
+  /// See identityOf(); a file that has moved is looked after.
   TrackIdentity identity();
   /// What the store has of the track, asked for once until it is changed; nothing without a store.
   const RatingsStore::Known& known();

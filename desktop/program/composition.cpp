@@ -62,7 +62,8 @@ void Composition::makePlayer(const Options& options) {
                             .demoStandsIn = options.demoStandsIn,
                             .ratings = ratings_.get(),
                             .writesLibraries = options.writesLibraries,
-                            .coverReaders = &coverReaders_});
+                            .coverReaders = &coverReaders_,
+                            .marksReader = &marksReader_});
   workspace_ = std::make_unique<platform::NSWorkspace>(*player_);
   loginItems_ =
       std::make_unique<LoginItems>(LoginItems::Options{.folder = LoginItems::defaultFolder(),

@@ -78,6 +78,7 @@ class Composition {
   std::map<std::string, platform::Value> servers_;  ///< entries of the bundle, without the demo's
   std::unique_ptr<RatingsStore> ratings_;
   WorkerPool coverReaders_;
+  WorkerPool marksReader_{1};
   std::unique_ptr<PlayerSource> player_;
   std::unique_ptr<demo::DemoServers> demoServers_;
   std::unique_ptr<LoginItems> loginItems_;

@@ -22,7 +22,8 @@ PlayerSource::PlayerSource(Options options)
       lastPlayer_(std::move(options.lastPlayer)),
       ratings_(options.ratings),
       writesLibraries_(options.writesLibraries),
-      coverReaders_(options.coverReaders) {
+      coverReaders_(options.coverReaders),
+      marksReader_(options.marksReader) {
   busSeeker_.setInterval(busInterval);
   connect(&busSeeker_, &QTimer::timeout, this, [this] { seekBus(); });
   if (bus_) makeBridge();
@@ -45,6 +46,7 @@ void PlayerSource::makeBridge() {
                                    .ratings = ratings_,
                                    .writesLibraries = writesLibraries_,
                                    .coverReaders = coverReaders_,
+                                   .marksReader = marksReader_,
                                    .heard = [this] { heard(); }});
   bus_->connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,

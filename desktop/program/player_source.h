@@ -38,6 +38,7 @@ class PlayerSource final : public QObject,
     RatingsStore* ratings = nullptr;
     bool writesLibraries = true;
     platform::DispatchQueue* coverReaders = nullptr;  ///< see Covers
+    platform::DispatchQueue* marksReader = nullptr;   ///< see PlayerBridge
   };
   explicit PlayerSource(Options options);
 
@@ -98,6 +99,7 @@ class PlayerSource final : public QObject,
   RatingsStore* const ratings_;
   bool writesLibraries_;
   platform::DispatchQueue* const coverReaders_;
+  platform::DispatchQueue* const marksReader_;
   DesktopWorkspace desktop_{this};
   std::unique_ptr<PlayerBridge> bridge_;
   std::unique_ptr<demo::DemoPlayer> demoPlayer_;

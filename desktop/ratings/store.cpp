@@ -85,6 +85,16 @@ RatingsStore::Known RatingsStore::known(const TrackIdentity& track, const std::s
   return known;
 }
 
+void RatingsStore::readAhead(const std::filesystem::path& file, const TrackIdentity& track,
+                             const std::string& player) {
+  std::ostream nobody(nullptr);
+  RatingsStore store(file, nobody);
+  store.readingAccess_ = Access::copy;
+  store.known(track, player);
+  store.namesakes(track);
+  store.connection_.reset();
+}
+
 bool RatingsStore::setTrackLoved(const TrackIdentity& track, bool loved) {
   return set({RatingsRecord::Kind::track, track, {.loved = loved}});
 }
@@ -113,7 +123,7 @@ std::vector<TrackIdentity> RatingsStore::namesakes(const TrackIdentity& track) {
                           title.normalized(QString::NormalizationForm_C).toStdString(),
                           title.normalized(QString::NormalizationForm_D).toStdString()};
   std::vector<TrackIdentity> titled, cut;
-  perform(Access::read, [&](Connection& connection) {
+  perform(readingAccess_, [&](Connection& connection) {
     titled.clear();
     cut.clear();
     int result = connection.entries.readTracksTitled(titles, wholeSeconds(track.length), titled);
@@ -175,7 +185,7 @@ Result<> RatingsStore::replaceAll(EntryCollection& entries, const std::function<
 }
 
 void RatingsStore::read(const Work& work) {
-  const auto problem = perform(Access::read, work);
+  const auto problem = perform(readingAccess_, work);
   if (problem && problem->kind != Kind::absent) tell(problem->kind, textOf(*problem));
 }
 

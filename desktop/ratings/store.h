@@ -55,6 +55,10 @@ class RatingsStore {
   };
   /// All that there is about a track, as it is at one moment.
   Known known(const TrackIdentity& track, const std::string& player = {});
+  /// Reads what known() and namesakes() do, so that it lies in the system's memory afterwards. From
+  /// any thread; tells nothing, mends nothing and makes no file.
+  static void readAhead(const std::filesystem::path& file, const TrackIdentity& track,
+                        const std::string& player);
 
   // Writing; true once it is on the disk. A rating is limited to 0 … 100.
   bool setTrackRating(const TrackIdentity& track, int rating);
@@ -115,6 +119,7 @@ class RatingsStore {
   std::set<StoreProblem::Kind> told_;  ///< since the last successful write
   std::function<void()> changed_;
   Patience patience_;
+  Access readingAccess_ = Access::read;
   std::unique_ptr<Connection> connection_;
 };
 

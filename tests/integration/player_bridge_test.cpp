@@ -4,6 +4,7 @@
 #include "desktop/player/changes.h"
 #include "tests/integration/bridge_fixture.h"
 #include "tests/integration/fake_player.h"
+#include "tests/support/scripted.h"
 #include "track/track_view_controller.h"
 
 namespace tests {
@@ -159,6 +160,20 @@ TEST_F(PlayerBridge, WhatNoPanelShowsIsToldToOthersWithoutARefreshOrAQuestion) {
   EXPECT_EQ(bridge->report()->volume, 0.9);
   player.tell({{"Volume", 0.1}});
   player.tell(song("Other"));
+  EXPECT_TRUE(waitUntil([&] { return announced->count == 1; }));
+  EXPECT_EQ(title(), "Other");
+}
+
+TEST_F(PlayerBridge, ATrackIsAnnouncedOnceItsMarksHaveBeenReadOnAWorker) {
+  FakePlayer player(bus, "ahead", song("Song"));
+  ManualQueue reader;
+  follow({.ratings = &ratings, .marksReader = &reader});
+  player.tell(song("Other"));
+  EXPECT_TRUE(waitUntil([&] { return reader.count() == 1; }));
+  player.tell(song("Other", {}, "Paused"));
+  EXPECT_TRUE(waitUntil([&] { return state() == "kPSp"; }));
+  EXPECT_EQ(announced->count, 0);
+  reader.runAll();
   EXPECT_TRUE(waitUntil([&] { return announced->count == 1; }));
   EXPECT_EQ(title(), "Other");
 }

@@ -84,8 +84,12 @@ class ManualQueue final : public platform::DispatchQueue {
  public:
   void async(std::function<void()> task) override { tasks_.push_back(std::move(task)); }
   std::size_t count() const { return tasks_.size(); }
+  void runFirst() {
+    tasks_.front()();
+    tasks_.pop_front();
+  }
   void runAll() {
-    for (; !tasks_.empty(); tasks_.pop_front()) tasks_.front()();
+    while (!tasks_.empty()) runFirst();
   }
 
  private:
