@@ -21,24 +21,31 @@ ReadAhead::ReadAhead(platform::DispatchQueue& reader, std::filesystem::path file
       self_(std::make_shared<ReadAhead*>(this)) {}
 
 bool ReadAhead::hasRead(const TrackIdentity& track, const std::string& player) {
-  platform::RunLoop* runLoop = platform::current().runLoop;
-  if (track == track_) {
-    if (isReading_) return false;
-    if (readAt_ && runLoop->now() - *readAt_ < remembered) return true;
-  }
+  const auto now = platform::current().runLoop->now();
+  if (track == track_ && readAt_ && now - *readAt_ < remembered) return true;
   track_ = track;
+  player_ = player;
+  readAt_.reset();
+  if (!isReading_) begin();
+  return false;
+}
+
+void ReadAhead::begin() {
   isReading_ = true;
-  reader_.async([weak = std::weak_ptr(self_), runLoop, file = file_, track, player] {
+  reader_.async([weak = std::weak_ptr(self_), runLoop = platform::current().runLoop, file = file_,
+                 track = track_, player = player_] {
     RatingsStore::readAhead(file, track, player);
-    runLoop->dispatchAsync([weak, runLoop, track] {
-      const auto self = weak.lock();
-      if (!self || (*self)->track_ != track) return;
-      (*self)->isReading_ = false;
-      (*self)->readAt_ = runLoop->now();
-      (*self)->read_();
+    runLoop->dispatchAsync([weak, track] {
+      if (const auto self = weak.lock()) (*self)->complete(track);
     });
   });
-  return false;
+}
+
+void ReadAhead::complete(const TrackIdentity& track) {
+  isReading_ = false;
+  if (track != track_) return begin();
+  readAt_ = platform::current().runLoop->now();
+  read_();
 }
 
 }  // namespace desktop

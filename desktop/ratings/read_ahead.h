@@ -21,17 +21,23 @@ class ReadAhead {
   ReadAhead(platform::DispatchQueue& reader, std::filesystem::path file,
             std::function<void()> read);
 
-  /// True when this track was read last, a short while ago; else it is read now, if it is not yet.
+  /// True when this track was read last, a short while ago; else it is read as soon as one that is
+  /// being read is done.
   bool hasRead(const TrackIdentity& track, const std::string& player);
 
  private:
+  void begin();
+  void complete(const TrackIdentity& track);
+
   platform::DispatchQueue& reader_;
   const std::filesystem::path file_;
   const std::function<void()> read_;
-  TrackIdentity track_;  ///< the one that was asked about last
-  bool isReading_ = false;
-  std::optional<platform::TimeInterval> readAt_;
-  const std::shared_ptr<ReadAhead*> self_;  ///< what the reader holds weakly
+  // What was asked about last.
+  TrackIdentity track_;
+  std::string player_;
+  std::optional<platform::TimeInterval> readAt_;  ///< none before that is done
+  bool isReading_ = false;                        ///< that or what was asked about before
+  const std::shared_ptr<ReadAhead*> self_;        ///< what the reader holds weakly
 };
 
 }  // namespace desktop

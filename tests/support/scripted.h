@@ -84,12 +84,8 @@ class ManualQueue final : public platform::DispatchQueue {
  public:
   void async(std::function<void()> task) override { tasks_.push_back(std::move(task)); }
   std::size_t count() const { return tasks_.size(); }
-  void runFirst() {
-    tasks_.front()();
-    tasks_.pop_front();
-  }
   void runAll() {
-    while (!tasks_.empty()) runFirst();
+    for (; !tasks_.empty(); tasks_.pop_front()) tasks_.front()();
   }
 
  private:
