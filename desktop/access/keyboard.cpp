@@ -135,10 +135,10 @@ void Keyboard::turned(const QWheelEvent& event) {
 }
 
 void Keyboard::showVolume() {
-  const auto report = player_.report();
-  if (!report || !report->volume) return;
+  const auto seen = player_.glance();
+  if (!seen || !seen->volume) return;
   surface_.showNotice(localizedString("0004.0013") + "  " +
-                      std::to_string(std::lround(*report->volume * 100)) + " %");
+                      std::to_string(std::lround(*seen->volume * 100)) + " %");
 }
 
 }  // namespace desktop

@@ -23,8 +23,8 @@ Outcome badValue(std::string_view argument, const char* wanted) {
 }
 
 bool hasTrack(PlayerControls& player) {
-  const auto report = player.report();
-  return report && report->track && report->state != platform::player::stateStopped;
+  const auto seen = player.glance();
+  return seen && seen->track && seen->state != platform::player::stateStopped;
 }
 
 Action command(PlayerControls& player, const char* name, const char* labelKey,
@@ -73,10 +73,10 @@ Action seek(PlayerControls& player) {
           .isPossible = [&player] { return hasTrack(player); },
           .isOn = {},
           .perform = [&player](std::string_view argument) -> Outcome {
-            const auto report = player.report();
-            if (!report || !report->track) return done(false);
+            const auto seen = player.glance();
+            if (!seen || !seen->track) return done(false);
             const auto position =
-                amountFromText(argument, report->position, report->track->duration);
+                amountFromText(argument, player.position(), seen->track->duration);
             if (!position) return badValue(argument, "seconds, +seconds, -seconds or a per cent");
             return done(player.seek(*position));
           }};
@@ -84,8 +84,8 @@ Action seek(PlayerControls& player) {
 
 /// The volume in per cent; none when there is none to set.
 std::optional<double> volumeOf(PlayerControls& player) {
-  const auto report = player.report();
-  return report && report->volume ? std::optional(*report->volume * 100) : std::nullopt;
+  const auto seen = player.glance();
+  return seen && seen->volume ? std::optional(*seen->volume * 100) : std::nullopt;
 }
 
 Action volume(PlayerControls& player) {

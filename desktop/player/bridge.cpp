@@ -137,6 +137,17 @@ std::optional<PlayerReport> PlayerBridge::report() {
   return followed(*player).report();
 }
 
+std::optional<PlayerGlance> PlayerBridge::glance() {
+  PlayerMirror* player = registry_.chosen();
+  if (player == nullptr) return std::nullopt;
+  return followed(*player).glance();
+}
+
+double PlayerBridge::position() {
+  PlayerMirror* player = registry_.chosen();
+  return player != nullptr ? player->position() : 0;
+}
+
 bool PlayerBridge::can(PlayerCommand command) {
   PlayerMirror* player = registry_.chosen();
   if (player == nullptr) return false;

@@ -75,6 +75,8 @@ class PlayerBridge final : public platform::ScriptingTransport,
 
   // Controls.
   std::optional<PlayerReport> report() override;
+  std::optional<PlayerGlance> glance() override;
+  double position() override;
   bool can(PlayerCommand command) override;
   bool command(PlayerCommand command) override;
   bool seek(double seconds) override;

@@ -8,9 +8,8 @@
 
 namespace desktop {
 
-/// What a player tells of itself and its current track at one moment. Empty texts and a length of
-/// 0 are unknown.
-struct PlayerReport {
+/// What a player tells of itself and its current track. Empty texts and a length of 0 are unknown.
+struct PlayerGlance {
   std::string player = {};    ///< its name on the bus, without what all have in common
   std::string identity = {};  ///< the name to show
   platform::FourCharCode state{};
@@ -20,6 +19,11 @@ struct PlayerReport {
       std::nullopt;          ///< none when there is no current track
   std::string address = {};  ///< of the track
   std::string artworkAddress = {};
+};
+
+/// All that is known of it at one moment, for which the player may be asked for its position, and
+/// the ratings store.
+struct PlayerReport : PlayerGlance {
   double position = 0;  ///< seconds
   platform::ScriptablePlayer::Rating rating = {};
   platform::ScriptablePlayer::Rating albumRating = {};
@@ -37,6 +41,8 @@ class PlayerControls {
  public:
   virtual ~PlayerControls() = default;
   virtual std::optional<PlayerReport> report() = 0;
+  virtual std::optional<PlayerGlance> glance() = 0;
+  virtual double position() = 0;  ///< seconds; 0 when it is not known
   /// False as well for what the player says it cannot do now.
   virtual bool can(PlayerCommand command) = 0;
   virtual bool command(PlayerCommand command) = 0;

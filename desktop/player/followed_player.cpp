@@ -126,15 +126,21 @@ std::int64_t FollowedPlayer::lastHand(int ours) {
   return *said;
 }
 
-PlayerReport FollowedPlayer::report() {
-  PlayerReport report{.player = mirror_.shortName().toStdString(),
+PlayerGlance FollowedPlayer::glance() {
+  PlayerGlance glance{.player = mirror_.shortName().toStdString(),
                       .identity = mirror_.identity().toStdString(),
                       .state = state(),
                       .volume = mirror_.volume(),
                       .track = track()};
+  if (!glance.track) return glance;
+  glance.address = now()->address.toStdString();
+  glance.artworkAddress = now()->artworkAddress.toStdString();
+  return glance;
+}
+
+PlayerReport FollowedPlayer::report() {
+  PlayerReport report{glance()};
   if (!report.track) return report;
-  report.address = now()->address.toStdString();
-  report.artworkAddress = now()->artworkAddress.toStdString();
   report.position = position();
   report.rating = rating(Marked::track);
   report.albumRating = rating(Marked::album);

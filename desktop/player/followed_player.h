@@ -39,8 +39,9 @@ class FollowedPlayer final : public platform::ScriptablePlayer {
   bool isLoved(Marked of) override;
   bool setLoved(Marked of, bool loved) override;
 
-  /// All that it tells.
+  /// All that it tells, and what it tells without being asked.
   PlayerReport report();
+  PlayerGlance glance();
 
   bool playPause() override { return mirror_.command("PlayPause"); }
   bool nextTrack() override { return mirror_.command("Next"); }

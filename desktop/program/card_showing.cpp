@@ -13,9 +13,9 @@ CardShowing::CardShowing(CardSurface& window, const Settings& settings, PlayerCo
       changes_(PlayerChanges::observe([this] { update(); })) {}
 
 void CardShowing::update() {
-  const auto report = player_.report();
-  const bool nothingPlays = !report || report->state == platform::player::stateStopped ||
-                            report->state == platform::FourCharCode{};
+  const auto seen = player_.glance();
+  const bool nothingPlays = !seen || seen->state == platform::player::stateStopped ||
+                            seen->state == platform::FourCharCode{};
   const bool isIdle = nothingPlays && settings_.hidesWhenIdle();
   if (std::exchange(isIdle_, isIdle) != isIdle) hiddenByHand_.reset();
   const bool hides = hiddenByHand_.value_or(isIdle);

@@ -67,24 +67,27 @@ class Headless final : public Remote {
     platform_.scripting = &bridge_;
     platform_.workspace = &workspace_;
     platform_.globalQueue = &workers_;
-    addPlayerActions(actions_, bridge_, widget);
+    // To tell what plays, and to control it, goes without the bundle.
+    virelune::WidgetEntry commands = widget;
+    commands.setRating = [this, set = widget.setRating](std::int64_t rating, bool album) {
+      openBundleForMarks();
+      return set(rating, album);
+    };
+    commands.setLoved = [this, set = widget.setLoved](bool loved, bool album) {
+      openBundleForMarks();
+      return set(loved, album);
+    };
+    addPlayerActions(actions_, bridge_, commands);
   }
 
   QVariantMap status() override { return statusOf(bridge_.report()); }
 
   std::optional<Refusal> act(const std::string& action, const std::string& argument) override {
     if (!bridge_.isRunning()) return Refusal{.text = "no music player is on the session bus"};
-    openBundleForActions();
     const auto problem = actions_.perform(action, argument);
     if (!problem) return std::nullopt;
     const bool isBad = problem->kind == ActionProblem::Kind::badValue;
     return Refusal{isBad ? badValueStatus : impossibleStatus, problem->text};
-  }
-
-  /// What the widget's commands read; to tell what plays goes without.
-  void openBundleForActions() {
-    if (!bundle_) bundle_ = openBundle(resourceFolder());
-    platform_.mainBundle = bundle_.get();
   }
 
   PlayerBridge& bridge() { return bridge_; }
@@ -92,6 +95,12 @@ class Headless final : public Remote {
   const Actions& actions() const { return actions_; }
 
  private:
+  /// What the widget's commands read.
+  void openBundleForMarks() {
+    if (!bundle_) bundle_ = openBundle(resourceFolder());
+    platform_.mainBundle = bundle_.get();
+  }
+
   platform::Platform platform_;
   platform::PlatformScope scope_{platform_};
   QtRunLoop driver_;
@@ -248,7 +257,6 @@ int runService(int argc, char** argv, const virelune::WidgetEntry& widget) {
   if (!bus.isConnected()) return refuse({.text = "there is no session bus"});
   Headless headless(bus, Settings(Settings::defaultFile()).player(), widget,
                     PlayerRegistry::Watch::always);
-  headless.openBundleForActions();
   QTimer rest;
   rest.setSingleShot(true);
   QObject::connect(&rest, &QTimer::timeout, &rest, [] { QCoreApplication::quit(); });

@@ -131,14 +131,24 @@ void PlayerSource::seekBus() {
 std::optional<PlayerReport> PlayerSource::report() {
   if (!demoPlayer_) return bridge_ ? bridge_->report() : std::nullopt;
   using Marked = platform::ScriptablePlayer::Marked;
-  return PlayerReport{.player = "demo",
-                      .state = demoPlayer_->state(),
-                      .track = demoPlayer_->track(),
-                      .position = demoPlayer_->position(),
-                      .rating = demoPlayer_->rating(Marked::track),
-                      .albumRating = demoPlayer_->rating(Marked::album),
-                      .isLoved = demoPlayer_->isLoved(Marked::track),
-                      .isAlbumLoved = demoPlayer_->isLoved(Marked::album)};
+  PlayerReport report{*glance()};
+  report.position = demoPlayer_->position();
+  report.rating = demoPlayer_->rating(Marked::track);
+  report.albumRating = demoPlayer_->rating(Marked::album);
+  report.isLoved = demoPlayer_->isLoved(Marked::track);
+  report.isAlbumLoved = demoPlayer_->isLoved(Marked::album);
+  return report;
+}
+
+std::optional<PlayerGlance> PlayerSource::glance() {
+  if (!demoPlayer_) return bridge_ ? bridge_->glance() : std::nullopt;
+  return PlayerGlance{
+      .player = "demo", .state = demoPlayer_->state(), .track = demoPlayer_->track()};
+}
+
+double PlayerSource::position() {
+  if (!demoPlayer_) return bridge_ ? bridge_->position() : 0;
+  return demoPlayer_->position();
 }
 
 bool PlayerSource::can(PlayerCommand command) {

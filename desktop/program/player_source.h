@@ -65,6 +65,8 @@ class PlayerSource final : public QObject,
 
   // Controls, likewise.
   std::optional<PlayerReport> report() override;
+  std::optional<PlayerGlance> glance() override;
+  double position() override;
   bool can(PlayerCommand command) override;
   bool command(PlayerCommand command) override;
   bool seek(double seconds) override;

@@ -10,6 +10,8 @@ namespace {
 
 struct NoPlayer final : desktop::PlayerControls {
   std::optional<desktop::PlayerReport> report() override { return std::nullopt; }
+  std::optional<desktop::PlayerGlance> glance() override { return std::nullopt; }
+  double position() override { return 0; }
   bool can(desktop::PlayerCommand) override { return false; }
   bool command(desktop::PlayerCommand) override { return false; }
   bool seek(double) override { return false; }

@@ -60,9 +60,11 @@ struct OperatedWidget : platform::NSViewController {
 };
 
 struct SilentPlayer final : desktop::PlayerControls {
-  std::optional<desktop::PlayerReport> report() override {
-    return desktop::PlayerReport{.volume = 0.5};
+  std::optional<desktop::PlayerReport> report() override { return std::nullopt; }
+  std::optional<desktop::PlayerGlance> glance() override {
+    return desktop::PlayerGlance{.volume = 0.5};
   }
+  double position() override { return 0; }
   bool can(desktop::PlayerCommand) override { return true; }
   bool command(desktop::PlayerCommand) override { return true; }
   bool seek(double) override { return true; }
